@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+
+namespace mossbank {
+
+/// An application that runs on this desktop.
+struct Application {
+    /// What identifies it across runs and languages: on Linux the id of its desktop file
+    /// ("org.mozilla.firefox"), or the name of its executable where it has none. Empty when
+    /// nothing is known.
+    QString bundleID;
+    /// Its name for the user, in the user's language. Empty when it has none.
+    QString name;
+
+    friend bool operator==(const Application&, const Application&) = default;
+};
+
+/// This application's own identity: the id of its desktop file.
+inline constexpr char16_t kOwnBundleID[] = u"local.mossbank.Mossbank";
+
+} // namespace mossbank
+
+Q_DECLARE_METATYPE(mossbank::Application)

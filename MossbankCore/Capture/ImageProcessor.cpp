@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/ImageProcessor.h"
+
+#include "MossbankCore/Library/StoreError.h"
+
+#include <QBuffer>
+#include <QCoroFuture>
+#include <QImageWriter>
+#include <QtConcurrentRun>
+
+#include <algorithm>
+#include <cmath>
+
+namespace mossbank {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QFuture<QByteArray> encoding(const QImage& image, double quality)
+{
+    return QtConcurrent::run([image, quality] { return ImageProcessor::encode(image, quality); });
+}
+
+QFuture<QString> reading(const QImage& image, TextRecognizer& recognizer)
+{
+    return QtConcurrent::run(
+        [image, &recognizer] { return ImageProcessor::recognize(image, recognizer); });
+}
+
+} // namespace
+
+QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality,
+                                                    std::optional<QString> text,
+                                                    TextRecognizer& recognizer)
+{
+    const QFuture<QByteArray> encoded = encoding(image, std::clamp(quality, 0.1, 1.0));
+    const QFuture<QString> read =
+        text ? QtFuture::makeReadyFuture(*text) : reading(image, recognizer);
+
+    std::exception_ptr failure;
+    ProcessedImage processed;
+    try {
+        processed.jpeg = co_await encoded;
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    // Waited for even when the picture failed: no work outlives the task that started it.
+    try {
+        processed.text = co_await read;
+    } catch (...) {
+        if (!failure)
+            failure = std::current_exception();
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+    co_return processed;
+}
+
+QByteArray ImageProcessor::encode(const QImage& image, double quality)
+{
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    QImageWriter writer(&buffer, "jpeg");
+    if (!buffer.open(QIODevice::WriteOnly) || !writer.canWrite())
+        throw StoreError(u"Could not encode the screenshot."_s);
+    writer.setQuality(static_cast<int>(std::lround(quality * 100)));
+    if (!writer.write(image))
+        throw StoreError(u"Could not finish writing the screenshot."_s);
+    return jpeg;
+}
+
+QString ImageProcessor::recognize(const QImage& image, TextRecognizer& recognizer, bool correcting,
+                                  const std::optional<QStringList>& languages)
+{
+    return recognizer.recognize(image, {.correctsLanguage = correcting, .languages = languages})
+        .join(u'\n');
+}
+
+} // namespace mossbank

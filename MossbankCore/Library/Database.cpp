@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Library/Database.h"
+
+#include "MossbankCore/Library/StoreError.h"
+
+#include <QFile>
+
+#include <sqlite3.h>
+
+#include <array>
+#include <charconv>
+
+namespace mossbank {
+
+namespace {
+
+constexpr int kToTheEndingZero = -1;
+
+} // namespace
+
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const
+{
+    sqlite3_finalize(statement);
+}
+
+Statement::Statement(sqlite3_stmt* handle)
+    : m_handle(handle)
+{
+}
+
+void Statement::bind(const QStringList& values)
+{
+    int position = 0;
+    for (const QString& value : values)
+        sqlite3_bind_text(m_handle.get(), ++position, value.toUtf8().constData(), kToTheEndingZero,
+                          SQLITE_TRANSIENT);
+}
+
+bool Statement::step()
+{
+    switch (sqlite3_step(m_handle.get())) {
+    case SQLITE_ROW:
+        return true;
+    case SQLITE_DONE:
+        return false;
+    default:
+        throw StoreError(QString::fromUtf8(sqlite3_errmsg(sqlite3_db_handle(m_handle.get()))));
+    }
+}
+
+QString Statement::text(int column) const
+{
+    const auto* utf8 = reinterpret_cast<const char*>(sqlite3_column_text(m_handle.get(), column));
+    return utf8 ? QString::fromUtf8(utf8, sqlite3_column_bytes(m_handle.get(), column)) : QString();
+}
+
+double Statement::real(int column) const
+{
+    return sqlite3_column_double(m_handle.get(), column);
+}
+
+qint64 Statement::integer(int column) const
+{
+    return sqlite3_column_int64(m_handle.get(), column);
+}
+
+void Database::Close::operator()(sqlite3* connection) const
+{
+    sqlite3_close(connection);
+}
+
+Database::Database(std::unique_ptr<sqlite3, Close> connection)
+    : m_connection(std::move(connection))
+{
+}
+
+std::optional<Database> Database::open(const QString& path, Access access)
+{
+    const int flags = SQLITE_OPEN_FULLMUTEX |
+                      (access == Access::ReadWrite ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
+                                                   : SQLITE_OPEN_READONLY);
+    sqlite3* handle = nullptr;
+    const int result =
+        sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, flags, nullptr);
+    std::unique_ptr<sqlite3, Close> connection(handle);
+    if (result != SQLITE_OK)
+        return std::nullopt;
+    return Database(std::move(connection));
+}
+
+void Database::execute(const QString& sql)
+{
+    if (!tryExecute(sql))
+        throw StoreError(errorMessage());
+}
+
+bool Database::tryExecute(const QString& sql)
+{
+    return sqlite3_exec(m_connection.get(), sql.toUtf8().constData(), nullptr, nullptr, nullptr) ==
+           SQLITE_OK;
+}
+
+Statement Database::statement(const QString& sql)
+{
+    sqlite3_stmt* handle = nullptr;
+    const int result = sqlite3_prepare_v2(m_connection.get(), sql.toUtf8().constData(),
+                                          kToTheEndingZero, &handle, nullptr);
+    if (result != SQLITE_OK || !handle)
+        throw StoreError(errorMessage());
+    return Statement(handle);
+}
+
+QString Database::errorMessage() const
+{
+    return QString::fromUtf8(sqlite3_errmsg(m_connection.get()));
+}
+
+QString decimalText(double value)
+{
+    std::array<char, 32> digits = {};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return QString::fromLatin1(digits.data(), end - digits.data());
+}
+
+} // namespace mossbank

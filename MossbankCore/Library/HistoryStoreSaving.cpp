@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How a screenshot goes into the library. It lives in two places, a file and a row, and no
+// transaction spans both. So: a marker first, then the picture, then the row, then the marker goes
+// again. After a crash the marker is there exactly when the picture may be without its row.
+#include "MossbankCore/Library/HistoryStore.h"
+#include "MossbankCore/Library/ImageVault.h"
+#include "MossbankCore/Library/StoreError.h"
+#include "MossbankCore/Support/Files.h"
+
+#include <QFileInfo>
+#include <QScopeGuard>
+
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+void removeQuietly(const QString& path)
+{
+    try {
+        Files::removeFile(path);
+    } catch (const FileError&) {
+        // What is being reported already matters more.
+    }
+}
+
+} // namespace
+
+QFuture<void> HistoryStore::save(Memory memory, QByteArray jpeg)
+{
+    return m_queue.run(
+        [this, memory = std::move(memory), jpeg = std::move(jpeg)] { saveNow(memory, jpeg); });
+}
+
+void HistoryStore::saveNow(const Memory& memory, const QByteArray& jpeg)
+{
+    if (!isValidFilename(memory.filename))
+        throw StoreError(u"Invalid screenshot filename."_s);
+    const QString picture = images() + u'/' + memory.filename;
+    if (QFileInfo::exists(picture))
+        throw StoreError(u"A screenshot with that filename already exists."_s);
+
+    // Somebody may have removed the folder by hand.
+    Files::createFolder(pending());
+    const QString marker = pending() + u'/' + memory.filename;
+    Files::createEmptyFile(marker);
+    const auto markerGoesLast = qScopeGuard([&] { removeQuietly(marker); });
+
+    // The marker holds no bytes and the picture is sealed before it is written, so a crash never
+    // leaves a plain picture behind.
+    const QByteArray bytes = m_vault ? m_vault->sealed(jpeg) : jpeg;
+    Files::writeAtomically(picture, bytes);
+    try {
+        insertRow(memory, bytes.size());
+    } catch (const StoreError&) {
+        removeQuietly(picture);
+        throw;
+    }
+}
+
+void HistoryStore::insertRow(const Memory& memory, qsizetype bytesOnDisk)
+{
+    // The insert trigger adds to the index and the summary within this same statement.
+    Statement insert = m_db.statement(u"INSERT INTO memories (id, timestamp, app_name, bundle_id, "
+                                      u"text, filename, bytes, title, link)\n"
+                                      "VALUES (?,?,?,?,?,?,?,?,?)"_s);
+    insert.bind({memory.id, decimalText(memory.timestamp.secondsSince1970), memory.appName,
+                 memory.bundleID, memory.text, memory.filename, QString::number(bytesOnDisk),
+                 memory.title, memory.link});
+    insert.step();
+}
+
+} // namespace mossbank

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Support/Date.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <QTimeZone>
+
+#include <functional>
+#include <optional>
+
+namespace mossbank {
+
+/// A time zone and a locale: what makes days, hours and their words out of moments.
+///
+/// Days and hours follow the zone's clock changes, so a day can have 23 or 25 hours, begin at one
+/// o'clock, or be missing from the year altogether. The days of a zone lie end to end: every
+/// moment is in exactly one of them.
+///
+/// It is a value, handed to whoever needs one and never global, for a zone changes while the
+/// program runs. Who needs today's asks a `CalendarSource` each time.
+///
+/// Threading: any thread.
+class Calendar {
+public:
+    enum class Component { Hour, Day };
+
+    /// An invalid `zone` counts as UTC.
+    Calendar(const QTimeZone& zone, const QLocale& locale);
+
+    /// That of the machine and the user at this moment.
+    static Calendar current();
+
+    /// The day or the hour that `date` is in. Absent for a date beyond the calendar's reach (not
+    /// a number, or more than some hundred thousand years away).
+    ///
+    /// An hour ends at the latest where the clocks change, so an hour told twice is two hours.
+    std::optional<DateInterval> dateInterval(Component component, Date date) const;
+
+    /// The first moment of a day given by its numbers; absent where the zone has no such day.
+    std::optional<Date> startOfDay(int year, int month, int day) const;
+
+    /// The time of day as the locale writes it briefly ("14:05", "2:05 PM").
+    QString shortTime(Date date) const;
+
+    /// `date` on this calendar's clocks, for showing. Milliseconds are all that it keeps.
+    QDateTime local(Date date) const;
+
+private:
+    std::optional<DateInterval> day(Date date) const;
+    std::optional<DateInterval> hour(Date date) const;
+    std::optional<Date> startOfDayAtOrAfter(QDate day) const;
+
+    QTimeZone m_zone;
+    QLocale m_locale;
+};
+
+/// Asked for the calendar of the moment. Any thread may call it.
+using CalendarSource = std::function<Calendar()>;
+
+} // namespace mossbank

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Support/Characters.h"
+
+#include <unicode/brkiter.h>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+#include <unicode/utext.h>
+#include <unicode/utf16.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+namespace mossbank {
+
+namespace {
+
+/// ICU's lengths are 32 bits. A title or a screenful of words never comes near.
+constexpr qsizetype kLongest = std::numeric_limits<int32_t>::max();
+
+const char16_t* units(QStringView text)
+{
+    return text.utf16();
+}
+
+/// Walks the boundaries between characters. ICU's iterators are costly to make and not to be
+/// shared by threads, so each thread keeps one.
+class CharacterWalk {
+public:
+    explicit CharacterWalk(QStringView text)
+    {
+        UErrorCode error = U_ZERO_ERROR;
+        utext_openUChars(&m_text, units(text), std::min(text.size(), kLongest), &error);
+        iterator().setText(&m_text, error);
+        iterator().first();
+    }
+    ~CharacterWalk() { utext_close(&m_text); }
+    Q_DISABLE_COPY_MOVE(CharacterWalk)
+
+    /// The end of the next character, or absent at the end of the text.
+    std::optional<qsizetype> next() { return position(iterator().next()); }
+    qsizetype last() { return iterator().last(); }
+    std::optional<qsizetype> previous() { return position(iterator().previous()); }
+
+private:
+    static icu::BreakIterator& iterator()
+    {
+        thread_local const std::unique_ptr<icu::BreakIterator> kIterator = [] {
+            UErrorCode error = U_ZERO_ERROR;
+            std::unique_ptr<icu::BreakIterator> made(
+                icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), error));
+            if (U_FAILURE(error))
+                qFatal("ICU has no rules for characters: %s", u_errorName(error));
+            return made;
+        }();
+        return *kIterator;
+    }
+
+    static std::optional<qsizetype> position(int32_t found)
+    {
+        if (found == icu::BreakIterator::DONE)
+            return std::nullopt;
+        return found;
+    }
+
+    UText m_text = UTEXT_INITIALIZER;
+};
+
+const icu::Normalizer2& decomposition()
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const icu::Normalizer2* instance = icu::Normalizer2::getNFDInstance(error);
+    if (U_FAILURE(error))
+        qFatal("ICU has no decompositions: %s", u_errorName(error));
+    return *instance;
+}
+
+} // namespace
+
+qsizetype Characters::count(QStringView text)
+{
+    CharacterWalk walk(text);
+    qsizetype characters = 0;
+    while (walk.next())
+        ++characters;
+    return characters;
+}
+
+std::vector<QStringView> Characters::split(QStringView text)
+{
+    CharacterWalk walk(text);
+    std::vector<QStringView> characters;
+    qsizetype start = 0;
+    while (const auto end = walk.next()) {
+        characters.push_back(text.sliced(start, *end - start));
+        start = *end;
+    }
+    return characters;
+}
+
+QStringView Characters::prefix(QStringView text, qsizetype characters)
+{
+    CharacterWalk walk(text);
+    qsizetype end = 0;
+    for (qsizetype taken = 0; taken < characters; ++taken) {
+        const auto next = walk.next();
+        if (!next)
+            return text;
+        end = *next;
+    }
+    return text.first(end);
+}
+
+QStringView Characters::dropLast(QStringView text, qsizetype characters)
+{
+    CharacterWalk walk(text);
+    qsizetype end = walk.last();
+    for (qsizetype dropped = 0; dropped < characters; ++dropped) {
+        const auto previous = walk.previous();
+        if (!previous)
+            return text.first(0);
+        end = *previous;
+    }
+    return text.first(end);
+}
+
+bool Characters::isAlphanumeric(char32_t codePoint)
+{
+    return (U_GET_GC_MASK(static_cast<UChar32>(codePoint)) &
+            (U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK)) != 0;
+}
+
+std::vector<QStringView> Characters::words(QStringView text)
+{
+    std::vector<QStringView> words;
+    qsizetype start = 0;
+    qsizetype end = 0;
+    const auto finish = [&] {
+        if (end > start)
+            words.push_back(text.sliced(start, end - start));
+    };
+    while (end < text.size()) {
+        qsizetype next = end;
+        UChar32 codePoint = 0;
+        U16_NEXT(units(text), next, text.size(), codePoint);
+        if (!isAlphanumeric(static_cast<char32_t>(codePoint))) {
+            finish();
+            start = next;
+        }
+        end = next;
+    }
+    finish();
+    return words;
+}
+
+QString Characters::lowercased(QStringView text)
+{
+    const auto length = static_cast<int32_t>(std::min(text.size(), kLongest));
+    QString lower(text.size(), Qt::Uninitialized);
+    const auto write = [&] {
+        UErrorCode error = U_ZERO_ERROR;
+        return u_strToLower(reinterpret_cast<char16_t*>(lower.data()),
+                            static_cast<int32_t>(lower.size()), units(text), length, "", &error);
+    };
+    const int32_t needed = write();
+    const bool fitted = needed <= lower.size();
+    lower.resize(needed);
+    if (!fitted)
+        write();
+    return lower;
+}
+
+FoldedText::FoldedText(QStringView text)
+{
+    m_folded.reserve(text.size());
+    m_origin.reserve(static_cast<std::size_t>(text.size()) + 1);
+    const auto append = [this](UChar32 codePoint, qsizetype origin) {
+        if (U_GET_GC_MASK(codePoint) & U_GC_MN_MASK)
+            return;
+        const UChar32 folded = u_foldCase(codePoint, U_FOLD_CASE_DEFAULT);
+        for (const char16_t unit : QChar::fromUcs4(static_cast<char32_t>(folded))) {
+            m_folded.append(QChar(unit));
+            m_origin.push_back(origin);
+        }
+    };
+    qsizetype at = 0;
+    while (at < text.size()) {
+        const qsizetype origin = at;
+        UChar32 codePoint = 0;
+        U16_NEXT(units(text), at, text.size(), codePoint);
+        icu::UnicodeString parts;
+        if (codePoint < 0x80 || !decomposition().getDecomposition(codePoint, parts)) {
+            append(codePoint, origin);
+            continue;
+        }
+        for (int32_t part = 0; part < parts.length(); part = parts.moveIndex32(part, 1))
+            append(parts.char32At(part), origin);
+    }
+    m_origin.push_back(text.size());
+}
+
+bool FoldedText::beginsCharacter(qsizetype folded) const
+{
+    const auto at = static_cast<std::size_t>(folded);
+    return at == 0 || m_origin[at] != m_origin[at - 1];
+}
+
+std::optional<FoldedText::Range> FoldedText::find(const FoldedText& needle, qsizetype from) const
+{
+    if (needle.m_folded.isEmpty())
+        return std::nullopt;
+    const auto firstUnit = std::lower_bound(m_origin.begin(), m_origin.end(), from);
+    qsizetype at = firstUnit - m_origin.begin();
+    while ((at = m_folded.indexOf(needle.m_folded, at)) >= 0) {
+        const qsizetype end = at + needle.m_folded.size();
+        // A syllable or a ligature comes apart when folded; half of one is no match.
+        if (beginsCharacter(at) && beginsCharacter(end)) {
+            const qsizetype start = m_origin[static_cast<std::size_t>(at)];
+            return Range{start, m_origin[static_cast<std::size_t>(end)] - start};
+        }
+        ++at;
+    }
+    return std::nullopt;
+}
+
+bool FoldedText::startsWith(const FoldedText& prefix) const
+{
+    return !prefix.m_folded.isEmpty() && m_folded.startsWith(prefix.m_folded) &&
+           beginsCharacter(prefix.m_folded.size());
+}
+
+} // namespace mossbank
