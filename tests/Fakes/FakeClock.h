@@ -49,7 +49,7 @@ public:
 protected:
     Alarm setAlarm(double seconds, std::function<void()> ring) override
     {
-        m_alarms.emplace(Key{m_elapsed + std::max(seconds, 0.0), ++m_lastAlarm}, std::move(ring));
+        m_alarms.emplace(Key{m_elapsed + std::max(0.0, seconds), ++m_lastAlarm}, std::move(ring));
         return m_lastAlarm;
     }
 
@@ -63,6 +63,8 @@ private:
 
     void moveTo(double elapsed)
     {
+        if (elapsed <= m_elapsed)
+            return; // one who woke has let more time pass than this
         m_now = m_now + (elapsed - m_elapsed);
         m_elapsed = elapsed;
     }

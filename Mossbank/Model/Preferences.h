@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QObject>
+#include <QSettings>
+#include <QString>
+#include <QStringList>
+
+namespace mossbank {
+
+/// The user's stored choices. Each is read when asked for and written when set, and each setter
+/// tells that it was called, also when the value is the one that stood there: what hangs on a
+/// choice is redone whenever the user makes it.
+///
+/// A value that is missing, or is not of its type, counts as its default. No value is held to
+/// bounds in reading: a stored one stands as it is.
+///
+/// Threading: the main thread.
+class Preferences : public QObject {
+    Q_OBJECT
+
+public:
+    /// Over the INI file at `path`, which need not exist.
+    explicit Preferences(const QString& path, QObject* parent = nullptr);
+
+    /// The user's own file.
+    static QString userPath();
+
+    /// Where the choices are stored.
+    QString path() const { return m_settings.fileName(); }
+
+    /// Seconds of rest between two looks at the screen.
+    double interval() const;
+    void setInterval(double seconds);
+
+    /// Quality of the pictures, from 0 to 1.
+    double imageQuality() const;
+    void setImageQuality(double quality);
+
+    /// Whether a screen that has not changed is left out.
+    bool skipsUnchangedScreens() const;
+    void setSkipsUnchangedScreens(bool skips);
+
+    /// What counts as a change: "flicker", "obvious"; any other text means any change.
+    QString changeMode() const;
+    void setChangeMode(const QString& mode);
+
+    /// Whether a switch to another application is looked at as well.
+    bool capturesOnAppSwitch() const;
+    void setCapturesOnAppSwitch(bool captures);
+
+    /// Minutes after which an unchanged screen is saved all the same.
+    double unchangedRefreshMinutes() const;
+    void setUnchangedRefreshMinutes(double minutes);
+
+    /// Whether browsers are asked for the address of the page.
+    bool savesAddresses() const;
+    void setSavesAddresses(bool saves);
+
+    /// Whether recording starts with the program.
+    bool recordsAtLaunch() const;
+    void setRecordsAtLaunch(bool records);
+
+    /// Whether recording comes back by itself after a lock, a sleep or another's session.
+    bool resumesAfterAway() const;
+    void setResumesAfterAway(bool resumes);
+
+    /// Identities of the applications that are never to be in a picture.
+    QStringList excludedBundles() const;
+    void setExcludedBundles(const QStringList& bundleIDs);
+
+    /// Forgets that recording was on when the program was last told to relaunch.
+    void removeRecordsAfterRelaunch();
+
+Q_SIGNALS:
+    void intervalChanged();
+    void imageQualityChanged();
+    void skipsUnchangedScreensChanged();
+    void changeModeChanged();
+    void capturesOnAppSwitchChanged();
+    void unchangedRefreshMinutesChanged();
+    void savesAddressesChanged();
+    void recordsAtLaunchChanged();
+    void resumesAfterAwayChanged();
+    void excludedBundlesChanged();
+
+private:
+    double number(const QString& key, double fallback) const;
+    bool flag(const QString& key, bool fallback) const;
+
+    QSettings m_settings;
+};
+
+} // namespace mossbank

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Model/Recorder.h"
+
+#include "Mossbank/Model/CapturePass.h"
+#include "Mossbank/Model/PauseControl.h"
+#include "Mossbank/Model/Preferences.h"
+#include "Mossbank/Model/Texts.h"
+#include "Mossbank/Ports/FrontApplication.h"
+#include "MossbankCore/Ports/Clock.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+/// What the recorder says while it is off.
+QString idleStatus()
+{
+    return localized("Recording is off");
+}
+
+} // namespace
+
+Recorder::Recorder(Parts parts, QObject* parent)
+    : QObject(parent)
+    , m_parts(std::move(parts))
+    , m_status(idleStatus())
+{
+    followPreferences();
+}
+
+Recorder::~Recorder() = default;
+
+void Recorder::toggleRecording()
+{
+    if (m_isRecording) {
+        stop();
+        return;
+    }
+    m_parts.pauses.cancelPause();
+    m_stoppedForAway = false;
+    if (!m_parts.store)
+        return;
+    if (!m_parts.screen.isAllowed()) {
+        m_askedForPermission = true;
+        m_parts.screen.askForPermission();
+        Q_EMIT askedForPermissionChanged();
+        return;
+    }
+    ++m_generation;
+    setRecording(true);
+    assignStatus(localized("Waiting for your next screen"));
+    if (m_parts.preferences.capturesOnAppSwitch())
+        watchAppSwitches();
+    m_recordingTask = Job::start(&Recorder::recordingLoop, this);
+}
+
+void Recorder::stop()
+{
+    setRecording(false);
+    ++m_generation;
+    m_stoppedForAway = false;
+    m_parts.preferences.removeRecordsAfterRelaunch();
+    setNextCaptureAt(std::nullopt);
+    m_recordingTask = Job();
+    stopWatchingAppSwitches();
+    // What was saved last is kept: a screen that stays the same across a stop is still skipped.
+    m_seen.forgetMotion();
+    m_parts.pauses.cancelPause();
+    assignStatus(idleStatus());
+}
+
+void Recorder::startWithoutAsking()
+{
+    if (m_isRecording || !m_parts.store)
+        return;
+    if (!m_parts.screen.isAllowed()) {
+        assignStatus(localized("Recording did not start: screen recording is not allowed"));
+        return;
+    }
+    toggleRecording();
+}
+
+void Recorder::captureNow()
+{
+    if (!m_captureNow.isRunning())
+        m_captureNow = Job::start(&Recorder::capture, this);
+}
+
+void Recorder::openPermissions()
+{
+    m_parts.screen.openPermissions();
+}
+
+QCoro::Task<> Recorder::recordingLoop(Cancellation cancellation)
+{
+    while (!cancellation.isRequested() && m_isRecording) {
+        co_await capture(cancellation);
+        if (cancellation.isRequested())
+            co_return;
+        // Read anew on every round; a rest under way is not shortened.
+        const double delay = std::max(m_parts.preferences.interval(), 1.0);
+        if (m_parts.pauses.isPaused())
+            setNextCaptureAt(std::nullopt);
+        else
+            setNextCaptureAt(m_parts.clock.now() + delay);
+        if (!co_await m_parts.clock.sleep(delay, cancellation))
+            co_return;
+    }
+}
+
+QCoro::Task<> Recorder::capture(Cancellation cancellation)
+{
+    CapturePass pass(*this, std::move(cancellation));
+    co_await pass.run();
+}
+
+void Recorder::watchAppSwitches()
+{
+    if (!m_appSwitchWatcher)
+        m_appSwitchWatcher = connect(&m_parts.frontApplication, &FrontApplication::activated, this,
+                                     &Recorder::onAppSwitch);
+}
+
+void Recorder::stopWatchingAppSwitches()
+{
+    disconnect(m_appSwitchWatcher);
+    m_appSwitchWatcher = {};
+    m_pendingSwitchCapture = Job();
+}
+
+void Recorder::onAppSwitch()
+{
+    if (!m_isRecording || !m_parts.preferences.capturesOnAppSwitch())
+        return;
+    // A rapid run of switches leaves one waiting capture, for the last.
+    m_pendingSwitchCapture = Job::start(&Recorder::captureAfterSwitch, this);
+}
+
+QCoro::Task<> Recorder::captureAfterSwitch(Cancellation cancellation)
+{
+    constexpr double kUntilDrawn = 0.45;
+    constexpr double kRound = 0.1;
+    constexpr int kRounds = 20;
+    Clock& clock = m_parts.clock;
+    if (!co_await clock.sleep(kUntilDrawn, cancellation))
+        co_return;
+    for (int round = 0; round < kRounds && m_isCapturing; ++round) {
+        if (!co_await clock.sleep(kRound, cancellation))
+            co_return;
+    }
+    if (m_isRecording && m_parts.preferences.capturesOnAppSwitch())
+        co_await capture(cancellation);
+}
+
+void Recorder::followPreferences()
+{
+    const Preferences& preferences = m_parts.preferences;
+    // A picture begun under other exclusions or another rhythm must not be saved any more.
+    const auto dropPassUnderWay = [this] {
+        ++m_generation;
+    };
+    connect(&preferences, &Preferences::intervalChanged, this, dropPassUnderWay);
+    connect(&preferences, &Preferences::excludedBundlesChanged, this, dropPassUnderWay);
+    connect(&preferences, &Preferences::changeModeChanged, this,
+            [this] { m_seen.motion.forget(); });
+    connect(&preferences, &Preferences::skipsUnchangedScreensChanged, this, [this] {
+        if (!m_parts.preferences.skipsUnchangedScreens()) {
+            m_seen.lastScreen.reset();
+            m_seen.forgetMotion();
+        }
+    });
+    connect(&preferences, &Preferences::capturesOnAppSwitchChanged, this, [this] {
+        if (m_parts.preferences.capturesOnAppSwitch())
+            watchAppSwitches();
+        else
+            stopWatchingAppSwitches();
+    });
+    connect(&preferences, &Preferences::resumesAfterAwayChanged, this, [this] {
+        if (!m_parts.preferences.resumesAfterAway())
+            m_stoppedForAway = false;
+    });
+}
+
+void Recorder::pauseForLockedScreen()
+{
+    stop();
+    assignStatus(localized("Paused when the screen locked"));
+    m_stoppedForAway = m_parts.preferences.resumesAfterAway();
+}
+
+void Recorder::setRecording(bool isRecording)
+{
+    if (std::exchange(m_isRecording, isRecording) != isRecording)
+        Q_EMIT isRecordingChanged();
+}
+
+void Recorder::setSaving(bool isSaving)
+{
+    if (std::exchange(m_isSaving, isSaving) != isSaving)
+        Q_EMIT isSavingChanged();
+}
+
+void Recorder::assignStatus(const QString& status)
+{
+    m_status = status;
+    Q_EMIT statusChanged();
+}
+
+void Recorder::setStatus(const QString& status)
+{
+    if (m_status != status)
+        assignStatus(status);
+}
+
+void Recorder::setErrorMessage(const std::optional<QString>& message)
+{
+    m_errorMessage = message;
+    Q_EMIT errorMessageChanged();
+}
+
+void Recorder::setNextCaptureAt(const std::optional<Date>& next)
+{
+    if (std::exchange(m_nextCaptureAt, next) != next)
+        Q_EMIT nextCaptureAtChanged();
+}
+
+void Recorder::setRefusedBrowsers(const QStringList& names)
+{
+    if (std::exchange(m_refusedBrowsers, names) != names)
+        Q_EMIT refusedBrowsersChanged();
+}
+
+} // namespace mossbank

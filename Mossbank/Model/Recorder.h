@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Mossbank/Ports/Screen.h"
+#include "MossbankCore/Capture/ScreenFingerprint.h"
+#include "MossbankCore/Capture/ScreenMotion.h"
+#include "MossbankCore/Support/Calendar.h"
+#include "MossbankCore/Support/Date.h"
+#include "MossbankCore/Support/Job.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace mossbank {
+
+class AddressSource;
+class AfterSave;
+class CapturePass;
+class Clock;
+class FrontApplication;
+class HistoryStore;
+class PauseControl;
+class Preferences;
+class ScreenState;
+class SecureInput;
+class TextRecognizer;
+
+/// What the recorder remembers of the screens that it has looked at.
+struct ScreensSeen {
+    /// What keeps moving on its own.
+    ScreenMotion motion;
+    /// Of the last picture looked at, saved or not.
+    std::optional<Fingerprint> lastChecked;
+    /// Of the last picture saved.
+    std::optional<Fingerprint> lastScreen;
+    /// When the last picture saved was taken.
+    Date lastScreenSavedAt = Date::distantPast();
+    /// The words of the last picture saved.
+    std::optional<QString> lastText;
+    /// The display of the last pass that got as far as choosing one.
+    std::optional<DisplayID> lastDisplayID;
+
+    /// Starts learning afresh what moves on its own: the next picture has none before it.
+    void forgetMotion()
+    {
+        motion.forget();
+        lastChecked.reset();
+    }
+};
+
+/// Records the screen: a loop of one capture pass and one rest, for as long as recording is on,
+/// and a further pass shortly after each switch of application. What one pass does, and in which
+/// order, is `CapturePass`.
+///
+/// It speaks in two lines. `status` tells what it did last; `errorMessage` what the user must
+/// know of. A pass that saves nothing is normal and leaves a line; a pass that fails ends the
+/// recording.
+///
+/// Threading: the main thread. A pass gives it up at each wait.
+/// Errors: none are thrown.
+class Recorder : public QObject {
+    Q_OBJECT
+
+public:
+    /// What the recorder works with. All of it outlives the recorder.
+    struct Parts {
+        Clock& clock;
+        CalendarSource calendar;
+        Screen& screen;
+        FrontApplication& frontApplication;
+        ScreenState& screenState;
+        SecureInput& secureInput;
+        AddressSource& addresses;
+        TextRecognizer& recognizer;
+        Preferences& preferences;
+        PauseControl& pauses;
+        AfterSave& afterSave;
+        /// Absent when the library could not be opened: then nothing is ever recorded.
+        HistoryStore* store;
+    };
+
+    explicit Recorder(Parts parts, QObject* parent = nullptr);
+    ~Recorder() override;
+
+    /// The user's switch.
+    bool isRecording() const { return m_isRecording; }
+    /// A pass holds the capture; a second one gives way.
+    bool isCapturing() const { return m_isCapturing; }
+    /// A pass is between its decision to save and the end of that.
+    bool isSaving() const { return m_isSaving; }
+    const QString& status() const { return m_status; }
+    const std::optional<QString>& errorMessage() const { return m_errorMessage; }
+    /// When the next pass is due. For showing only.
+    const std::optional<Date>& nextCaptureAt() const { return m_nextCaptureAt; }
+    /// Names of the browsers that refused to tell their page's address.
+    const QStringList& refusedBrowsers() const { return m_refusedBrowsers; }
+    /// Recording was stopped because the user left, and should come back with them.
+    bool stoppedForAway() const { return m_stoppedForAway; }
+    void setStoppedForAway(bool stopped) { m_stoppedForAway = stopped; }
+    /// This run has asked the system for the permission to see the screen.
+    bool askedForPermission() const { return m_askedForPermission; }
+    const ScreensSeen& screensSeen() const { return m_seen; }
+
+    /// Starts or stops recording, by the user's hand. May have the system ask for permission.
+    void toggleRecording();
+    /// Ends recording and any timed pause. Whoever stops for a reason says so afterwards.
+    void stop();
+    /// Starts recording if that is allowed already, and never has the system ask: for every start
+    /// that the user did not press a button for.
+    void startWithoutAsking();
+    /// One pass, now, out of turn. Nothing while recording is off or another pass runs.
+    void captureNow();
+    /// Opens the system's settings of who may see the screen.
+    void openPermissions();
+
+    /// Shows a failure to the user, in place of the one before.
+    void setErrorMessage(const std::optional<QString>& message);
+
+Q_SIGNALS:
+    void isRecordingChanged();
+    void isSavingChanged();
+    void statusChanged();
+    void errorMessageChanged();
+    void nextCaptureAtChanged();
+    void refusedBrowsersChanged();
+    void askedForPermissionChanged();
+
+private:
+    friend class CapturePass;
+
+    QCoro::Task<> recordingLoop(Cancellation cancellation);
+    QCoro::Task<> capture(Cancellation cancellation);
+    QCoro::Task<> captureAfterSwitch(Cancellation cancellation);
+
+    void watchAppSwitches();
+    void stopWatchingAppSwitches();
+    void onAppSwitch();
+    void followPreferences();
+
+    void setRecording(bool isRecording);
+    void setSaving(bool isSaving);
+    void assignStatus(const QString& status);
+    /// Notifies nobody when the line stands there already: skips come in long runs.
+    void setStatus(const QString& status);
+    void setNextCaptureAt(const std::optional<Date>& next);
+    void setRefusedBrowsers(const QStringList& names);
+    void pauseForLockedScreen();
+
+    Parts m_parts;
+    bool m_isRecording = false;
+    bool m_isCapturing = false;
+    bool m_isSaving = false;
+    bool m_stoppedForAway = false;
+    bool m_askedForPermission = false;
+    QString m_status;
+    std::optional<QString> m_errorMessage;
+    std::optional<Date> m_nextCaptureAt;
+    QStringList m_refusedBrowsers;
+    /// Rises with every start and stop and with each change of what a picture under way was
+    /// begun under. A pass that finds it moved gives up.
+    int m_generation = 0;
+    ScreensSeen m_seen;
+    QMetaObject::Connection m_appSwitchWatcher;
+    /// Last: they are cancelled before anything above goes.
+    Job m_recordingTask;
+    Job m_pendingSwitchCapture;
+    Job m_captureNow;
+};
+
+} // namespace mossbank

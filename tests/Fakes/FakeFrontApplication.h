@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Mossbank/Ports/FrontApplication.h"
+
+#include <mutex>
+
+namespace mossbank {
+
+/// The application in front is the one told. It may be told from any thread, to let it change in
+/// the middle of other work.
+class FakeFrontApplication final : public FrontApplication {
+public:
+    Availability availability() const override { return {}; }
+
+    std::optional<Application> current() const override
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_current;
+    }
+
+    /// Without a word to anybody.
+    void setCurrent(const std::optional<Application>& application)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_current = application;
+    }
+
+    /// As a desktop does it: the application is in front, and whoever listens hears of it.
+    void activate(const Application& application)
+    {
+        setCurrent(application);
+        Q_EMIT activated(application);
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::optional<Application> m_current;
+};
+
+} // namespace mossbank
