@@ -5,17 +5,25 @@
 
 #include <QBuffer>
 #include <QCoroFuture>
+#include <QException>
 #include <QImageWriter>
 #include <QtConcurrentRun>
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 
 namespace mossbank {
 
 namespace {
 
 using namespace Qt::StringLiterals;
+
+/// In this order a number that is none counts as the lowest.
+double readable(double quality)
+{
+    return std::min(std::max(0.1, quality), 1.0);
+}
 
 QFuture<QByteArray> encoding(const QImage& image, double quality)
 {
@@ -28,13 +36,26 @@ QFuture<QString> reading(const QImage& image, TextRecognizer& recognizer)
         [image, &recognizer] { return ImageProcessor::recognize(image, recognizer); });
 }
 
+/// What was thrown, called while it is caught. Qt wraps what it does not know on its way out of a
+/// thread.
+std::exception_ptr caughtFailure()
+{
+    try {
+        throw;
+    } catch (const QUnhandledException& wrapped) {
+        return wrapped.exception();
+    } catch (...) {
+        return std::current_exception();
+    }
+}
+
 } // namespace
 
 QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality,
                                                     std::optional<QString> text,
                                                     TextRecognizer& recognizer)
 {
-    const QFuture<QByteArray> encoded = encoding(image, std::clamp(quality, 0.1, 1.0));
+    const QFuture<QByteArray> encoded = encoding(image, readable(quality));
     const QFuture<QString> read =
         text ? QtFuture::makeReadyFuture(*text) : reading(image, recognizer);
 
@@ -43,14 +64,14 @@ QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality
     try {
         processed.jpeg = co_await encoded;
     } catch (...) {
-        failure = std::current_exception();
+        failure = caughtFailure();
     }
     // Waited for even when the picture failed: no work outlives the task that started it.
     try {
         processed.text = co_await read;
     } catch (...) {
         if (!failure)
-            failure = std::current_exception();
+            failure = caughtFailure();
     }
     if (failure)
         std::rethrow_exception(failure);

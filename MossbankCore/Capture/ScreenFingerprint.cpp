@@ -7,9 +7,11 @@ namespace mossbank {
 
 std::optional<Fingerprint> ScreenFingerprint::make(const QImage& image, int size)
 {
-    if (size < 1)
+    if (size < 1 || image.isNull())
         return std::nullopt;
-    const QImage cells = image.scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+    // Qt scales and grays some formats in other ways; all are to give the same cells.
+    const QImage cells = image.convertToFormat(QImage::Format_RGB32)
+                             .scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
                              .convertToFormat(QImage::Format_Grayscale8);
     if (cells.isNull())
         return std::nullopt;

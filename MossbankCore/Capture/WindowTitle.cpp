@@ -5,6 +5,7 @@
 
 #include <QSet>
 
+#include <algorithm>
 #include <array>
 
 namespace mossbank {
@@ -18,6 +19,12 @@ constexpr qsizetype kLongest = 160;
 /// Between a document's name and its application's, in the order of their test.
 constexpr std::array<QStringView, 4> kSeparators = {u" — ", u" – ", u" - ", u" | "};
 
+/// For comparing: an accent written as a sign of its own is no difference to its reader.
+QString comparable(QStringView text)
+{
+    return Characters::lowercased(text).normalized(QString::NormalizationForm_C);
+}
+
 bool isEmptyTitle(const QString& lowercased)
 {
     static const QSet<QString> kEmpty = {
@@ -27,8 +34,8 @@ bool isEmptyTitle(const QString& lowercased)
 
 QStringView withoutApp(QStringView title, QStringView app)
 {
-    const QString lowerTitle = Characters::lowercased(title);
-    const QString lowerApp = Characters::lowercased(app);
+    const QString lowerTitle = comparable(title);
+    const QString lowerApp = comparable(app);
     for (const QStringView separator : kSeparators) {
         if (lowerTitle.endsWith(separator.toString() + lowerApp)) {
             const qsizetype ending = Characters::count(separator) + Characters::count(app);
@@ -43,8 +50,9 @@ QStringView shortened(QStringView title)
     const QStringView first = Characters::prefix(title, kLongest);
     if (first.size() == title.size())
         return title;
-    const qsizetype blank = first.lastIndexOf(u' ');
-    return blank < 0 ? first : first.first(blank);
+    const auto characters = Characters::split(first);
+    const auto blank = std::find(characters.rbegin(), characters.rend(), u" "_s);
+    return blank == characters.rend() ? first : first.first(blank->data() - first.data());
 }
 
 } // namespace
@@ -52,8 +60,8 @@ QStringView shortened(QStringView title)
 std::optional<QString> WindowTitle::worthKeeping(QStringView title, QStringView app)
 {
     const QStringView kept = withoutApp(title.trimmed(), app);
-    const QString lowercased = Characters::lowercased(kept);
-    if (kept.isEmpty() || lowercased == Characters::lowercased(app) || isEmptyTitle(lowercased))
+    const QString lowercased = comparable(kept);
+    if (kept.isEmpty() || lowercased == comparable(app) || isEmptyTitle(lowercased))
         return std::nullopt;
     return shortened(kept).toString();
 }

@@ -78,6 +78,9 @@ public:
     /// `user_version` of the database as it stood after opening.
     int schemaVersion() const { return m_schemaVersion; }
 
+    /// What seals the pictures saved from now on; none: they lie as plain JPEG.
+    QFuture<void> setVault(std::shared_ptr<const ImageVault> vault);
+
     /// Saves one screenshot: its picture file and its row, both or neither.
     ///
     /// The row's `bytes` is the size of what was written, whatever `memory` says. Fails when the

@@ -30,6 +30,11 @@ void removeQuietly(const QString& path)
 
 } // namespace
 
+QFuture<void> HistoryStore::setVault(std::shared_ptr<const ImageVault> vault)
+{
+    return m_queue.run([this, vault = std::move(vault)] { m_vault = vault; });
+}
+
 QFuture<void> HistoryStore::save(Memory memory, QByteArray jpeg)
 {
     return m_queue.run(
@@ -41,7 +46,8 @@ void HistoryStore::saveNow(const Memory& memory, const QByteArray& jpeg)
     if (!isValidFilename(memory.filename))
         throw StoreError(u"Invalid screenshot filename."_s);
     const QString picture = images() + u'/' + memory.filename;
-    if (QFileInfo::exists(picture))
+    // A link that leads nowhere takes the name, too.
+    if (const QFileInfo earlier(picture); earlier.exists() || earlier.isSymLink())
         throw StoreError(u"A screenshot with that filename already exists."_s);
 
     // Somebody may have removed the folder by hand.
@@ -53,13 +59,11 @@ void HistoryStore::saveNow(const Memory& memory, const QByteArray& jpeg)
     // The marker holds no bytes and the picture is sealed before it is written, so a crash never
     // leaves a plain picture behind.
     const QByteArray bytes = m_vault ? m_vault->sealed(jpeg) : jpeg;
+    // The name was free, so whatever has it when this fails is this picture.
+    auto pictureGoes = qScopeGuard([&] { removeQuietly(picture); });
     Files::writeAtomically(picture, bytes);
-    try {
-        insertRow(memory, bytes.size());
-    } catch (const StoreError&) {
-        removeQuietly(picture);
-        throw;
-    }
+    insertRow(memory, bytes.size());
+    pictureGoes.dismiss();
 }
 
 void HistoryStore::insertRow(const Memory& memory, qsizetype bytesOnDisk)

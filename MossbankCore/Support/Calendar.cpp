@@ -8,19 +8,32 @@ namespace mossbank {
 
 namespace {
 
-constexpr double kSecondsAnHour = 3600;
+constexpr qint64 kSecondsAnHour = 3600;
+constexpr qint64 kSecondsADay = 86'400;
 /// Beyond this the milliseconds and years of Qt's calendar come near their limits.
 constexpr double kReach = 1e13;
 
-/// Rounded down, so that a moment just before midnight stays before it.
-qint64 milliseconds(Date date)
+/// Rounded down, so that a moment just before midnight stays before it. Clocks change at whole
+/// seconds, so everything about a moment but the moment itself can be reckoned in these.
+qint64 wholeSeconds(Date date)
 {
-    return static_cast<qint64>(std::floor(date.secondsSince1970 * 1000));
+    return static_cast<qint64>(std::floor(date.secondsSince1970));
 }
 
-Date fromMilliseconds(qint64 milliseconds)
+Date fromWholeSeconds(qint64 seconds)
 {
-    return {static_cast<double>(milliseconds) / 1000};
+    return {static_cast<double>(seconds)};
+}
+
+QDateTime utc(qint64 seconds)
+{
+    return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+}
+
+/// Which `unit` of seconds since 1970 `seconds` is in, also before then.
+qint64 unitsBelow(qint64 seconds, qint64 unit)
+{
+    return seconds / unit - (seconds % unit < 0 ? 1 : 0);
 }
 
 bool isWithinReach(Date date)
@@ -50,14 +63,17 @@ std::optional<DateInterval> Calendar::dateInterval(Component component, Date dat
 
 std::optional<Date> Calendar::startOfDay(int year, int month, int day) const
 {
-    const QDate date(year, month, day);
-    if (!date.isValid())
+    const QDate name(year, month, day);
+    if (!name.isValid())
         return std::nullopt;
-    const QDateTime start = date.startOfDay(m_zone);
-    // A zone that crosses the date line leaves out a whole day; Qt then answers with another.
-    if (!start.isValid() || start.date() != date)
+    const qint64 number = QDate(1970, 1, 1).daysTo(name);
+    if (!isWithinReach(fromWholeSeconds(number * kSecondsADay)))
         return std::nullopt;
-    return fromMilliseconds(start.toMSecsSinceEpoch());
+    const qint64 start = beginningOfDay(number);
+    // A zone that crosses the date line leaves out a whole day; what begins there is another.
+    if (shownDay(start) != number)
+        return std::nullopt;
+    return fromWholeSeconds(start);
 }
 
 QString Calendar::shortTime(Date date) const
@@ -69,60 +85,73 @@ QDateTime Calendar::local(Date date) const
 {
     if (!isWithinReach(date))
         return {};
-    return QDateTime::fromMSecsSinceEpoch(milliseconds(date), m_zone);
+    const double milliseconds = std::floor(date.secondsSince1970 * 1000);
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds), m_zone);
 }
 
-std::optional<DateInterval> Calendar::day(Date date) const
+DateInterval Calendar::day(Date date) const
 {
-    QDate name = local(date).date();
-    // Where clocks go back over midnight, the evening that is told twice is split by the first
-    // midnight: moments after it are named by the old day and lie in the new one.
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        const auto start = startOfDayAtOrAfter(name);
-        const auto end = startOfDayAtOrAfter(name.addDays(1));
-        if (!start || !end)
+    const qint64 number = shownDay(wholeSeconds(date));
+    const Date start = fromWholeSeconds(beginningOfDay(number));
+    const Date end = fromWholeSeconds(beginningOfDay(number + 1));
+    if (date < end)
+        return {start, end};
+    // Where clocks go back over midnight, part of the evening is told again after the first
+    // midnight. The clocks show the old day there, and it lies in the new one.
+    return {end, fromWholeSeconds(beginningOfDay(number + 2))};
+}
+
+DateInterval Calendar::hour(Date date) const
+{
+    const qint64 second = wholeSeconds(date);
+    const qint64 shown = second + offsetAt(second);
+    qint64 start = second - (shown - unitsBelow(shown, kSecondsAnHour) * kSecondsAnHour);
+    const qint64 end = start + kSecondsAnHour;
+    const auto changeAhead = nextChange(second, end);
+    while (const auto change = nextChange(start, second + 1))
+        start = *change;
+    return {fromWholeSeconds(start), fromWholeSeconds(changeAhead.value_or(end))};
+}
+
+qint64 Calendar::beginningOfDay(qint64 number) const
+{
+    const qint64 midnight = number * kSecondsADay;
+    // No zone is a whole day away from UTC, so here the clocks show an earlier day. From change
+    // to change onward, the first stretch whose clocks come to show midnight or later has it.
+    qint64 from = midnight - kSecondsADay;
+    while (true) {
+        const qint64 found = std::max(from, midnight - offsetAt(from));
+        const auto change = nextChange(from, found + 1);
+        if (!change)
+            return found;
+        from = *change;
+    }
+}
+
+qint64 Calendar::shownDay(qint64 second) const
+{
+    return unitsBelow(second + offsetAt(second), kSecondsADay);
+}
+
+qint64 Calendar::offsetAt(qint64 second) const
+{
+    return m_zone.offsetFromUtc(utc(second));
+}
+
+std::optional<qint64> Calendar::nextChange(qint64 second, qint64 before) const
+{
+    qint64 from = second;
+    while (true) {
+        const auto transition = m_zone.nextTransition(utc(from));
+        if (!transition.atUtc.isValid())
             return std::nullopt;
-        if (date < *start)
-            name = name.addDays(-1);
-        else if (date >= *end)
-            name = name.addDays(1);
-        else
-            return DateInterval{*start, *end};
+        from = transition.atUtc.toSecsSinceEpoch();
+        if (from >= before)
+            return std::nullopt;
+        // Some transitions change a zone's name alone.
+        if (transition.offsetFromUtc != offsetAt(second))
+            return from;
     }
-    return std::nullopt;
-}
-
-std::optional<Date> Calendar::startOfDayAtOrAfter(QDate day) const
-{
-    constexpr int kLongestGap = 2; // a crossing of the date line leaves out one
-    for (int later = 0; later <= kLongestGap; ++later) {
-        const QDate candidate = day.addDays(later);
-        if (const auto start = startOfDay(candidate.year(), candidate.month(), candidate.day()))
-            return start;
-    }
-    return std::nullopt;
-}
-
-std::optional<DateInterval> Calendar::hour(Date date) const
-{
-    const QDateTime here = local(date);
-    const double localSeconds = date.secondsSince1970 + here.offsetFromUtc();
-    const double intoHour =
-        localSeconds - std::floor(localSeconds / kSecondsAnHour) * kSecondsAnHour;
-    DateInterval interval{date - intoHour, date - intoHour + kSecondsAnHour};
-
-    const auto changesClocks = [](const QTimeZone::OffsetData& transition) {
-        return transition.atUtc.isValid();
-    };
-    // The transition at `date` itself has happened: "previous" is asked from just after it.
-    const auto before = m_zone.previousTransition(here.addMSecs(1));
-    if (changesClocks(before))
-        interval.start =
-            std::max(interval.start, fromMilliseconds(before.atUtc.toMSecsSinceEpoch()));
-    const auto after = m_zone.nextTransition(here);
-    if (changesClocks(after))
-        interval.end = std::min(interval.end, fromMilliseconds(after.atUtc.toMSecsSinceEpoch()));
-    return interval;
 }
 
 } // namespace mossbank

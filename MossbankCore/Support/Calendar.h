@@ -16,7 +16,7 @@ namespace mossbank {
 ///
 /// Days and hours follow the zone's clock changes, so a day can have 23 or 25 hours, begin at one
 /// o'clock, or be missing from the year altogether. The days of a zone lie end to end: every
-/// moment is in exactly one of them.
+/// moment is in exactly one of them. A day whose midnight is told twice begins with the first.
 ///
 /// It is a value, handed to whoever needs one and never global, for a zone changes while the
 /// program runs. Who needs today's asks a `CalendarSource` each time.
@@ -48,9 +48,16 @@ public:
     QDateTime local(Date date) const;
 
 private:
-    std::optional<DateInterval> day(Date date) const;
-    std::optional<DateInterval> hour(Date date) const;
-    std::optional<Date> startOfDayAtOrAfter(QDate day) const;
+    DateInterval day(Date date) const;
+    DateInterval hour(Date date) const;
+    /// The first second at which the clocks show the day of this number, counted from
+    /// 1970-01-01, or a later one.
+    qint64 beginningOfDay(qint64 number) const;
+    /// The number of the day that the clocks show.
+    qint64 shownDay(qint64 second) const;
+    qint64 offsetAt(qint64 second) const;
+    /// When the clocks change next after `second`, if that is before `before`.
+    std::optional<qint64> nextChange(qint64 second, qint64 before) const;
 
     QTimeZone m_zone;
     QLocale m_locale;

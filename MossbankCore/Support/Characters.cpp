@@ -9,6 +9,7 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
 
@@ -39,9 +40,13 @@ public:
     Q_DISABLE_COPY_MOVE(CharacterWalk)
 
     /// The end of the next character, or absent at the end of the text.
-    std::optional<qsizetype> next() { return position(iterator().next()); }
-    qsizetype last() { return iterator().last(); }
-    std::optional<qsizetype> previous() { return position(iterator().previous()); }
+    std::optional<qsizetype> next()
+    {
+        const int32_t found = iterator().next();
+        if (found == icu::BreakIterator::DONE)
+            return std::nullopt;
+        return found;
+    }
 
 private:
     static icu::BreakIterator& iterator()
@@ -57,13 +62,6 @@ private:
         return *kIterator;
     }
 
-    static std::optional<qsizetype> position(int32_t found)
-    {
-        if (found == icu::BreakIterator::DONE)
-            return std::nullopt;
-        return found;
-    }
-
     UText m_text = UTEXT_INITIALIZER;
 };
 
@@ -74,6 +72,44 @@ const icu::Normalizer2& decomposition()
     if (U_FAILURE(error))
         qFatal("ICU has no decompositions: %s", u_errorName(error));
     return *instance;
+}
+
+/// Whether a code point only marks the letter before it. The vowel signs of Indic and Thai
+/// scripts are marks to Unicode and letters to their readers, so they count as letters here.
+bool isIgnoredMark(UChar32 codePoint)
+{
+    constexpr std::uint8_t kFirstPlaceAroundLetter = 200; // classes below are scripts' own
+    if (U_GET_GC_MASK(codePoint) & U_GC_ME_MASK)
+        return true;
+    if (!(U_GET_GC_MASK(codePoint) & U_GC_MN_MASK))
+        return false;
+    return u_getCombiningClass(codePoint) >= kFirstPlaceAroundLetter ||
+           u_hasBinaryProperty(codePoint, UCHAR_DIACRITIC) ||
+           u_hasBinaryProperty(codePoint, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
+}
+
+/// Appends what is left of a code point without case and marks: nothing, one letter, or several
+/// where it stands for several ("ß" is "ss", "ﬁ" is "fi").
+void appendFolded(UChar32 codePoint, QString& folded)
+{
+    const auto append = [&folded](UChar32 part) {
+        if (isIgnoredMark(part))
+            return;
+        const icu::UnicodeString letters = icu::UnicodeString(part).foldCase();
+        folded.append(QStringView(letters.getBuffer(), letters.length()));
+    };
+    if (codePoint < 0x80) {
+        folded.append(QChar(static_cast<char16_t>(u_foldCase(codePoint, U_FOLD_CASE_DEFAULT))));
+        return;
+    }
+    // Taken apart first: some marks are letters once folded.
+    icu::UnicodeString parts;
+    if (!decomposition().getDecomposition(codePoint, parts)) {
+        append(codePoint);
+        return;
+    }
+    for (int32_t part = 0; part < parts.length(); part = parts.moveIndex32(part, 1))
+        append(parts.char32At(part));
 }
 
 } // namespace
@@ -114,15 +150,8 @@ QStringView Characters::prefix(QStringView text, qsizetype characters)
 
 QStringView Characters::dropLast(QStringView text, qsizetype characters)
 {
-    CharacterWalk walk(text);
-    qsizetype end = walk.last();
-    for (qsizetype dropped = 0; dropped < characters; ++dropped) {
-        const auto previous = walk.previous();
-        if (!previous)
-            return text.first(0);
-        end = *previous;
-    }
-    return text.first(end);
+    // Not walked backwards: a long row of flags makes each step back look at all of it.
+    return prefix(text, count(text) - characters);
 }
 
 bool Characters::isAlphanumeric(char32_t codePoint)
@@ -175,27 +204,16 @@ FoldedText::FoldedText(QStringView text)
 {
     m_folded.reserve(text.size());
     m_origin.reserve(static_cast<std::size_t>(text.size()) + 1);
-    const auto append = [this](UChar32 codePoint, qsizetype origin) {
-        if (U_GET_GC_MASK(codePoint) & U_GC_MN_MASK)
-            return;
-        const UChar32 folded = u_foldCase(codePoint, U_FOLD_CASE_DEFAULT);
-        for (const char16_t unit : QChar::fromUcs4(static_cast<char32_t>(folded))) {
-            m_folded.append(QChar(unit));
-            m_origin.push_back(origin);
-        }
-    };
+    CharacterWalk walk(text);
     qsizetype at = 0;
-    while (at < text.size()) {
+    while (const auto end = walk.next()) {
         const qsizetype origin = at;
-        UChar32 codePoint = 0;
-        U16_NEXT(units(text), at, text.size(), codePoint);
-        icu::UnicodeString parts;
-        if (codePoint < 0x80 || !decomposition().getDecomposition(codePoint, parts)) {
-            append(codePoint, origin);
-            continue;
+        while (at < *end) {
+            UChar32 codePoint = 0;
+            U16_NEXT(units(text), at, *end, codePoint);
+            appendFolded(codePoint, m_folded);
         }
-        for (int32_t part = 0; part < parts.length(); part = parts.moveIndex32(part, 1))
-            append(parts.char32At(part), origin);
+        m_origin.resize(static_cast<std::size_t>(m_folded.size()), origin);
     }
     m_origin.push_back(text.size());
 }
@@ -214,7 +232,7 @@ std::optional<FoldedText::Range> FoldedText::find(const FoldedText& needle, qsiz
     qsizetype at = firstUnit - m_origin.begin();
     while ((at = m_folded.indexOf(needle.m_folded, at)) >= 0) {
         const qsizetype end = at + needle.m_folded.size();
-        // A syllable or a ligature comes apart when folded; half of one is no match.
+        // A syllable, a ligature or an emoji has several units; half of one is no match.
         if (beginsCharacter(at) && beginsCharacter(end)) {
             const qsizetype start = m_origin[static_cast<std::size_t>(at)];
             return Range{start, m_origin[static_cast<std::size_t>(end)] - start};

@@ -47,8 +47,10 @@ public:
 /// A text prepared for searching without regard to case and diacritics. Preparing costs one walk;
 /// searching it again and again costs little.
 ///
-/// A letter differs from another only by what is left when case and marks are taken away: "É"
-/// finds "e", "İ" finds "i". The dotless "ı" is a letter of its own and does not find "i".
+/// A letter differs from another only by what is left when case and diacritics are taken away:
+/// "É" finds "e", "İ" finds "i", "STRASSE" finds "straße". The dotless "ı" is a letter of its own
+/// and does not find "i"; so are the vowel signs of Indic and Thai scripts. Only whole characters
+/// are found: "s" is not half of "ß".
 class FoldedText {
 public:
     /// Part of the text given, in UTF-16 units.
@@ -72,7 +74,7 @@ private:
     bool beginsCharacter(qsizetype folded) const;
 
     QString m_folded;
-    /// For each unit of m_folded where its code point begins in the text; last, the text's length.
+    /// For each unit of m_folded where its character begins in the text; last, the text's length.
     std::vector<qsizetype> m_origin;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QtGlobal> // Qt 6.4's moc cannot read <compare> where it comes first
+
 #include <compare>
 
 namespace mossbank {

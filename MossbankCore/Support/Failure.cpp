@@ -23,10 +23,14 @@ FileError::FileError(int errorNumber, const QString& path)
 
 QString describe(const std::exception_ptr& failure)
 {
+    if (!failure)
+        return {};
     try {
         std::rethrow_exception(failure);
     } catch (const Failure& known) {
         return known.message();
+    } catch (const QUnhandledException& wrapped) {
+        return describe(wrapped.exception());
     } catch (const std::exception& other) {
         return QString::fromUtf8(other.what());
     } catch (...) {

@@ -39,6 +39,7 @@ public:
 };
 
 /// The sentence of any failure: a Failure's message, or what else an exception says of itself.
+/// Empty for none.
 QString describe(const std::exception_ptr& failure);
 
 } // namespace mossbank

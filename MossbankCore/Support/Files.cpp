@@ -5,13 +5,15 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <QScopeGuard>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <utility>
 
 namespace mossbank {
 
@@ -31,19 +33,48 @@ bool isFolder(const QByteArray& path)
     return ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+/// An open file or folder.
+class Descriptor {
+public:
+    explicit Descriptor(int number)
+        : m_number(number)
+    {
+    }
+    ~Descriptor() { close(); }
+    Q_DISABLE_COPY_MOVE(Descriptor)
+
+    bool isOpen() const { return m_number >= 0; }
+    int get() const { return m_number; }
+    /// False when the system has bad news only now.
+    bool close() { return !isOpen() || ::close(std::exchange(m_number, -1)) == 0; }
+
+private:
+    int m_number;
+};
+
+void writeAll(int file, const QByteArray& bytes, const QString& path)
+{
+    qsizetype written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(file, bytes.constData() + written,
+                                      static_cast<std::size_t>(bytes.size() - written));
+        if (count >= 0)
+            written += count;
+        else if (errno != EINTR)
+            refuse(path);
+    }
+}
+
 /// A rename is on the disk only when the folder that holds the name is.
 void syncFolder(const QString& path)
 {
-    const int folder =
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0)
+    const Descriptor folder(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen())
         refuse(path);
-    const int failed = ::fsync(folder);
-    const int reason = errno;
-    ::close(folder);
     // Some file systems cannot do this for folders; they have then done what they can.
-    if (failed && reason != EINVAL)
-        throw FileError(reason, path);
+    if (::fsync(folder.get()) != 0 && errno != EINVAL)
+        refuse(path);
 }
 
 } // namespace
@@ -66,21 +97,26 @@ void Files::createFolder(const QString& path)
 
 void Files::createEmptyFile(const QString& path)
 {
-    const int file = ::open(QFile::encodeName(path).constData(),
-                            O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileForUserAlone);
-    if (file < 0)
+    const Descriptor file(::open(QFile::encodeName(path).constData(),
+                                 O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileForUserAlone));
+    if (!file.isOpen())
         refuse(path);
-    ::close(file);
 }
 
 void Files::writeAtomically(const QString& path, const QByteArray& bytes)
 {
-    QSaveFile file(path);
-    const bool isWritten = file.open(QIODevice::WriteOnly) &&
-                           file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-                           file.write(bytes) == bytes.size() && file.commit();
-    if (!isWritten)
-        throw FileError(file.errorString(), path);
+    const QByteArray finalName = QFile::encodeName(path);
+    QByteArray name = finalName + ".XXXXXX";
+    Descriptor file(::mkostemp(name.data(), O_CLOEXEC));
+    if (!file.isOpen())
+        refuse(path);
+    auto nameGoes = qScopeGuard([&name] { ::unlink(name.constData()); });
+    writeAll(file.get(), bytes, path);
+    // A full disk or a quota may show only here and at the closing. QSaveFile lets that pass.
+    if (::fsync(file.get()) != 0 || !file.close() ||
+        ::rename(name.constData(), finalName.constData()) != 0)
+        refuse(path);
+    nameGoes.dismiss();
     syncFolder(QFileInfo(path).path());
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Support/Job.h"
 
+#include "MossbankCore/Support/Failure.h"
+
 #include <exception>
 #include <utility>
 
@@ -30,8 +32,9 @@ QCoro::Task<> Job::watch(QCoro::Task<> work, std::shared_ptr<Cancellation::State
 {
     try {
         co_await work;
-    } catch (const std::exception& failure) {
-        qFatal("A background job let a failure escape: %s", failure.what());
+    } catch (...) {
+        qFatal("A background job let a failure escape: %s",
+               qPrintable(describe(std::current_exception())));
     }
     state->isRunning = false;
 }
