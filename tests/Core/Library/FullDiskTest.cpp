@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A disk of three megabytes, mounted for these tests alone: the mount is in a name space of this
+// process and goes with it.
+#include "tests/Core/Library/LibraryTesting.h"
+#include "tests/Core/Library/RawSql.h"
+
+#include <QRandomGenerator>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+using namespace mossbank;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype kKilobyte = 1024;
+
+/// What kept this process from mounts of its own; empty when nothing did.
+QString g_noMounts;
+
+bool putText(const char* path, const QByteArray& text)
+{
+    return putFile(QString::fromLatin1(path), text);
+}
+
+/// Before any thread is started: a user who is not root needs a name space of users as well, and
+/// a process with threads may not enter one.
+void enterOwnNameSpace()
+{
+    const QByteArray user = QByteArray::number(getuid());
+    const QByteArray group = QByteArray::number(getgid());
+    if (::unshare(CLONE_NEWNS) != 0) {
+        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 ||
+            !putText("/proc/self/setgroups", "deny") ||
+            !putText("/proc/self/uid_map", "0 " + user + " 1") ||
+            !putText("/proc/self/gid_map", "0 " + group + " 1")) {
+            g_noMounts = u"unshare: "_s + QString::fromLocal8Bit(std::strerror(errno));
+            return;
+        }
+    }
+    // Nothing mounted here is seen outside.
+    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        g_noMounts = u"mount: "_s + QString::fromLocal8Bit(std::strerror(errno));
+}
+
+QByteArray noise(qsizetype size)
+{
+    QByteArray bytes(size, '\0');
+    QRandomGenerator random(1);
+    for (char& byte : bytes)
+        byte = static_cast<char>(random.bounded(256));
+    return bytes;
+}
+
+/// Words that no page holds many of.
+QString manyWords(qsizetype letters)
+{
+    QString text;
+    QRandomGenerator random(2);
+    while (text.size() < letters)
+        text += QString::number(random.generate64(), 36) + u' ';
+    return text;
+}
+
+} // namespace
+
+class FullDiskTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void aLibraryOnAFullDiskCannotBeMadeAndSaysSo();
+    void savesUntilTheDiskIsFullAreWholeOrNothing();
+    void aPictureThatDoesNotFitLeavesNothing();
+    void aRowThatDoesNotFitTakesItsPictureAlong();
+
+private:
+    QString root() const { return m_disk->filePath(u"library"_s); }
+    QString images() const { return root() + u"/Images"_s; }
+    QString pending() const { return root() + u"/Pending"_s; }
+    qsizetype free() const;
+    /// Fills the disk up to these bytes.
+    bool leave(qsizetype bytes) const;
+    bool makeRoom() const { return QFile::remove(m_disk->filePath(u"filler"_s)); }
+    /// Saves, and hands back the message of the failure, of whichever kind.
+    static QString save(HistoryStore& store, const Memory& memory, const QByteArray& jpeg);
+    void expectWhole(const QStringList& pictures) const;
+
+    std::unique_ptr<QTemporaryDir> m_disk;
+};
+
+void FullDiskTest::init()
+{
+    QVERIFY2(g_noMounts.isEmpty(),
+             qPrintable(u"This test mounts a small disk and was not let: %1. Run it as root, or "
+                        "where name spaces of users are allowed."_s.arg(g_noMounts)));
+    m_disk = std::make_unique<QTemporaryDir>();
+    const int mounted = ::mount("mossbank-test", QFile::encodeName(m_disk->path()).constData(),
+                                "tmpfs", 0, "size=3m,mode=0700");
+    QVERIFY2(mounted == 0, std::strerror(errno));
+}
+
+void FullDiskTest::cleanup()
+{
+    if (m_disk)
+        ::umount2(QFile::encodeName(m_disk->path()).constData(), MNT_DETACH);
+    m_disk.reset();
+}
+
+qsizetype FullDiskTest::free() const
+{
+    struct statvfs status = {};
+    ::statvfs(QFile::encodeName(m_disk->path()).constData(), &status);
+    return static_cast<qsizetype>(status.f_bavail * status.f_bsize);
+}
+
+bool FullDiskTest::leave(qsizetype bytes) const
+{
+    return putFile(m_disk->filePath(u"filler"_s), QByteArray(free() - bytes, 'f'));
+}
+
+QString FullDiskTest::save(HistoryStore& store, const Memory& memory, const QByteArray& jpeg)
+{
+    return failure<Failure>([&] { store.save(memory, jpeg).waitForFinished(); });
+}
+
+void FullDiskTest::expectWhole(const QStringList& pictures) const
+{
+    QCOMPARE(names(images()), pictures);
+    QCOMPARE(names(pending()), QStringList{});
+    RawSql sql(root() + u"/history.sqlite"_s);
+    QCOMPARE(sql.rows(u"SELECT filename FROM memories ORDER BY filename"_s), pictures);
+    QCOMPARE(sql.value(u"PRAGMA integrity_check"_s), u"ok"_s);
+    sql.run(u"INSERT INTO memory_search(memory_search, rank) VALUES('integrity-check', 1)"_s);
+}
+
+void FullDiskTest::aLibraryOnAFullDiskCannotBeMadeAndSaysSo()
+{
+    QVERIFY(leave(8 * kKilobyte));
+    const auto said =
+        failure<Failure>([this] { HistoryStore(HistoryStore::Writing{.root = root()}); });
+    QVERIFY2(said == u"database or disk is full"_s || said == u"disk I/O error"_s,
+             qPrintable(said));
+    QVERIFY(makeRoom());
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    QCOMPARE(store.schemaVersion(), 5);
+    QCOMPARE(save(store, sampleMemory(u"A"_s), "jpeg"), QString());
+}
+
+void FullDiskTest::savesUntilTheDiskIsFullAreWholeOrNothing()
+{
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    const QByteArray picture = noise(100 * kKilobyte);
+    QStringList saved;
+    QString said;
+    for (int number = 10; number < 99 && said.isEmpty(); ++number) {
+        Memory memory = sampleMemory(QString::number(number));
+        memory.text = manyWords(2000);
+        said = save(store, memory, picture);
+        if (said.isEmpty())
+            saved.append(memory.filename);
+    }
+    QVERIFY(saved.size() > 5);
+    QVERIFY2(said.startsWith(u"No space left on device"_s) || said == u"database or disk is full"_s,
+             qPrintable(said));
+    expectWhole(saved);
+}
+
+void FullDiskTest::aPictureThatDoesNotFitLeavesNothing()
+{
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    QCOMPARE(save(store, sampleMemory(u"A"_s), "jpeg"), QString());
+    QVERIFY(leave(150 * kKilobyte));
+    QCOMPARE(save(store, sampleMemory(u"B"_s), noise(300 * kKilobyte)),
+             refusal(ENOSPC, images() + u"/B.jpg"_s));
+    expectWhole({u"A.jpg"_s});
+    QVERIFY(free() >= 140 * kKilobyte);
+
+    QVERIFY(makeRoom());
+    QCOMPARE(save(store, sampleMemory(u"B"_s), noise(300 * kKilobyte)), QString());
+    expectWhole({u"A.jpg"_s, u"B.jpg"_s});
+}
+
+void FullDiskTest::aRowThatDoesNotFitTakesItsPictureAlong()
+{
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    QCOMPARE(save(store, sampleMemory(u"A"_s), "jpeg"), QString());
+    Memory wordy = sampleMemory(u"B"_s);
+    wordy.text = manyWords(200 * kKilobyte);
+    const QByteArray picture = noise(300 * kKilobyte);
+    QVERIFY(leave(picture.size() + 40 * kKilobyte));
+    QCOMPARE(save(store, wordy, picture), u"database or disk is full"_s);
+    expectWhole({u"A.jpg"_s});
+
+    QVERIFY(makeRoom());
+    QCOMPARE(save(store, wordy, picture), QString());
+    expectWhole({u"A.jpg"_s, u"B.jpg"_s});
+    QCOMPARE(ids(store.fetch({.query = wordy.text.section(u' ', 0, 0), .limit = 9}).result()),
+             QStringList{u"B"_s});
+}
+
+int main(int argc, char** argv)
+{
+    enterOwnNameSpace();
+    const QCoreApplication application(argc, argv);
+    FullDiskTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "FullDiskTest.moc"
