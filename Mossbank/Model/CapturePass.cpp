@@ -515,6 +515,7 @@ void CapturePass::letGo()
     m_holdsCapture = false;
     m_recorder->setSaving(false);
     m_recorder->m_isCapturing = false;
+    Q_EMIT m_recorder->passEnded();
 }
 
 } // namespace mossbank

@@ -128,6 +128,8 @@ Q_SIGNALS:
     void nextCaptureAtChanged();
     void refusedBrowsersChanged();
     void askedForPermissionChanged();
+    /// A pass that held the capture has come to its end, however.
+    void passEnded();
 
 private:
     friend class CapturePass;

@@ -119,6 +119,18 @@ private Q_SLOTS:
         QCOMPARE(rig.screen.timesAsked, 0);
     }
 
+    void aWithdrawnPermissionWeighsMoreThanALock()
+    {
+        RecorderRig rig;
+        rig.start();
+        rig.screen.isAllowedNow = false;
+        rig.state.isLockedNow = true;
+        rig.clock.advance(30);
+        rig.settle();
+        QCOMPARE(rig.recorder->errorMessage(), std::optional(kPermissionGone));
+        QVERIFY2(!rig.recorder->stoppedForAway(), "what the system forbids does not come back");
+    }
+
     void aLockedScreenStopsAndMayComeBack_data()
     {
         QTest::addColumn<bool>("duringThePicture");

@@ -120,6 +120,15 @@ private Q_SLOTS:
         QCOMPARE(rig.screen.requests.front().display, DisplayID(1));
     }
 
+    void aSingleDisplayThatIsNotTheMainOneIsNone()
+    {
+        RecorderRig rig;
+        rig.screen.contentNow.mainDisplay = 7;
+        rig.start();
+        QVERIFY(!rig.recorder->isRecording());
+        QVERIFY(rig.recorder->errorMessage()->contains(u"No display is available."_s));
+    }
+
     void anExcludedWindowOnAnotherDisplaySkipsThePass()
     {
         RecorderRig rig;
