@@ -66,7 +66,8 @@ struct PictureRequest {
 /// The displays, the windows on them and the still picture.
 ///
 /// Threading: called on the main thread; the work may be done elsewhere.
-/// Errors: a Failure through the future.
+/// Errors: a Failure through the future, within some ten seconds also where the system does not
+/// answer at all.
 class Screen {
 public:
     Screen() = default;

@@ -2,12 +2,11 @@
 #include "MossbankCore/Capture/ImageProcessor.h"
 
 #include "MossbankCore/Library/StoreError.h"
+#include "MossbankCore/Support/Awaited.h"
+#include "MossbankCore/Support/Background.h"
 
 #include <QBuffer>
-#include <QCoroFuture>
-#include <QException>
 #include <QImageWriter>
-#include <QtConcurrentRun>
 
 #include <algorithm>
 #include <cmath>
@@ -27,26 +26,13 @@ double readable(double quality)
 
 QFuture<QByteArray> encoding(const QImage& image, double quality)
 {
-    return QtConcurrent::run([image, quality] { return ImageProcessor::encode(image, quality); });
+    return inBackground([image, quality] { return ImageProcessor::encode(image, quality); });
 }
 
 QFuture<QString> reading(const QImage& image, TextRecognizer& recognizer)
 {
-    return QtConcurrent::run(
+    return inBackground(
         [image, &recognizer] { return ImageProcessor::recognize(image, recognizer); });
-}
-
-/// What was thrown, called while it is caught. Qt wraps what it does not know on its way out of a
-/// thread.
-std::exception_ptr caughtFailure()
-{
-    try {
-        throw;
-    } catch (const QUnhandledException& wrapped) {
-        return wrapped.exception();
-    } catch (...) {
-        return std::current_exception();
-    }
 }
 
 } // namespace
@@ -62,16 +48,16 @@ QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality
     std::exception_ptr failure;
     ProcessedImage processed;
     try {
-        processed.jpeg = co_await encoded;
+        processed.jpeg = co_await awaited(encoded);
     } catch (...) {
-        failure = caughtFailure();
+        failure = std::current_exception();
     }
     // Waited for even when the picture failed: no work outlives the task that started it.
     try {
-        processed.text = co_await read;
+        processed.text = co_await awaited(read);
     } catch (...) {
         if (!failure)
-            failure = caughtFailure();
+            failure = std::current_exception();
     }
     if (failure)
         std::rethrow_exception(failure);

@@ -28,7 +28,8 @@ public:
     virtual Date now() const = 0;
 
     /// `co_await clock.sleep(30, cancellation)` goes on with true after the seconds have passed,
-    /// whatever becomes of the wall clock meanwhile; or with false as soon as cancellation is
+    /// whatever becomes of the wall clock meanwhile (time that the machine is suspended need not
+    /// count); or with false as soon as cancellation is
     /// requested. After false, ask what of your own is still there.
     Sleep sleep(double seconds, Cancellation cancellation);
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace mossbank {
 
@@ -154,6 +155,15 @@ QStringView Characters::dropLast(QStringView text, qsizetype characters)
     return prefix(text, count(text) - characters);
 }
 
+namespace {
+
+bool isMark(UChar32 codePoint)
+{
+    return (U_GET_GC_MASK(codePoint) & U_GC_M_MASK) != 0;
+}
+
+} // namespace
+
 bool Characters::isAlphanumeric(char32_t codePoint)
 {
     return (U_GET_GC_MASK(static_cast<UChar32>(codePoint)) &
@@ -165,8 +175,9 @@ std::vector<QStringView> Characters::words(QStringView text)
     std::vector<QStringView> words;
     qsizetype start = 0;
     qsizetype end = 0;
+    bool isWord = false;
     const auto finish = [&] {
-        if (end > start)
+        if (std::exchange(isWord, false))
             words.push_back(text.sliced(start, end - start));
     };
     while (end < text.size()) {
@@ -176,6 +187,8 @@ std::vector<QStringView> Characters::words(QStringView text)
         if (!isAlphanumeric(static_cast<char32_t>(codePoint))) {
             finish();
             start = next;
+        } else if (!isMark(codePoint)) {
+            isWord = true;
         }
         end = next;
     }

@@ -36,7 +36,8 @@ public:
     /// Whether a code point is a letter, a mark or a number, of any script.
     static bool isAlphanumeric(char32_t codePoint);
 
-    /// The runs of letters, marks and numbers in `text`, none empty, as views into it.
+    /// The runs of letters, marks and numbers in `text`, as views into it. A run of marks alone,
+    /// such as what makes a sign an emoji, is no word.
     static std::vector<QStringView> words(QStringView text);
 
     /// Lower case by Unicode's full rules, whatever the language of the machine: "I" is "i" for

@@ -29,8 +29,6 @@ QString describe(const std::exception_ptr& failure)
         std::rethrow_exception(failure);
     } catch (const Failure& known) {
         return known.message();
-    } catch (const QUnhandledException& wrapped) {
-        return describe(wrapped.exception());
     } catch (const std::exception& other) {
         return QString::fromUtf8(other.what());
     } catch (...) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Mossbank/Ports/AddressSource.h"
+#include "MossbankCore/Library/StoreError.h"
 
 #include <QPromise>
 
@@ -16,6 +17,8 @@ public:
     std::optional<QString> addressNow;
     QStringList refusedNamesNow;
     bool holdsAddress = false;
+    /// When not empty, what every answer fails with.
+    QString failure;
     std::vector<Application> asked;
 
     Availability availability() const override { return {}; }
@@ -24,6 +27,8 @@ public:
     QFuture<std::optional<QString>> address(const Application& browser) override
     {
         asked.push_back(browser);
+        if (!failure.isEmpty())
+            return QtFuture::makeExceptionalFuture<std::optional<QString>>(StoreError(failure));
         if (!holdsAddress)
             return QtFuture::makeReadyFuture(addressNow);
         m_address = {};
@@ -33,6 +38,8 @@ public:
 
     QFuture<QStringList> refusedNames() override
     {
+        if (!failure.isEmpty())
+            return QtFuture::makeExceptionalFuture<QStringList>(StoreError(failure));
         return QtFuture::makeReadyFuture(refusedNamesNow);
     }
 

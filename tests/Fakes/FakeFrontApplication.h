@@ -3,6 +3,8 @@
 
 #include "Mossbank/Ports/FrontApplication.h"
 
+#include <QMetaMethod>
+
 #include <mutex>
 
 namespace mossbank {
@@ -31,6 +33,15 @@ public:
     {
         setCurrent(application);
         Q_EMIT activated(application);
+    }
+
+    /// How many listen for a switch.
+    int listeners() const
+    {
+        return receivers(QMetaMethod::fromSignal(&FrontApplication::activated)
+                             .methodSignature()
+                             .prepend('2')
+                             .constData());
     }
 
 private:

@@ -75,6 +75,9 @@ public:
         return m_picture.future();
     }
 
+    /// Lets go of the answer that was held back, without giving it.
+    void giveContentUp() { m_content = {}; }
+
     /// Gives the answer that was held back.
     void releaseContent()
     {

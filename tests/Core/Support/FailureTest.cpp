@@ -40,8 +40,6 @@ void FailureTest::theSentenceOfAFailureIsToldAsItStands_data()
     row("empty", StoreError(QString()), QString());
     row("file", FileError(u"No such file"_s, u"/a/ş"_s), u"No such file: /a/ş"_s);
     row("standard", std::runtime_error("ran out — ş"), u"ran out — ş"_s);
-    row("wrapped by Qt's threads",
-        QUnhandledException(std::make_exception_ptr(std::runtime_error("ran out"))), u"ran out"_s);
     row("no exception at all", 5, u"An unknown failure."_s);
     QTest::newRow("none") << std::exception_ptr() << QString();
 }

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Support/PoolTask.h"
+
+namespace mossbank {
+
+/// Has the calling thread, and it alone, give way to everything else on the machine from now on.
+void giveWay();
+
+/// Does `work` on the global pool, giving way to whatever the user is doing: a screenshot that is
+/// read a second later is no loss, a stutter under the user's hands is.
+///
+/// Threading: any thread.
+/// Errors: what the work throws comes out of the future.
+template <typename Work>
+[[nodiscard]] auto inBackground(Work work)
+{
+    auto givingWay = [work = std::move(work)]() mutable {
+        giveWay();
+        return work();
+    };
+    return PoolTask<std::decay_t<decltype(givingWay)>>::start(*QThreadPool::globalInstance(),
+                                                              std::move(givingWay));
+}
+
+} // namespace mossbank

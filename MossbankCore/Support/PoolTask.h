@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QFuture>
+#include <QPromise>
+#include <QRunnable>
+#include <QThreadPool>
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+namespace mossbank {
+
+/// One thing for a thread of a pool to do. Not QtConcurrent's task: whoever waits for the result
+/// of one of those takes it out of the pool and does it himself, out of turn and on a thread of
+/// his own.
+template <typename Work>
+class PoolTask final : public QRunnable {
+public:
+    using Result = std::invoke_result_t<Work&>;
+
+    /// Has `pool` do `work`. The future holds its result, or what it threw.
+    [[nodiscard]] static QFuture<Result> start(QThreadPool& pool, Work work)
+    {
+        auto task = std::unique_ptr<PoolTask>(new PoolTask(std::move(work)));
+        QFuture<Result> future = task->m_promise.future();
+        pool.start(task.release());
+        return future;
+    }
+
+    void run() override
+    {
+        try {
+            if constexpr (std::is_void_v<Result>)
+                std::invoke(m_work);
+            else
+                m_promise.addResult(std::invoke(m_work));
+        } catch (...) {
+            m_promise.setException(std::current_exception());
+        }
+        m_promise.finish();
+    }
+
+private:
+    explicit PoolTask(Work work)
+        : m_work(std::move(work))
+    {
+        m_promise.start();
+    }
+
+    Work m_work;
+    QPromise<Result> m_promise;
+};
+
+} // namespace mossbank
