@@ -3,6 +3,7 @@
 
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
+#include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <utility>
@@ -20,6 +21,7 @@ OpenedLibrary OpenedLibrary::at(const QString& root)
 
 AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* parent)
     : QObject(parent)
+    , m_clock(surroundings.clock)
     , m_preferences(surroundings.preferences)
     , m_store(std::move(library.store))
     , m_recorder({
@@ -58,6 +60,15 @@ void AppModel::prepareToQuit()
         return;
     }
     connect(&m_recorder, &Recorder::passEnded, this, &AppModel::readyToQuit);
+    m_quitting = Job::start(&AppModel::quitInAnyCase, this);
+}
+
+QCoro::Task<> AppModel::quitInAnyCase(Cancellation cancellation)
+{
+    // A pass may wait for a screen or a recogniser that has stopped answering.
+    constexpr double kPatience = 10;
+    if (co_await m_clock.sleep(kPatience, cancellation))
+        Q_EMIT readyToQuit();
 }
 
 } // namespace mossbank

@@ -57,18 +57,24 @@ public:
     /// What is done once everything is up: recording starts if the user asked for that.
     void finishedLaunching();
 
-    /// Stops recording. `readyToQuit` follows, when what was being saved is saved.
+    /// Stops recording. `readyToQuit` follows when what was being saved is saved, or after ten
+    /// seconds.
     void prepareToQuit();
 
 Q_SIGNALS:
     void readyToQuit();
 
 private:
+    QCoro::Task<> quitInAnyCase(Cancellation cancellation);
+
+    Clock& m_clock;
     Preferences& m_preferences;
     std::unique_ptr<HistoryStore> m_store;
     NoPauses m_pauses;
     NothingAfterSave m_afterSave;
     Recorder m_recorder;
+    /// Last: cancelled before anything above goes.
+    Job m_quitting;
 };
 
 } // namespace mossbank

@@ -4,6 +4,7 @@
 #include "Mossbank/Model/AfterSave.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Recorder.h"
+#include "Mossbank/Model/RecorderTexts.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Ports/AddressSource.h"
 #include "Mossbank/Ports/FrontApplication.h"
@@ -14,8 +15,8 @@
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/StoreError.h"
 #include "MossbankCore/Ports/Clock.h"
+#include "MossbankCore/Support/Awaited.h"
 
-#include <QCoroFuture>
 #include <QUuid>
 
 #include <algorithm>
@@ -38,7 +39,7 @@ struct CapturePass::Step {
 /// into.
 const CapturePass::Step CapturePass::kSteps[] = {
     // Cheap reasons not to look.
-    {&CapturePass::nobodyElseIsCapturing},
+    {&CapturePass::passMayBegin},
     {&CapturePass::permissionIsThere},
     {&CapturePass::screenIsNotLocked},
     {&CapturePass::displayIsAwake},
@@ -75,7 +76,7 @@ const CapturePass::Step CapturePass::kSteps[] = {
 /// How a pass ends before its last step, if it does.
 class CapturePass::Verdict {
 public:
-    enum class Kind { GoOn, Silent, Skip, Locked, NotAllowed };
+    enum class Kind { GoOn, Silent, Skip, Locked, NotAllowed, Failed };
 
     static Verdict goOn() { return {Kind::GoOn, {}}; }
     static Verdict silently() { return {Kind::Silent, {}}; }
@@ -85,11 +86,14 @@ public:
     static Verdict locked() { return {Kind::Locked, {}}; }
     /// The permission to see the screen was withdrawn: recording stops.
     static Verdict notAllowed() { return {Kind::NotAllowed, {}}; }
+    /// Recording stops: trying again and again would only hide it.
+    static Verdict failed(const QString& reason) { return {Kind::Failed, reason}; }
 
     bool goesOn() const { return kind == Kind::GoOn; }
 
     Kind kind;
-    QString status;
+    /// The status, or the reason of a failure.
+    QString text;
 };
 
 namespace {
@@ -100,16 +104,6 @@ constexpr std::uint8_t kTolerance = 2;
 constexpr std::int64_t kObviousCells = 61;
 constexpr double kWidestPicture = 2048;
 constexpr double kSecondsAMinute = 60;
-
-QString secureInputSkipped()
-{
-    return localized("Skipped while a password field or other secure input is active");
-}
-
-QString mossbankIsInFront()
-{
-    return localized("Switch to another app to capture it");
-}
 
 bool owns(const QStringList& bundleIDs, const ScreenWindow& window)
 {
@@ -146,29 +140,31 @@ CapturePass::~CapturePass()
 
 QCoro::Task<> CapturePass::run()
 {
-    try {
-        for (const Step& step : kSteps) {
-            Verdict verdict = Verdict::goOn();
+    for (const Step& step : kSteps) {
+        Verdict verdict = Verdict::goOn();
+        try {
             if (const auto* now = std::get_if<Step::Now>(&step.function))
                 verdict = (this->**now)();
             else
                 verdict = co_await (this->*std::get<Step::Waiting>(step.function))();
-            if (!verdict.goesOn()) {
-                conclude(verdict);
-                break;
-            }
+        } catch (...) {
+            // What hangs on a save reports its own failures; the record stands all the same.
+            if (!m_isSaved)
+                verdict = Verdict::failed(describe(std::current_exception()));
         }
-    } catch (...) {
-        fail(describe(std::current_exception()));
+        if (!verdict.goesOn()) {
+            conclude(verdict);
+            break;
+        }
     }
     letGo();
 }
 
 // Cheap reasons not to look
 
-CapturePass::Verdict CapturePass::nobodyElseIsCapturing()
+CapturePass::Verdict CapturePass::passMayBegin()
 {
-    const bool isFree = m_recorder->m_isRecording && !m_recorder->m_isCapturing;
+    const bool isFree = m_recorder->m_state.isRecording && !m_recorder->m_isCapturing;
     return isFree && m_recorder->m_parts.store ? Verdict::goOn() : Verdict::silently();
 }
 
@@ -201,7 +197,7 @@ CapturePass::Verdict CapturePass::applicationIsInFront()
 CapturePass::Verdict CapturePass::frontIsNotMossbank()
 {
     if (m_front.bundleID == kOwnBundleID)
-        return Verdict::skip(mossbankIsInFront());
+        return Verdict::skip(RecorderTexts::mossbankIsInFront());
     return Verdict::goOn();
 }
 
@@ -215,7 +211,7 @@ CapturePass::Verdict CapturePass::frontIsNotExcluded()
 CapturePass::Verdict CapturePass::inputIsNotSecure()
 {
     if (m_recorder->m_parts.secureInput.isActive())
-        return Verdict::skip(secureInputSkipped());
+        return Verdict::skip(RecorderTexts::secureInputSkipped());
     return Verdict::goOn();
 }
 
@@ -230,7 +226,7 @@ CapturePass::Verdict CapturePass::takeTheCapture()
 
 QCoro::Task<CapturePass::Verdict> CapturePass::askForContent()
 {
-    m_content = co_await m_recorder->m_parts.screen.content();
+    m_content = co_await awaited(m_recorder->m_parts.screen.content());
     co_return isCurrent() ? Verdict::goOn() : Verdict::silently();
 }
 
@@ -288,7 +284,7 @@ QCoro::Task<CapturePass::Verdict> CapturePass::takePicture()
         .included = includedApplications(),
         .size = pictureSize(m_display.frame.size()),
     };
-    m_picture = co_await m_recorder->m_parts.screen.picture(request);
+    m_picture = co_await awaited(m_recorder->m_parts.screen.picture(request));
     co_return isCurrent() ? Verdict::goOn() : Verdict::silently();
 }
 
@@ -379,8 +375,13 @@ QCoro::Task<CapturePass::Verdict> CapturePass::encodeAndRead()
 
 QCoro::Task<CapturePass::Verdict> CapturePass::awaitAddress()
 {
-    if (m_address)
-        m_link = (co_await *m_address).value_or(QString());
+    try {
+        if (m_address)
+            m_link = (co_await awaited(*m_address)).value_or(QString());
+    } catch (...) {
+        // A page without its address is worth keeping.
+        m_link.clear();
+    }
     co_return m_recorder ? Verdict::goOn() : Verdict::silently();
 }
 
@@ -401,7 +402,8 @@ CapturePass::Verdict CapturePass::frontIsStillTheSame()
 QCoro::Task<CapturePass::Verdict> CapturePass::save()
 {
     m_memory = makeMemory();
-    co_await m_recorder->m_parts.store->save(m_memory, m_processed.jpeg);
+    co_await awaited(m_recorder->m_parts.store->save(m_memory, m_processed.jpeg));
+    m_isSaved = true;
     co_return m_recorder ? Verdict::goOn() : Verdict::silently();
 }
 
@@ -440,10 +442,17 @@ QCoro::Task<CapturePass::Verdict> CapturePass::noteRefusals()
 {
     if (!m_address)
         co_return Verdict::goOn();
-    const QStringList names = co_await m_recorder->m_parts.addresses.refusedNames();
+    std::optional<QStringList> names;
+    try {
+        names = co_await awaited(m_recorder->m_parts.addresses.refusedNames());
+    } catch (...) {
+        // The names are for showing; the next pass asks again.
+        names.reset();
+    }
     if (!m_recorder)
         co_return Verdict::silently();
-    m_recorder->setRefusedBrowsers(names);
+    if (names)
+        m_recorder->setRefusedBrowsers(*names);
     co_return Verdict::goOn();
 }
 
@@ -473,7 +482,7 @@ QCoro::Task<CapturePass::Verdict> CapturePass::refresh()
 
 bool CapturePass::isCurrent() const
 {
-    return m_recorder && m_recorder->m_isRecording && m_recorder->m_generation == m_token;
+    return m_recorder && m_recorder->m_state.isRecording && m_recorder->m_generation == m_token;
 }
 
 void CapturePass::conclude(const Verdict& verdict)
@@ -485,27 +494,18 @@ void CapturePass::conclude(const Verdict& verdict)
     case Verdict::Kind::Silent:
         break;
     case Verdict::Kind::Skip:
-        m_recorder->setStatus(verdict.status);
+        m_recorder->setStatus(verdict.text);
         break;
     case Verdict::Kind::Locked:
-        m_recorder->pauseForLockedScreen();
+        m_recorder->stopForLockedScreen();
         break;
     case Verdict::Kind::NotAllowed:
-        m_recorder->stop();
-        m_recorder->setErrorMessage(localized("Screen recording permission is unavailable. Enable "
-                                              "it in System Settings, then reopen Mossbank."));
+        m_recorder->stopForLostPermission();
+        break;
+    case Verdict::Kind::Failed:
+        m_recorder->stopForFailure(verdict.text);
         break;
     }
-}
-
-void CapturePass::fail(const QString& reason)
-{
-    if (!isCurrent())
-        return;
-    // One failure ends the recording: trying again and again would only hide it.
-    m_recorder->setSaving(false);
-    m_recorder->stop();
-    m_recorder->setErrorMessage(localized("Capture stopped: %1").arg(reason));
 }
 
 void CapturePass::letGo()

@@ -25,7 +25,7 @@ class Recorder;
 ///
 /// The steps and their order are the table at the top of CapturePass.cpp; nearly every one is a
 /// reason not to save. A pass is *current* while recording is on and the recorder's generation is
-/// the one it began under; a pass that no longer is ends without a word, and what it has seen is
+/// the one it began under; a pass that no longer is ends without a word, and its picture is
 /// dropped.
 ///
 /// Threading: the main thread, given up at each wait. The recorder may be gone after any of them.
@@ -48,7 +48,7 @@ private:
     static const Step kSteps[];
 
     // Each is one step of the table.
-    Verdict nobodyElseIsCapturing();
+    Verdict passMayBegin();
     Verdict permissionIsThere();
     Verdict screenIsNotLocked();
     Verdict displayIsAwake();
@@ -84,7 +84,6 @@ private:
 
     bool isCurrent() const;
     void conclude(const Verdict& verdict);
-    void fail(const QString& reason);
     void letGo();
 
     QPointer<Recorder> m_recorder;
@@ -107,6 +106,7 @@ private:
     ProcessedImage m_processed;
     QString m_link;
     Memory m_memory;
+    bool m_isSaved = false;
 };
 
 } // namespace mossbank

@@ -38,6 +38,16 @@ QStringList passwordManagers()
 Preferences::Preferences(const QString& path, QObject* parent)
     : QObject(parent)
     , m_settings(path, QSettings::IniFormat)
+    , m_interval(number(kInterval, 30.0))
+    , m_imageQuality(number(kImageQuality, 0.78))
+    , m_skipsUnchangedScreens(flag(kSkipsUnchangedScreens, true))
+    , m_changeMode(word(kChangeMode, u"flicker"_s))
+    , m_capturesOnAppSwitch(flag(kCapturesOnAppSwitch, true))
+    , m_unchangedRefreshMinutes(number(kUnchangedRefreshMinutes, 15.0))
+    , m_savesAddresses(flag(kSavesAddresses, true))
+    , m_recordsAtLaunch(flag(kRecordsAtLaunch, false))
+    , m_resumesAfterAway(flag(kResumesAfterAway, true))
+    , m_excludedBundles(list(kExcludedBundles, passwordManagers()))
 {
 }
 
@@ -47,115 +57,72 @@ QString Preferences::userPath()
            u"/Mossbank/Mossbank.ini"_s;
 }
 
-double Preferences::interval() const
-{
-    return number(kInterval, 30.0);
-}
-
 void Preferences::setInterval(double seconds)
 {
+    m_interval = seconds;
     m_settings.setValue(kInterval, seconds);
     Q_EMIT intervalChanged();
 }
 
-double Preferences::imageQuality() const
-{
-    return number(kImageQuality, 0.78);
-}
-
 void Preferences::setImageQuality(double quality)
 {
+    m_imageQuality = quality;
     m_settings.setValue(kImageQuality, quality);
     Q_EMIT imageQualityChanged();
 }
 
-bool Preferences::skipsUnchangedScreens() const
-{
-    return flag(kSkipsUnchangedScreens, true);
-}
-
 void Preferences::setSkipsUnchangedScreens(bool skips)
 {
+    m_skipsUnchangedScreens = skips;
     m_settings.setValue(kSkipsUnchangedScreens, skips);
     Q_EMIT skipsUnchangedScreensChanged();
 }
 
-QString Preferences::changeMode() const
-{
-    return m_settings.value(kChangeMode, u"flicker"_s).toString();
-}
-
 void Preferences::setChangeMode(const QString& mode)
 {
+    m_changeMode = mode;
     m_settings.setValue(kChangeMode, mode);
     Q_EMIT changeModeChanged();
 }
 
-bool Preferences::capturesOnAppSwitch() const
-{
-    return flag(kCapturesOnAppSwitch, true);
-}
-
 void Preferences::setCapturesOnAppSwitch(bool captures)
 {
+    m_capturesOnAppSwitch = captures;
     m_settings.setValue(kCapturesOnAppSwitch, captures);
     Q_EMIT capturesOnAppSwitchChanged();
 }
 
-double Preferences::unchangedRefreshMinutes() const
-{
-    return number(kUnchangedRefreshMinutes, 15.0);
-}
-
 void Preferences::setUnchangedRefreshMinutes(double minutes)
 {
+    m_unchangedRefreshMinutes = minutes;
     m_settings.setValue(kUnchangedRefreshMinutes, minutes);
     Q_EMIT unchangedRefreshMinutesChanged();
 }
 
-bool Preferences::savesAddresses() const
-{
-    return flag(kSavesAddresses, true);
-}
-
 void Preferences::setSavesAddresses(bool saves)
 {
+    m_savesAddresses = saves;
     m_settings.setValue(kSavesAddresses, saves);
     Q_EMIT savesAddressesChanged();
 }
 
-bool Preferences::recordsAtLaunch() const
-{
-    return flag(kRecordsAtLaunch, false);
-}
-
 void Preferences::setRecordsAtLaunch(bool records)
 {
+    m_recordsAtLaunch = records;
     m_settings.setValue(kRecordsAtLaunch, records);
     Q_EMIT recordsAtLaunchChanged();
 }
 
-bool Preferences::resumesAfterAway() const
-{
-    return flag(kResumesAfterAway, true);
-}
-
 void Preferences::setResumesAfterAway(bool resumes)
 {
+    m_resumesAfterAway = resumes;
     m_settings.setValue(kResumesAfterAway, resumes);
     Q_EMIT resumesAfterAwayChanged();
 }
 
-QStringList Preferences::excludedBundles() const
-{
-    // An empty list is stored as an invalid value: the key tells it from no list at all.
-    if (!m_settings.contains(kExcludedBundles))
-        return passwordManagers();
-    return m_settings.value(kExcludedBundles).toStringList();
-}
-
 void Preferences::setExcludedBundles(const QStringList& bundleIDs)
 {
+    m_excludedBundles = bundleIDs;
     m_settings.setValue(kExcludedBundles, bundleIDs);
     Q_EMIT excludedBundlesChanged();
 }
@@ -174,13 +141,37 @@ double Preferences::number(const QString& key, double fallback) const
 
 bool Preferences::flag(const QString& key, bool fallback) const
 {
+    const QVariant value = m_settings.value(key);
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool();
     // QVariant takes any text for true.
-    const QString stored = m_settings.value(key).toString().toLower();
+    const QString stored = word(key, {}).toLower();
     if (stored == u"true" || stored == u"1")
         return true;
     if (stored == u"false" || stored == u"0")
         return false;
     return fallback;
+}
+
+QString Preferences::word(const QString& key, const QString& fallback) const
+{
+    const QVariant stored = m_settings.value(key);
+    return stored.typeId() == QMetaType::QString ? stored.toString() : fallback;
+}
+
+QStringList Preferences::list(const QString& key, const QStringList& fallback) const
+{
+    if (!m_settings.contains(key))
+        return fallback;
+    const QVariant stored = m_settings.value(key);
+    // An empty list is stored as a value that is none, and a list of one as that one.
+    if (!stored.isValid())
+        return {};
+    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
+        return fallback;
+    QStringList items = stored.toStringList();
+    items.removeAll(QString());
+    return items;
 }
 
 } // namespace mossbank

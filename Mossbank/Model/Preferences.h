@@ -8,9 +8,9 @@
 
 namespace mossbank {
 
-/// The user's stored choices. Each is read when asked for and written when set, and each setter
-/// tells that it was called, also when the value is the one that stood there: what hangs on a
-/// choice is redone whenever the user makes it.
+/// The user's stored choices. They are read once and written when set: nothing changes them but
+/// their setters, so that what hangs on a choice is always told of it. A setter tells also when
+/// the value is the one that stood there: what hangs on a choice is redone whenever it is made.
 ///
 /// A value that is missing, or is not of its type, counts as its default. No value is held to
 /// bounds in reading: a stored one stands as it is.
@@ -30,43 +30,43 @@ public:
     QString path() const { return m_settings.fileName(); }
 
     /// Seconds of rest between two looks at the screen.
-    double interval() const;
+    double interval() const { return m_interval; }
     void setInterval(double seconds);
 
     /// Quality of the pictures, from 0 to 1.
-    double imageQuality() const;
+    double imageQuality() const { return m_imageQuality; }
     void setImageQuality(double quality);
 
     /// Whether a screen that has not changed is left out.
-    bool skipsUnchangedScreens() const;
+    bool skipsUnchangedScreens() const { return m_skipsUnchangedScreens; }
     void setSkipsUnchangedScreens(bool skips);
 
     /// What counts as a change: "flicker", "obvious"; any other text means any change.
-    QString changeMode() const;
+    QString changeMode() const { return m_changeMode; }
     void setChangeMode(const QString& mode);
 
     /// Whether a switch to another application is looked at as well.
-    bool capturesOnAppSwitch() const;
+    bool capturesOnAppSwitch() const { return m_capturesOnAppSwitch; }
     void setCapturesOnAppSwitch(bool captures);
 
     /// Minutes after which an unchanged screen is saved all the same.
-    double unchangedRefreshMinutes() const;
+    double unchangedRefreshMinutes() const { return m_unchangedRefreshMinutes; }
     void setUnchangedRefreshMinutes(double minutes);
 
     /// Whether browsers are asked for the address of the page.
-    bool savesAddresses() const;
+    bool savesAddresses() const { return m_savesAddresses; }
     void setSavesAddresses(bool saves);
 
     /// Whether recording starts with the program.
-    bool recordsAtLaunch() const;
+    bool recordsAtLaunch() const { return m_recordsAtLaunch; }
     void setRecordsAtLaunch(bool records);
 
     /// Whether recording comes back by itself after a lock, a sleep or another's session.
-    bool resumesAfterAway() const;
+    bool resumesAfterAway() const { return m_resumesAfterAway; }
     void setResumesAfterAway(bool resumes);
 
     /// Identities of the applications that are never to be in a picture.
-    QStringList excludedBundles() const;
+    QStringList excludedBundles() const { return m_excludedBundles; }
     void setExcludedBundles(const QStringList& bundleIDs);
 
     /// Forgets that recording was on when the program was last told to relaunch.
@@ -87,8 +87,20 @@ Q_SIGNALS:
 private:
     double number(const QString& key, double fallback) const;
     bool flag(const QString& key, bool fallback) const;
+    QString word(const QString& key, const QString& fallback) const;
+    QStringList list(const QString& key, const QStringList& fallback) const;
 
     QSettings m_settings;
+    double m_interval;
+    double m_imageQuality;
+    bool m_skipsUnchangedScreens;
+    QString m_changeMode;
+    bool m_capturesOnAppSwitch;
+    double m_unchangedRefreshMinutes;
+    bool m_savesAddresses;
+    bool m_recordsAtLaunch;
+    bool m_resumesAfterAway;
+    QStringList m_excludedBundles;
 };
 
 } // namespace mossbank

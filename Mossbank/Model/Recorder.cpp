@@ -4,6 +4,7 @@
 #include "Mossbank/Model/CapturePass.h"
 #include "Mossbank/Model/PauseControl.h"
 #include "Mossbank/Model/Preferences.h"
+#include "Mossbank/Model/RecorderTexts.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "MossbankCore/Ports/Clock.h"
@@ -13,21 +14,12 @@
 
 namespace mossbank {
 
-namespace {
-
-/// What the recorder says while it is off.
-QString idleStatus()
-{
-    return localized("Recording is off");
-}
-
-} // namespace
-
 Recorder::Recorder(Parts parts, QObject* parent)
     : QObject(parent)
     , m_parts(std::move(parts))
-    , m_status(idleStatus())
 {
+    m_state.status = RecorderTexts::idle();
+    m_told = m_state;
     followPreferences();
 }
 
@@ -35,7 +27,7 @@ Recorder::~Recorder() = default;
 
 void Recorder::toggleRecording()
 {
-    if (m_isRecording) {
+    if (m_state.isRecording) {
         stop();
         return;
     }
@@ -44,40 +36,72 @@ void Recorder::toggleRecording()
     if (!m_parts.store)
         return;
     if (!m_parts.screen.isAllowed()) {
-        m_askedForPermission = true;
+        m_state.askedForPermission = true;
         m_parts.screen.askForPermission();
-        Q_EMIT askedForPermissionChanged();
+        tellChanges();
         return;
     }
     ++m_generation;
-    setRecording(true);
-    assignStatus(localized("Waiting for your next screen"));
+    m_state.isRecording = true;
+    m_state.status = localized("Waiting for your next screen");
     if (m_parts.preferences.capturesOnAppSwitch())
         watchAppSwitches();
     m_recordingTask = Job::start(&Recorder::recordingLoop, this);
+    tellChanges();
 }
 
 void Recorder::stop()
 {
-    setRecording(false);
+    endRecording();
+    tellChanges();
+}
+
+void Recorder::endRecording()
+{
+    m_state.isRecording = false;
     ++m_generation;
     m_stoppedForAway = false;
     m_parts.preferences.removeRecordsAfterRelaunch();
-    setNextCaptureAt(std::nullopt);
+    m_state.nextCaptureAt.reset();
     m_recordingTask = Job();
     stopWatchingAppSwitches();
     // What was saved last is kept: a screen that stays the same across a stop is still skipped.
     m_seen.forgetMotion();
     m_parts.pauses.cancelPause();
-    assignStatus(idleStatus());
+    m_state.status = RecorderTexts::idle();
+}
+
+void Recorder::stopForLockedScreen()
+{
+    endRecording();
+    m_state.status = localized("Paused when the screen locked");
+    m_stoppedForAway = m_parts.preferences.resumesAfterAway();
+    tellChanges();
+}
+
+void Recorder::stopForLostPermission()
+{
+    endRecording();
+    m_state.errorMessage = localized("Screen recording permission is unavailable. Enable it in "
+                                     "System Settings, then reopen Mossbank.");
+    tellChanges();
+}
+
+void Recorder::stopForFailure(const QString& reason)
+{
+    m_state.isSaving = false;
+    endRecording();
+    m_state.errorMessage = localized("Capture stopped: %1").arg(reason);
+    tellChanges();
 }
 
 void Recorder::startWithoutAsking()
 {
-    if (m_isRecording || !m_parts.store)
+    if (m_state.isRecording || !m_parts.store)
         return;
     if (!m_parts.screen.isAllowed()) {
-        assignStatus(localized("Recording did not start: screen recording is not allowed"));
+        m_state.status = localized("Recording did not start: screen recording is not allowed");
+        tellChanges();
         return;
     }
     toggleRecording();
@@ -96,16 +120,16 @@ void Recorder::openPermissions()
 
 QCoro::Task<> Recorder::recordingLoop(Cancellation cancellation)
 {
-    while (!cancellation.isRequested() && m_isRecording) {
+    while (!cancellation.isRequested() && m_state.isRecording) {
         co_await capture(cancellation);
         if (cancellation.isRequested())
             co_return;
         // Read anew on every round; a rest under way is not shortened.
         const double delay = std::max(m_parts.preferences.interval(), 1.0);
-        if (m_parts.pauses.isPaused())
-            setNextCaptureAt(std::nullopt);
-        else
-            setNextCaptureAt(m_parts.clock.now() + delay);
+        m_state.nextCaptureAt.reset();
+        if (!m_parts.pauses.isPaused())
+            m_state.nextCaptureAt = m_parts.clock.now() + delay;
+        tellChanges();
         if (!co_await m_parts.clock.sleep(delay, cancellation))
             co_return;
     }
@@ -133,7 +157,7 @@ void Recorder::stopWatchingAppSwitches()
 
 void Recorder::onAppSwitch()
 {
-    if (!m_isRecording || !m_parts.preferences.capturesOnAppSwitch())
+    if (!m_state.isRecording || !m_parts.preferences.capturesOnAppSwitch())
         return;
     // A rapid run of switches leaves one waiting capture, for the last.
     m_pendingSwitchCapture = Job::start(&Recorder::captureAfterSwitch, this);
@@ -151,7 +175,7 @@ QCoro::Task<> Recorder::captureAfterSwitch(Cancellation cancellation)
         if (!co_await clock.sleep(kRound, cancellation))
             co_return;
     }
-    if (m_isRecording && m_parts.preferences.capturesOnAppSwitch())
+    if (m_state.isRecording && m_parts.preferences.capturesOnAppSwitch())
         co_await capture(cancellation);
 }
 
@@ -184,53 +208,45 @@ void Recorder::followPreferences()
     });
 }
 
-void Recorder::pauseForLockedScreen()
-{
-    stop();
-    assignStatus(localized("Paused when the screen locked"));
-    m_stoppedForAway = m_parts.preferences.resumesAfterAway();
-}
-
-void Recorder::setRecording(bool isRecording)
-{
-    if (std::exchange(m_isRecording, isRecording) != isRecording)
-        Q_EMIT isRecordingChanged();
-}
-
 void Recorder::setSaving(bool isSaving)
 {
-    if (std::exchange(m_isSaving, isSaving) != isSaving)
-        Q_EMIT isSavingChanged();
-}
-
-void Recorder::assignStatus(const QString& status)
-{
-    m_status = status;
-    Q_EMIT statusChanged();
+    m_state.isSaving = isSaving;
+    tellChanges();
 }
 
 void Recorder::setStatus(const QString& status)
 {
-    if (m_status != status)
-        assignStatus(status);
+    m_state.status = status;
+    tellChanges();
 }
 
 void Recorder::setErrorMessage(const std::optional<QString>& message)
 {
-    m_errorMessage = message;
-    Q_EMIT errorMessageChanged();
-}
-
-void Recorder::setNextCaptureAt(const std::optional<Date>& next)
-{
-    if (std::exchange(m_nextCaptureAt, next) != next)
-        Q_EMIT nextCaptureAtChanged();
+    m_state.errorMessage = message;
+    tellChanges();
 }
 
 void Recorder::setRefusedBrowsers(const QStringList& names)
 {
-    if (std::exchange(m_refusedBrowsers, names) != names)
-        Q_EMIT refusedBrowsersChanged();
+    m_state.refusedBrowsers = names;
+    tellChanges();
+}
+
+void Recorder::tellChanges()
+{
+    const auto tell = [this](auto State::*part, void (Recorder::*signal)()) {
+        if (m_told.*part != m_state.*part) {
+            m_told.*part = m_state.*part;
+            Q_EMIT(this->*signal)();
+        }
+    };
+    tell(&State::isRecording, &Recorder::isRecordingChanged);
+    tell(&State::isSaving, &Recorder::isSavingChanged);
+    tell(&State::askedForPermission, &Recorder::askedForPermissionChanged);
+    tell(&State::status, &Recorder::statusChanged);
+    tell(&State::errorMessage, &Recorder::errorMessageChanged);
+    tell(&State::nextCaptureAt, &Recorder::nextCaptureAtChanged);
+    tell(&State::refusedBrowsers, &Recorder::refusedBrowsersChanged);
 }
 
 } // namespace mossbank

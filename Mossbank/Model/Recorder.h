@@ -62,11 +62,14 @@ struct ScreensSeen {
 ///
 /// Threading: the main thread. A pass gives it up at each wait.
 /// Errors: none are thrown.
+/// Signals: sent when all that has changed has changed, so that a handler may ask for anything and
+/// start or stop as it likes. It must not destroy the recorder; `deleteLater` may.
 class Recorder : public QObject {
     Q_OBJECT
 
 public:
-    /// What the recorder works with. All of it outlives the recorder.
+    /// What the recorder works with. All of it outlives the recorder, and the recogniser also the
+    /// readings begun by it, which may still be running on the global pool.
     struct Parts {
         Clock& clock;
         CalendarSource calendar;
@@ -87,22 +90,22 @@ public:
     ~Recorder() override;
 
     /// The user's switch.
-    bool isRecording() const { return m_isRecording; }
+    bool isRecording() const { return m_state.isRecording; }
     /// A pass holds the capture; a second one gives way.
     bool isCapturing() const { return m_isCapturing; }
     /// A pass is between its decision to save and the end of that.
-    bool isSaving() const { return m_isSaving; }
-    const QString& status() const { return m_status; }
-    const std::optional<QString>& errorMessage() const { return m_errorMessage; }
+    bool isSaving() const { return m_state.isSaving; }
+    const QString& status() const { return m_state.status; }
+    const std::optional<QString>& errorMessage() const { return m_state.errorMessage; }
     /// When the next pass is due. For showing only.
-    const std::optional<Date>& nextCaptureAt() const { return m_nextCaptureAt; }
+    const std::optional<Date>& nextCaptureAt() const { return m_state.nextCaptureAt; }
     /// Names of the browsers that refused to tell their page's address.
-    const QStringList& refusedBrowsers() const { return m_refusedBrowsers; }
+    const QStringList& refusedBrowsers() const { return m_state.refusedBrowsers; }
     /// Recording was stopped because the user left, and should come back with them.
     bool stoppedForAway() const { return m_stoppedForAway; }
     void setStoppedForAway(bool stopped) { m_stoppedForAway = stopped; }
     /// This run has asked the system for the permission to see the screen.
-    bool askedForPermission() const { return m_askedForPermission; }
+    bool askedForPermission() const { return m_state.askedForPermission; }
     const ScreensSeen& screensSeen() const { return m_seen; }
 
     /// Starts or stops recording, by the user's hand. May have the system ask for permission.
@@ -143,25 +146,35 @@ private:
     void onAppSwitch();
     void followPreferences();
 
-    void setRecording(bool isRecording);
+    /// What there are signals for.
+    struct State {
+        bool isRecording = false;
+        bool isSaving = false;
+        bool askedForPermission = false;
+        QString status;
+        std::optional<QString> errorMessage;
+        std::optional<Date> nextCaptureAt;
+        QStringList refusedBrowsers;
+    };
+
+    /// Ends the recording without a signal, so that whoever does it for a reason can say so first.
+    void endRecording();
+    void stopForLockedScreen();
+    void stopForLostPermission();
+    void stopForFailure(const QString& reason);
     void setSaving(bool isSaving);
-    void assignStatus(const QString& status);
-    /// Notifies nobody when the line stands there already: skips come in long runs.
     void setStatus(const QString& status);
-    void setNextCaptureAt(const std::optional<Date>& next);
     void setRefusedBrowsers(const QStringList& names);
-    void pauseForLockedScreen();
+    /// Sends the signals of what differs from what they last told. Nothing is sent for a line that
+    /// stands there already: skips come in long runs.
+    void tellChanges();
 
     Parts m_parts;
-    bool m_isRecording = false;
+    State m_state;
+    /// What the signals have told so far.
+    State m_told;
     bool m_isCapturing = false;
-    bool m_isSaving = false;
     bool m_stoppedForAway = false;
-    bool m_askedForPermission = false;
-    QString m_status;
-    std::optional<QString> m_errorMessage;
-    std::optional<Date> m_nextCaptureAt;
-    QStringList m_refusedBrowsers;
     /// Rises with every start and stop and with each change of what a picture under way was
     /// begun under. A pass that finds it moved gives up.
     int m_generation = 0;

@@ -88,6 +88,24 @@ private Q_SLOTS:
         QCOMPARE(ready.count(), 1);
     }
 
+    void doesNotWaitForAScreenThatHasStoppedAnswering()
+    {
+        RecorderRig rig(false);
+        rig.screen.holdsContent = true;
+        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        QSignalSpy ready(&model, &AppModel::readyToQuit);
+        model.recorder().toggleRecording();
+        QTRY_COMPARE(rig.screen.contentsAsked, 1);
+        model.prepareToQuit();
+        QTRY_COMPARE(rig.clock.sleepers(), std::size_t(1));
+        rig.clock.advance(9.9);
+        QCOMPARE(ready.count(), 0);
+        rig.clock.advance(0.1);
+        QCOMPARE(ready.count(), 1);
+        rig.screen.releaseContent();
+        QCoreApplication::processEvents();
+    }
+
     void waitsForTheSaveUnderWayBeforeItQuits()
     {
         RecorderRig rig(false);

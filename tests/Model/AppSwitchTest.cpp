@@ -103,6 +103,36 @@ private Q_SLOTS:
         QCOMPARE(rig.saved().size(), 1);
     }
 
+    void aSwitchDuringTheCaptureOfASwitchDropsIt()
+    {
+        RecorderRig rig;
+        rig.start();
+        QSemaphore reading;
+        rig.recognizer.setHook([&] { reading.acquire(); });
+        switchTo(rig, RecorderRig::kOther, Qt::blue);
+        rig.clock.advance(0.45);
+        QTRY_COMPARE(rig.recognizer.readings(), 2);
+        // Back to where it was before the reading ends: the same application is in front.
+        rig.front.activate(RecorderRig::kEditor);
+        rig.front.activate(RecorderRig::kOther);
+        QCoreApplication::processEvents();
+        reading.release(2);
+        QTRY_VERIFY(!rig.recorder->isCapturing());
+        QCOMPARE(rig.saved().size(), 1);
+        rig.clock.advance(0.45 + 0.1);
+        rig.settle();
+        QCOMPARE(rig.saved().size(), 2);
+    }
+
+    void onceStoppedASwitchIsNotEvenHeard()
+    {
+        RecorderRig rig;
+        rig.start();
+        QCOMPARE(rig.front.listeners(), 1);
+        rig.recorder->stop();
+        QCOMPARE(rig.front.listeners(), 0);
+    }
+
     void whileRecordingIsOffAWatcherStaysIdle()
     {
         RecorderRig rig;

@@ -4,6 +4,8 @@
 // failure does.
 #include "tests/Model/RecorderRig.h"
 
+#include <QSignalSpy>
+
 using namespace mossbank;
 using namespace Qt::StringLiterals;
 
@@ -216,6 +218,62 @@ private Q_SLOTS:
         QVERIFY(!rig.recorder->errorMessage());
         QCOMPARE(rig.recorder->isRecording(), what != u"stop");
         QCOMPARE(rig.saved().size(), 0);
+    }
+
+    void aPictureOfAPassNoLongerCurrentIsNotLookedAt()
+    {
+        RecorderRig rig;
+        rig.screen.holdsPicture = true;
+        rig.recorder->toggleRecording();
+        QTRY_COMPARE(rig.screen.requests.size(), std::size_t(1));
+        QSignalSpy saving(rig.recorder.get(), &Recorder::isSavingChanged);
+        rig.recorder->stop();
+        rig.screen.releasePicture();
+        QTRY_VERIFY(!rig.recorder->isCapturing());
+        QThreadPool::globalInstance()->waitForDone();
+        QVERIFY(!rig.recorder->screensSeen().lastChecked);
+        QCOMPARE(rig.recognizer.readings(), 0);
+        QCOMPARE(saving.count(), 0);
+    }
+
+    void anAnswerThatIsGivenUpIsAFailure()
+    {
+        RecorderRig rig;
+        rig.screen.holdsContent = true;
+        rig.recorder->toggleRecording();
+        QTRY_COMPARE(rig.screen.contentsAsked, 1);
+        rig.screen.giveContentUp();
+        rig.settle();
+        QVERIFY(!rig.recorder->isRecording());
+        QCOMPARE(rig.recorder->errorMessage(),
+                 std::optional(u"Capture stopped: What was asked for was given up."_s));
+    }
+
+    void anAddressThatFailsCostsNothingButTheLink()
+    {
+        RecorderRig rig;
+        rig.addresses.browsers = {RecorderRig::kEditor.bundleID};
+        rig.addresses.failure = u"the bus has gone"_s;
+        rig.start();
+        QVERIFY(rig.recorder->isRecording());
+        QVERIFY(!rig.recorder->errorMessage());
+        QCOMPARE(rig.saved().size(), 1);
+        QCOMPARE(rig.saved().first().link, QString());
+        QCOMPARE(rig.afterSave.calls,
+                 (QStringList{u"readForMeaning"_s, u"applyRetention"_s, u"refresh"_s}));
+    }
+
+    void aFailureAfterTheSaveDoesNotReachThePass()
+    {
+        RecorderRig rig;
+        rig.afterSave.failure = u"database is locked"_s;
+        rig.start();
+        QVERIFY(rig.recorder->isRecording());
+        QVERIFY(!rig.recorder->errorMessage());
+        QVERIFY(!rig.recorder->isSaving());
+        QCOMPARE(rig.saved().size(), 1);
+        QCOMPARE(rig.afterSave.calls,
+                 (QStringList{u"readForMeaning"_s, u"applyRetention"_s, u"refresh"_s}));
     }
 
     void aStopWhileTheContentIsAskedForTakesNoPicture()

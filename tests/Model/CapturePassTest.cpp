@@ -21,6 +21,7 @@ private Q_SLOTS:
             rig.clock.setNow(rig.clock.now() + 7);
         };
         rig.start();
+        QCOMPARE(rig.recorder->screensSeen().lastScreenSavedAt, taken);
         const Memory memory = rig.saved().first();
         QVERIFY(QRegularExpression(u"^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$"_s)
                     .match(memory.id)
@@ -300,9 +301,17 @@ private Q_SLOTS:
         QVERIFY(!rig.recorder->screensSeen().lastChecked);
     }
 
+    void withoutALastScreenThePictureIsRead_data()
+    {
+        QTest::addColumn<QString>("mode");
+        for (const char* mode : {"flicker", "obvious", "any"})
+            QTest::newRow(mode) << QString::fromLatin1(mode);
+    }
     void withoutALastScreenThePictureIsRead()
     {
+        QFETCH(QString, mode);
         RecorderRig rig;
+        rig.preferences.setChangeMode(mode);
         rig.start();
         rig.preferences.setSkipsUnchangedScreens(false);
         rig.preferences.setSkipsUnchangedScreens(true);

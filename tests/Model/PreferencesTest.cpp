@@ -58,8 +58,42 @@ unchangedRefreshMinutes=1 hour
 savesAddresses=@ByteArray(x)
 recordsAtLaunch=2
 resumesAfterAway=no
+changeMode=any, flicker
+excludedBundles=@Size(3 4)
 )"));
         compareWithDefaults(preferences);
+    }
+
+    void aListWrittenByHandIsReadAsItIsMeant_data()
+    {
+        QTest::addColumn<QByteArray>("written");
+        QTest::addColumn<QStringList>("list");
+        QTest::newRow("none") << QByteArray("excludedBundles=") << QStringList();
+        QTest::newRow("one") << QByteArray("excludedBundles=a.b") << QStringList{u"a.b"_s};
+        QTest::newRow("two") << QByteArray("excludedBundles=a.b, c.d")
+                             << QStringList{u"a.b"_s, u"c.d"_s};
+        QTest::newRow("a comma too many")
+            << QByteArray("excludedBundles=a.b, ,c.d") << QStringList{u"a.b"_s, u"c.d"_s};
+    }
+    void aListWrittenByHandIsReadAsItIsMeant()
+    {
+        QFETCH(QByteArray, written);
+        QFETCH(QStringList, list);
+        const QTemporaryDir folder;
+        const Preferences preferences(write(folder, "[General]\n" + written + "\n"));
+        QCOMPARE(preferences.excludedBundles(), list);
+    }
+
+    void aFileChangedMeanwhileChangesNothingBehindAnybodysBack()
+    {
+        const QTemporaryDir folder;
+        const QString path = write(folder, "[General]\nexcludedBundles=a.b\n");
+        Preferences preferences(path);
+        write(folder, "[General]\nexcludedBundles=c.d\ninterval=7\n");
+        preferences.removeRecordsAfterRelaunch();
+        QSettings(path, QSettings::IniFormat).sync();
+        QCOMPARE(preferences.excludedBundles(), QStringList{u"a.b"_s});
+        QCOMPARE(preferences.interval(), 30.0);
     }
 
     void aFileOfNonsenseCountsAsEmpty()
