@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The program: builds the parts, hands them over, starts.
+#include "Mossbank/Model/AppModel.h"
+#include "Mossbank/Model/Preferences.h"
+#include "Mossbank/Model/Texts.h"
+#include "Mossbank/Platform/PlatformFactory.h"
+#include "Mossbank/SingleInstance.h"
+#include "Mossbank/TerminalStatus.h"
+#include "Mossbank/TerminationSignals.h"
+#include "MossbankCore/Library/LibraryLocation.h"
+#include "MossbankCore/Support/SystemClock.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QThreadPool>
+
+using namespace mossbank;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kFailed = 1;
+
+void parseCommandLine(const QCoreApplication& application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(localized(
+        "Records what is on the screen into a library on this computer, and nowhere else."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(application);
+}
+
+/// What this desktop cannot tell is said once, at the start.
+void sayWhatIsMissing(const Platform& platform)
+{
+    for (const Availability& port :
+         {platform.frontApplication->availability(), platform.screenState->availability(),
+          platform.secureInput->availability(), platform.addresses->availability()}) {
+        if (!port.isAvailable)
+            TerminalStatus::complain(port.reason);
+    }
+}
+
+void sayHowToRecord(const Preferences& preferences)
+{
+    if (!preferences.recordsAtLaunch())
+        TerminalStatus::say(
+            localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")
+                .arg(preferences.path()));
+}
+
+int run(const Platform& platform, const QString& library)
+{
+    SystemClock clock;
+    Preferences preferences(Preferences::userPath());
+    AppModel model({.clock = clock,
+                    .calendar = Calendar::current,
+                    .screen = *platform.screen,
+                    .frontApplication = *platform.frontApplication,
+                    .screenState = *platform.screenState,
+                    .secureInput = *platform.secureInput,
+                    .addresses = *platform.addresses,
+                    .recognizer = *platform.recognizer,
+                    .preferences = preferences},
+                   OpenedLibrary::at(library));
+    const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
+    const TerminationSignals signals;
+    QObject::connect(&signals, &TerminationSignals::received, &model, &AppModel::prepareToQuit);
+    QObject::connect(&model, &AppModel::readyToQuit, qApp, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+
+    TerminalStatus::say(localized("Library: %1").arg(library));
+    sayWhatIsMissing(platform);
+    sayHowToRecord(preferences);
+    terminal.show();
+    model.finishedLaunching();
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"Mossbank"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
+    parseCommandLine(application);
+
+    const QString library = LibraryLocation::library();
+    SingleInstance instance(library);
+    if (!instance.isFirst()) {
+        TerminalStatus::complain(
+            localized("Mossbank is already running (process %1).").arg(instance.otherProcess()));
+        return kFailed;
+    }
+    const Platform platform = makePlatform(QString::fromUtf16(kOwnBundleID));
+    if (const Availability screen = platform.screen->availability(); !screen.isAvailable) {
+        TerminalStatus::complain(screen.reason);
+        return kFailed;
+    }
+    const int status = run(platform, library);
+    // A reading may be under way still; it uses the platform's recogniser.
+    QThreadPool::globalInstance()->waitForDone();
+    return status;
+}

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Linux/X11FrontApplication.h"
+
+#include "Mossbank/Platform/Linux/X11Properties.h"
+#include "MossbankCore/Support/Failure.h"
+
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace mossbank {
+
+namespace {
+
+/// Half of a second that is waited in vain is noticed; a server that is merely busy is faster.
+constexpr int kPatience = 500;
+
+} // namespace
+
+X11FrontApplication::X11FrontApplication(std::shared_ptr<ApplicationCatalog> catalog,
+                                         OwnProgram own)
+    : m_catalog(std::move(catalog))
+    , m_own(std::move(own))
+    , m_connection(std::make_unique<X11Connection>(kPatience))
+{
+    const quint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(*m_connection, m_connection->root(), XCB_CW_EVENT_MASK, &events);
+    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(*m_connection),
+                                                   QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11FrontApplication::readEvents);
+    m_lastTold = ask();
+}
+
+X11FrontApplication::~X11FrontApplication() = default;
+
+Availability X11FrontApplication::availability() const
+{
+    try {
+        m_connection->requireAlive();
+    } catch (const Failure& failure) {
+        return Availability::missing(failure.message());
+    }
+    return {};
+}
+
+std::optional<Application> X11FrontApplication::current() const
+{
+    auto application = ask();
+    // An event that came in with the answer wakes no notifier any more.
+    QTimer::singleShot(0, this, &X11FrontApplication::readEvents);
+    return application;
+}
+
+std::optional<Application> X11FrontApplication::ask() const
+{
+    const X11Connection& connection = *m_connection;
+    connection.forgetSilence();
+    const auto asked = connection.askProperty(connection.root(), connection[Atom::NetActiveWindow],
+                                              sizeof(quint32));
+    // Some window managers have a second item there, which is not the window.
+    const quint32 window = readNumber(connection.property(asked).get()).value_or(XCB_NONE);
+    if (window == XCB_NONE)
+        return {};
+    const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(
+        xcb_get_window_attributes(connection, window));
+    if (!attributes)
+        return {};
+    const X11Owner owner = readOwner(connection, window);
+    // Half of what identifies an application may name another.
+    if (connection.isSilent())
+        return {};
+    return applicationOf(owner, *m_catalog, m_own);
+}
+
+void X11FrontApplication::readEvents()
+{
+    bool hasChanged = false;
+    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(*m_connection)}) {
+        constexpr quint8 kSentByProgram = 0x80;
+        if ((event->response_type & ~kSentByProgram) != XCB_PROPERTY_NOTIFY)
+            continue;
+        const auto* const change =
+            reinterpret_cast<const xcb_property_notify_event_t*>(event.get());
+        hasChanged |= change->atom == (*m_connection)[Atom::NetActiveWindow];
+    }
+    if (m_connection->isBroken())
+        m_notifier->setEnabled(false);
+    else if (hasChanged)
+        tellOfChange();
+}
+
+void X11FrontApplication::tellOfChange()
+{
+    const auto now = current();
+    if (!now || now == m_lastTold)
+        return;
+    m_lastTold = now;
+    Q_EMIT activated(*now);
+}
+
+} // namespace mossbank

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Linux/X11Screen.h"
+
+#include "Mossbank/Platform/Linux/RootPicture.h"
+#include "Mossbank/Platform/Linux/ScreenCover.h"
+#include "MossbankCore/Support/Failure.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace mossbank {
+
+/// Does `look` on the queue. After a failure that broke the connection there is a new one, if the
+/// server is still there, so that one lost connection is one failure.
+template <typename Look>
+auto X11Screen::look(Look look)
+{
+    return m_queue.run([this, look = std::move(look)] {
+        if (!m_connection)
+            connectAnew();
+        if (!m_connection)
+            throw Failure(availability().reason);
+        m_connection->forgetSilence();
+        try {
+            return look();
+        } catch (const Failure&) {
+            if (m_connection->isBroken())
+                connectAnew();
+            throw;
+        }
+    });
+}
+
+X11Screen::X11Screen(std::shared_ptr<ApplicationCatalog> catalog, OwnProgram own)
+    : m_catalog(std::move(catalog))
+    , m_own(std::move(own))
+    , m_connection(std::make_unique<X11Connection>())
+    , m_pool(std::make_shared<ShmPool>())
+    , m_queue(u"Screen"_s)
+{
+}
+
+X11Screen::~X11Screen()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_isEnding = true;
+    // The queue waits for its work, which may wait for a server that has stopped answering.
+    if (m_connection)
+        m_connection->interrupt();
+}
+
+Availability X11Screen::availability() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_whyBroken.isEmpty() ? Availability{} : Availability::missing(m_whyBroken);
+}
+
+QFuture<ScreenContent> X11Screen::content()
+{
+    return look([this] { return readContent(); });
+}
+
+QFuture<QImage> X11Screen::picture(PictureRequest request)
+{
+    return look([this, request = std::move(request)] { return takePicture(request); });
+}
+
+void X11Screen::connectAnew()
+{
+    m_pool = std::make_shared<ShmPool>();
+    std::unique_ptr<X11Connection> connection;
+    QString whyBroken;
+    {
+        const QMutexLocker lock(&m_mutex);
+        std::swap(connection, m_connection);
+        if (m_isEnding)
+            return;
+    }
+    try {
+        connection = std::make_unique<X11Connection>();
+    } catch (const Failure& failure) {
+        connection.reset();
+        whyBroken = failure.message();
+    }
+    const QMutexLocker lock(&m_mutex);
+    m_connection = std::move(connection);
+    m_whyBroken = whyBroken;
+}
+
+ScreenContent X11Screen::readContent()
+{
+    const X11Connection& connection = *m_connection;
+    X11Desktop desktop;
+    QList<X11Window> windows;
+    {
+        const ServerGrab grab(connection);
+        desktop = X11Desktop::read(connection);
+        windows = readWindows(connection, desktop, X11Scope::All);
+    }
+    ScreenContent content = {{}, desktop.displays, desktop.mainDisplay, {}};
+    for (const X11Window& window : std::as_const(windows)) {
+        const QList<Application> owners = applicationsOf(window);
+        ScreenWindow shown = {{}, window.title, window.layer, window.frame, window.isOnScreen};
+        if (!owners.isEmpty())
+            shown.owner = owners.constFirst();
+        content.windows.append(shown);
+        for (const Application& owner : owners) {
+            const bool isNew = std::ranges::none_of(content.applications, [&](const auto& known) {
+                return known.bundleID == owner.bundleID;
+            });
+            if (isNew)
+                content.applications.append(owner);
+        }
+    }
+    return content;
+}
+
+QImage X11Screen::takePicture(const PictureRequest& request)
+{
+    const X11Connection& connection = *m_connection;
+    std::optional<RootPicture> picture;
+    QList<X11Window> windows;
+    {
+        const ServerGrab grab(connection);
+        const X11Desktop desktop = X11Desktop::read(connection);
+        const QRect area =
+            desktop.display(request.display).value_or(Display{}).frame & desktop.frame;
+        if (area.isEmpty()) {
+            throw Failure(u"No display is available. Check your display connection and try "
+                          "again."_s);
+        }
+        // The server copies the pixels while the windows are asked for.
+        picture.emplace(connection, m_pool, area);
+        windows = readWindows(connection, desktop, X11Scope::Viewable);
+        picture->wait();
+    }
+    const QImage image = picture->take(coveredRegion(windows, request.included));
+    if (request.size.isEmpty() || image.size() == request.size)
+        return image;
+    return image.scaled(request.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+QRegion X11Screen::coveredRegion(const QList<X11Window>& windows, const QStringList& included)
+{
+    QList<CoverWindow> all;
+    for (const X11Window& window : windows) {
+        const QList<Application> owners = applicationsOf(window);
+        const auto isOwn = [&](const auto& owner) {
+            return owner.bundleID == m_own.bundleID;
+        };
+        const auto isIn = [&](const auto& owner) {
+            return included.contains(owner.bundleID);
+        };
+        Visibility visibility = Visibility::Unknown;
+        if (std::ranges::any_of(owners, isOwn))
+            visibility = Visibility::Own;
+        else if (!owners.isEmpty())
+            visibility =
+                std::ranges::all_of(owners, isIn) ? Visibility::Shown : Visibility::LeftOut;
+        all.append({window.frame, window.opaque, visibility});
+    }
+    return regionToCover(all);
+}
+
+QList<Application> X11Screen::applicationsOf(const X11Window& window)
+{
+    QList<Application> applications;
+    for (const X11Owner& owner : window.owners) {
+        const Application application = applicationOf(owner, *m_catalog, m_own);
+        if (!application.bundleID.isEmpty() && !applications.contains(application))
+            applications.append(application);
+    }
+    return applications;
+}
+
+} // namespace mossbank

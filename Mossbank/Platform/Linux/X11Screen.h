@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Mossbank/Platform/Linux/OwnProgram.h"
+#include "Mossbank/Platform/Linux/ShmPool.h"
+#include "Mossbank/Platform/Linux/X11Windows.h"
+#include "Mossbank/Ports/Screen.h"
+#include "MossbankCore/Support/SerialQueue.h"
+
+#include <QMutex>
+
+#include <memory>
+
+namespace mossbank {
+
+/// The screen of an X server. It has a connection and a thread of its own: a server that stops
+/// answering holds up nobody but whoever awaits a picture.
+///
+/// Each look is of one instant, with the server grabbed. What must not be seen is covered before
+/// the pixels leave. Drawing the picture from the windows' own pixmaps instead would leak: the
+/// server fills a new pixmap from what is on the screen, so an excluded window's pixels come
+/// through in a window that has not repainted yet.
+///
+/// Threading: the main thread. `picture` and `content` may be destroyed away from under.
+class X11Screen final : public Screen {
+public:
+    /// Throws a Failure when there is no display.
+    X11Screen(std::shared_ptr<ApplicationCatalog> catalog, OwnProgram own);
+    ~X11Screen() override;
+
+    Availability availability() const override;
+    /// An X server shows everything to every program.
+    bool isAllowed() const override { return availability().isAvailable; }
+    void askForPermission() override {}
+    void openPermissions() override {}
+
+    QFuture<ScreenContent> content() override;
+    QFuture<QImage> picture(PictureRequest request) override;
+
+private:
+    template <typename Look>
+    auto look(Look look);
+    void connectAnew();
+    ScreenContent readContent();
+    QImage takePicture(const PictureRequest& request);
+    QRegion coveredRegion(const QList<X11Window>& windows, const QStringList& included);
+    QList<Application> applicationsOf(const X11Window& window);
+
+    std::shared_ptr<ApplicationCatalog> m_catalog;
+    OwnProgram m_own;
+
+    /// Guards the pointer, not what is done with the connection, which is the queue's.
+    mutable QMutex m_mutex;
+    std::unique_ptr<X11Connection> m_connection;
+    QString m_whyBroken;
+    bool m_isEnding = false;
+
+    std::shared_ptr<ShmPool> m_pool;
+    SerialQueue m_queue;
+};
+
+} // namespace mossbank

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Ports/TextRecognizer.h"
+#include "MossbankCore/Support/Failure.h"
+
+#include <utility>
+
+namespace mossbank {
+
+/// No recogniser: it fails with the reason rather than finding no words, which would be kept.
+class NullTextRecognizer final : public TextRecognizer {
+public:
+    explicit NullTextRecognizer(QString reason)
+        : m_reason(std::move(reason))
+    {
+    }
+
+    QStringList recognize(const QImage&, const Options&) override { throw Failure(m_reason); }
+
+private:
+    QString m_reason;
+};
+
+} // namespace mossbank

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/PlatformFactory.h"
+
+#include "Mossbank/Platform/Linux/TesseractRecognizer.h"
+#include "Mossbank/Platform/Linux/X11FrontApplication.h"
+#include "Mossbank/Platform/Linux/X11Screen.h"
+#include "Mossbank/Platform/Null/NullAddressSource.h"
+#include "Mossbank/Platform/Null/NullFrontApplication.h"
+#include "Mossbank/Platform/Null/NullScreen.h"
+#include "Mossbank/Platform/Null/NullScreenState.h"
+#include "Mossbank/Platform/Null/NullSecureInput.h"
+#include "MossbankCore/Support/Failure.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace mossbank {
+
+namespace {
+
+void addX11(Platform& platform, const OwnProgram& own)
+{
+    if (isWithinWayland(X11Connection())) {
+        throw Failure(u"This is a Wayland session. Mossbank can see the screen of X11 sessions "
+                      "only."_s);
+    }
+    const auto catalog = std::make_shared<ApplicationCatalog>();
+    auto screen = std::make_unique<X11Screen>(catalog, own);
+    auto front = std::make_unique<X11FrontApplication>(catalog, own);
+    platform.screen = std::move(screen);
+    platform.frontApplication = std::move(front);
+}
+
+} // namespace
+
+Platform makePlatform(const QString& ownBundleID)
+{
+    Platform platform;
+    try {
+        addX11(platform, {QCoreApplication::applicationPid(), ownBundleID});
+    } catch (const Failure& failure) {
+        platform.screen = std::make_unique<NullScreen>(failure.message());
+        platform.frontApplication = std::make_unique<NullFrontApplication>(failure.message());
+    }
+    platform.screenState = std::make_unique<NullScreenState>(
+        u"This version cannot tell on Linux whether the screen is locked or asleep."_s);
+    platform.secureInput = std::make_unique<NullSecureInput>(
+        u"This version cannot tell on Linux when a password is typed."_s);
+    platform.addresses = std::make_unique<NullAddressSource>(
+        u"This version cannot ask browsers on Linux for the address of a page."_s);
+    platform.recognizer = makeTextRecognizer();
+    return platform;
+}
+
+std::unique_ptr<TextRecognizer> makeTextRecognizer()
+{
+    return std::make_unique<TesseractRecognizer>();
+}
+
+} // namespace mossbank

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Mossbank/Ports/AddressSource.h"
+#include "Mossbank/Ports/FrontApplication.h"
+#include "Mossbank/Ports/Screen.h"
+#include "Mossbank/Ports/ScreenState.h"
+#include "Mossbank/Ports/SecureInput.h"
+#include "MossbankCore/Ports/TextRecognizer.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace mossbank {
+
+/// What this machine's desktop offers. None is null: what it cannot do says so itself.
+struct Platform {
+    std::unique_ptr<Screen> screen;
+    std::unique_ptr<FrontApplication> frontApplication;
+    std::unique_ptr<ScreenState> screenState;
+    std::unique_ptr<SecureInput> secureInput;
+    std::unique_ptr<AddressSource> addresses;
+    std::unique_ptr<TextRecognizer> recognizer;
+};
+
+/// Chooses the adapters for this machine. `ownBundleID` is this program's identity.
+///
+/// Threading: the main thread.
+Platform makePlatform(const QString& ownBundleID);
+
+/// The recogniser alone, for who has pictures and needs no desktop.
+std::unique_ptr<TextRecognizer> makeTextRecognizer();
+
+} // namespace mossbank

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/TerminationSignals.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace mossbank {
+
+namespace {
+
+/// A signal handler may do next to nothing; writing a byte is among it.
+volatile std::sig_atomic_t writeEnd = -1;
+
+void note(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const auto written = ::write(writeEnd, &byte, 1);
+}
+
+void handle(int signal, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+    ::sigaction(signal, &action, nullptr);
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals(QObject* parent)
+    : QObject(parent)
+{
+    if (::pipe2(m_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+        qFatal("No pipe could be made.");
+    m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
+        char byte = 0;
+        while (::read(m_pipe[0], &byte, 1) > 0) {
+        }
+        Q_EMIT received();
+    });
+    writeEnd = m_pipe[1];
+    handle(SIGINT, note);
+    handle(SIGTERM, note);
+}
+
+TerminationSignals::~TerminationSignals()
+{
+    handle(SIGINT, SIG_DFL);
+    handle(SIGTERM, SIG_DFL);
+    writeEnd = -1;
+    m_notifier.reset();
+    ::close(m_pipe[0]);
+    ::close(m_pipe[1]);
+}
+
+} // namespace mossbank

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bench/BenchGrab.h"
+#include "bench/BenchRead.h"
+#include "bench/BenchSave.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <cstdio>
+#include <functional>
+#include <map>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kWrongUse = 2;
+
+constexpr const char* kUsage =
+    "mossbank-bench measures one thing and prints one JSON object a line.\n"
+    "\n"
+    "  read FILE... [--time]   the words in each picture, form feeds between; or how long that "
+    "takes\n"
+    "  save --rows N           one save into a library of N rows, beside its bare minimum\n"
+    "  grab                    one picture of the display, beside a bare grab of it\n";
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const std::map<QString, std::function<int(const QStringList&)>> benchmarks = {
+        {u"grab"_s, mossbank::benchGrab},
+        {u"read"_s, mossbank::benchRead},
+        {u"save"_s, mossbank::benchSave},
+    };
+    const QStringList arguments = QCoreApplication::arguments();
+    const auto chosen = benchmarks.find(arguments.value(1));
+    if (chosen == benchmarks.end()) {
+        std::fputs(kUsage, stderr);
+        return kWrongUse;
+    }
+    return chosen->second(arguments.mid(2));
+}

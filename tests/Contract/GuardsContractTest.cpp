@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Null/NullScreenState.h"
+#include "Mossbank/Platform/Null/NullSecureInput.h"
+#include "tests/Contract/Contract.h"
+#include "tests/Fakes/FakeGuards.h"
+
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace mossbank;
+using namespace mossbank::test;
+
+/// What every screen state and every secure input holds to.
+class GuardsContractTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aScreenStateThatIsUnavailableSaysWhyAndNo_data() { kinds(); }
+    void aScreenStateThatIsUnavailableSaysWhyAndNo()
+    {
+        QFETCH(bool, isNull);
+        std::unique_ptr<ScreenState> state = std::make_unique<FakeScreenState>();
+        if (isNull)
+            state = std::make_unique<NullScreenState>(kReason);
+        QVERIFY(isSound(state->availability()));
+        QCOMPARE(state->availability().isAvailable, !isNull);
+        QCOMPARE(state->availability().reason, isNull ? kReason : QString());
+        QVERIFY(!state->isLocked());
+        QVERIFY(!state->isMainDisplayAsleep());
+    }
+
+    void aSecureInputThatIsUnavailableSaysWhyAndNo_data() { kinds(); }
+    void aSecureInputThatIsUnavailableSaysWhyAndNo()
+    {
+        QFETCH(bool, isNull);
+        std::unique_ptr<SecureInput> input = std::make_unique<FakeSecureInput>();
+        if (isNull)
+            input = std::make_unique<NullSecureInput>(kReason);
+        QVERIFY(isSound(input->availability()));
+        QCOMPARE(input->availability().isAvailable, !isNull);
+        QCOMPARE(input->availability().reason, isNull ? kReason : QString());
+        QVERIFY(!input->isActive());
+    }
+
+private:
+    static void kinds()
+    {
+        QTest::addColumn<bool>("isNull");
+        QTest::newRow("Null") << true;
+        QTest::newRow("fake") << false;
+    }
+};
+
+QTEST_GUILESS_MAIN(GuardsContractTest)
+#include "GuardsContractTest.moc"

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How the program starts, meets itself, and ends.
+#include "tests/Desktop/RunningMossbank.h"
+#include "tests/Desktop/VirtualDesktop.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+
+using namespace mossbank;
+using namespace mossbank::test;
+using namespace Qt::StringLiterals;
+
+class ProgramTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withoutADisplayItSaysSoAndEnds()
+    {
+        const QByteArray display = qgetenv("DISPLAY");
+        qunsetenv("DISPLAY");
+        RunningMossbank mossbank;
+        QVERIFY(mossbank.start());
+        QCOMPARE(mossbank.waitForEnd(), 1);
+        QCOMPARE(mossbank.terminal(), u"There is no X display: DISPLAY is not set.\n"_s);
+        if (!display.isEmpty())
+            qputenv("DISPLAY", display);
+    }
+
+    void doesNotRecordUnasked()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        mossbank.choose({{u"recordsAtLaunch"_s, u"false"_s}});
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Recording is off"_s), qPrintable(mossbank.terminal()));
+        QVERIFY(mossbank.terminal().contains(u"To record, set recordsAtLaunch=true in "_s));
+        QTest::qWait(1500);
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+        QVERIFY(!mossbank.terminal().contains(u"Waiting"_s));
+    }
+
+    void aSecondStartFindsTheFirst()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        QVERIFY(mossbank.start());
+        QVERIFY(mossbank.waitFor(u"Library: "_s));
+        const auto second = mossbank.startAgain();
+        QCOMPARE(second.status, 1);
+        QCOMPARE(second.text,
+                 u"Mossbank is already running (process %1).\n"_s.arg(mossbank.process()));
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+    }
+
+    void aKilledOneDoesNotStandInTheWayOfTheNext()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        QVERIFY(mossbank.start());
+        QVERIFY(mossbank.waitFor(u"Library: "_s));
+        QCOMPARE(mossbank.stop(SIGKILL), -1);
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Waiting for"_s), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.stop(SIGTERM), 0);
+    }
+
+    void aLibraryThatCannotBeOpenedIsToldAndNothingIsRecorded_data()
+    {
+        QTest::addColumn<bool>("isFile");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("the library's folder is a file") << true << u"History is unavailable: "_s;
+        QTest::newRow("a damaged database")
+            << false << u"History is unavailable: file is not a database"_s;
+    }
+    void aLibraryThatCannotBeOpenedIsToldAndNothingIsRecorded()
+    {
+        QFETCH(bool, isFile);
+        QFETCH(QString, message);
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        const QString library = mossbank.library();
+        QVERIFY(QDir().mkpath(isFile ? QFileInfo(library).path() : library));
+        QFile file(isFile ? library : library + u"/history.sqlite"_s);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(5000, 'm'));
+        file.close();
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(message), qPrintable(mossbank.terminal()));
+        QVERIFY(mossbank.waitFor(u"Recording is off"_s));
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+        QCOMPARE(file.size(), 5000);
+    }
+
+    void wrongUseIsTold()
+    {
+        QProcess process;
+        process.start(QStringLiteral(MOSSBANK_BINARY_DIR "/Mossbank/mossbank"), {u"--sing"_s});
+        QVERIFY(process.waitForFinished());
+        QVERIFY(process.exitCode() != 0);
+        QVERIFY(process.readAllStandardError().contains("sing"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ProgramTest)
+#include "ProgramTest.moc"

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/Desktop/RunningMossbank.h"
+
+#include "MossbankCore/Library/HistoryStore.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTextStream>
+
+#include <csignal>
+
+namespace mossbank::test {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int kPatience = 20'000;
+
+const QString kMossbank = QStringLiteral(MOSSBANK_BINARY_DIR "/Mossbank/mossbank");
+const QString kFind = QStringLiteral(MOSSBANK_BINARY_DIR "/mossbank-find/mossbank-find");
+
+} // namespace
+
+RunningMossbank::RunningMossbank()
+{
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+    QDir().mkpath(m_home.filePath(u"run"_s));
+    QFile::setPermissions(m_home.filePath(u"run"_s),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    choose({});
+}
+
+RunningMossbank::~RunningMossbank()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.kill();
+        m_process.waitForFinished(kPatience);
+    }
+}
+
+void RunningMossbank::choose(const QMap<QString, QString>& choices)
+{
+    QDir().mkpath(m_home.filePath(u"config/Mossbank"_s));
+    QFile file(m_home.filePath(u"config/Mossbank/Mossbank.ini"_s));
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+    QTextStream stream(&file);
+    stream << "[General]\n";
+    if (!choices.contains(u"recordsAtLaunch"_s))
+        stream << "recordsAtLaunch=true\n";
+    for (auto choice = choices.begin(); choice != choices.end(); ++choice)
+        stream << choice.key() << '=' << choice.value() << '\n';
+}
+
+QProcessEnvironment RunningMossbank::environment() const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"HOME"_s, m_home.path());
+    // What is installed for the tests stays so, beside what is installed on the machine.
+    const QStringList installed = {environment.value(u"XDG_DATA_HOME"_s), u"/usr/local/share"_s,
+                                   u"/usr/share"_s};
+    environment.insert(u"XDG_DATA_DIRS"_s, installed.join(u':'));
+    environment.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
+    environment.insert(u"XDG_CONFIG_HOME"_s, m_home.filePath(u"config"_s));
+    environment.insert(u"XDG_RUNTIME_DIR"_s, m_home.filePath(u"run"_s));
+    return environment;
+}
+
+bool RunningMossbank::start()
+{
+    m_terminal.clear();
+    m_process.setProcessEnvironment(environment());
+    m_process.start(kMossbank);
+    return m_process.waitForStarted(kPatience);
+}
+
+int RunningMossbank::stop(int signal)
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), signal);
+    return waitForEnd();
+}
+
+int RunningMossbank::waitForEnd()
+{
+    if (!m_process.waitForFinished(kPatience) || m_process.exitStatus() != QProcess::NormalExit)
+        return -1;
+    return m_process.exitCode();
+}
+
+bool RunningMossbank::waitFor(const QString& line, int times)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (terminal().count(line) < times) {
+        if (timer.hasExpired(kPatience) || m_process.state() == QProcess::NotRunning)
+            return false;
+        m_process.waitForReadyRead(100);
+    }
+    return true;
+}
+
+QString RunningMossbank::terminal()
+{
+    m_terminal += QString::fromLocal8Bit(m_process.readAll());
+    return m_terminal;
+}
+
+QString RunningMossbank::library() const
+{
+    return m_home.filePath(u"data/Mossbank"_s);
+}
+
+QStringList RunningMossbank::pictureFiles() const
+{
+    const QDir images(library() + u"/Images"_s);
+    QStringList files;
+    for (const QString& name : images.entryList(QDir::Files | QDir::Hidden))
+        files.append(images.filePath(name));
+    return files;
+}
+
+QList<Memory> RunningMossbank::rows() const
+{
+    HistoryStore store(HistoryStore::ReadingOnly{.root = library()});
+    return store.fetch({.limit = 86'400, .withText = true}).result();
+}
+
+RunningMossbank::Found RunningMossbank::find(const QStringList& arguments) const
+{
+    return runToEnd(kFind, arguments);
+}
+
+RunningMossbank::Found RunningMossbank::startAgain() const
+{
+    return runToEnd(kMossbank, {});
+}
+
+RunningMossbank::Found RunningMossbank::runToEnd(const QString& program,
+                                                 const QStringList& arguments) const
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setProcessEnvironment(environment());
+    process.start(program, arguments);
+    const bool hasEnded = process.waitForFinished(kPatience);
+    return {hasEnded ? process.exitCode() : -1, QString::fromLocal8Bit(process.readAll())};
+}
+
+} // namespace mossbank::test

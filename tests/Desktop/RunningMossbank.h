@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Library/Memory.h"
+
+#include <QImage>
+#include <QList>
+#include <QMap>
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+namespace mossbank::test {
+
+/// The real programs with a home of their own.
+class RunningMossbank {
+public:
+    RunningMossbank();
+    /// Ends it, if it still runs.
+    ~RunningMossbank();
+    Q_DISABLE_COPY_MOVE(RunningMossbank)
+
+    /// Writes the user's choices. Before `start`.
+    void choose(const QMap<QString, QString>& choices);
+    /// Starts the program on the display that DISPLAY names.
+    bool start();
+    /// Sends a signal and waits for the end. The exit status, or -1 when it does not end.
+    int stop(int signal);
+    /// Waits until the terminal shows `line` somewhere, so many times.
+    bool waitFor(const QString& line, int times = 1);
+    /// Waits for the end of a start that is to fail. The exit status, or -1.
+    int waitForEnd();
+
+    /// All that it has written to the terminal so far.
+    QString terminal();
+    qint64 process() const { return m_process.processId(); }
+    QString library() const;
+    QStringList pictureFiles() const;
+    /// Every row of the library with its text.
+    QList<Memory> rows() const;
+
+    struct Found {
+        int status = -1;
+        QString text;
+    };
+    /// Runs mossbank-find on this library.
+    Found find(const QStringList& arguments) const;
+    /// Another start of the program with the same home.
+    Found startAgain() const;
+
+private:
+    QProcessEnvironment environment() const;
+    Found runToEnd(const QString& program, const QStringList& arguments) const;
+
+    QTemporaryDir m_home;
+    QProcess m_process;
+    QString m_terminal;
+};
+
+} // namespace mossbank::test

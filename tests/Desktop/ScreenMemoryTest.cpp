@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/Desktop/DesktopTest.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace mossbank;
+using namespace mossbank::test;
+
+namespace {
+
+/// The second number of statm: pages that are in memory.
+qint64 residentBytes(qint64 process)
+{
+    QFile file(u"/proc/%1/statm"_s.arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
+}
+
+qsizetype openFiles()
+{
+    return QDir(u"/proc/self/fd"_s).entryList(QDir::Files | QDir::System).size();
+}
+
+} // namespace
+
+/// Left running for weeks, nothing may pile up.
+class ScreenMemoryTest final : public QObject {
+    Q_OBJECT
+
+public:
+    static void initMain() { useTestApplications(); }
+
+private Q_SLOTS:
+    void twoThousandPicturesLeaveNothingBehind()
+    {
+        const VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        WindowProgram alpha;
+        WindowProgram beta;
+        QVERIFY(alpha.open(
+            {.frame = {200, 200, 300, 200}, .colour = kGreen, .windowClass = u"Alpha"_s}));
+        QVERIFY(
+            beta.open({.frame = {900, 200, 300, 200}, .colour = kRed, .windowClass = u"Beta"_s}));
+        QImage last;
+        const auto look = [&] {
+            const ScreenContent content = screen->content().result();
+            last = screen->picture({*content.mainDisplay, {kAlpha}, {1920, 1080}}).result();
+        };
+        for (int round = 0; round < 50; ++round)
+            look();
+        const qint64 ownBefore = residentBytes(::getpid());
+        const qint64 serverBefore = residentBytes(desktop.serverProcess());
+        const qsizetype filesBefore = openFiles();
+        QVERIFY(ownBefore > 0 && serverBefore > 0);
+        for (int round = 0; round < 2000; ++round)
+            look();
+        constexpr qint64 kLeeway = 2'000'000; // a quarter of one picture
+        const qint64 own = residentBytes(::getpid()) - ownBefore;
+        const qint64 server = residentBytes(desktop.serverProcess()) - serverBefore;
+        QVERIFY2(own < kLeeway, qPrintable(QString::number(own)));
+        QVERIFY2(server < kLeeway, qPrintable(QString::number(server)));
+        QCOMPARE(openFiles(), filesBefore);
+        QVERIFY(!last.isNull());
+    }
+
+    void picturesThatAreKeptAreGivenBackLater()
+    {
+        const VirtualDesktop desktop({.hasWindowManager = false});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        const qint64 before = residentBytes(::getpid());
+        QList<QImage> kept;
+        for (int round = 0; round < 10; ++round)
+            kept.append(pictureOf(*screen, {}));
+        kept.clear();
+        QVERIFY(!pictureOf(*screen, {}).isNull());
+        constexpr qint64 kPicture = 1920 * 1080 * 4;
+        const qint64 grown = residentBytes(::getpid()) - before;
+        QVERIFY2(grown < 4 * kPicture, qPrintable(QString::number(grown)));
+    }
+};
+
+QTEST_GUILESS_MAIN(ScreenMemoryTest)
+#include "ScreenMemoryTest.moc"
