@@ -24,20 +24,8 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_clock(surroundings.clock)
     , m_preferences(surroundings.preferences)
     , m_store(std::move(library.store))
-    , m_recorder({
-          .clock = surroundings.clock,
-          .calendar = std::move(surroundings.calendar),
-          .screen = surroundings.screen,
-          .frontApplication = surroundings.frontApplication,
-          .screenState = surroundings.screenState,
-          .secureInput = surroundings.secureInput,
-          .addresses = surroundings.addresses,
-          .recognizer = surroundings.recognizer,
-          .preferences = surroundings.preferences,
-          .pauses = m_pauses,
-          .afterSave = m_afterSave,
-          .store = m_store.get(),
-      })
+    , m_recorder(std::move(surroundings),
+                 {.pauses = m_pauses, .afterSave = m_afterSave, .store = m_store.get()})
 {
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);

@@ -34,19 +34,6 @@ class AppModel : public QObject {
     Q_OBJECT
 
 public:
-    /// What the program runs on.
-    struct Surroundings {
-        Clock& clock;
-        CalendarSource calendar;
-        Screen& screen;
-        FrontApplication& frontApplication;
-        ScreenState& screenState;
-        SecureInput& secureInput;
-        AddressSource& addresses;
-        TextRecognizer& recognizer;
-        Preferences& preferences;
-    };
-
     AppModel(Surroundings surroundings, OpenedLibrary library, QObject* parent = nullptr);
     ~AppModel() override;
 

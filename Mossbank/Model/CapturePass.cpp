@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/CapturePass.h"
 
-#include "Mossbank/Model/AfterSave.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Model/RecorderTexts.h"
 #include "Mossbank/Model/Texts.h"
-#include "Mossbank/Ports/AddressSource.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
 #include "MossbankCore/Capture/DisplayChooser.h"
-#include "MossbankCore/Capture/WindowTitle.h"
-#include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/StoreError.h"
 #include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Awaited.h"
-
-#include <QUuid>
 
 #include <algorithm>
 #include <utility>
@@ -73,35 +67,9 @@ const CapturePass::Step CapturePass::kSteps[] = {
     {&CapturePass::refresh},
 };
 
-/// How a pass ends before its last step, if it does.
-class CapturePass::Verdict {
-public:
-    enum class Kind { GoOn, Silent, Skip, Locked, NotAllowed, Failed };
-
-    static Verdict goOn() { return {Kind::GoOn, {}}; }
-    static Verdict silently() { return {Kind::Silent, {}}; }
-    /// With a line in the recorder's status; the schedule goes on.
-    static Verdict skip(const QString& status) { return {Kind::Skip, status}; }
-    /// The screen is locked: recording stops and may come back with the user.
-    static Verdict locked() { return {Kind::Locked, {}}; }
-    /// The permission to see the screen was withdrawn: recording stops.
-    static Verdict notAllowed() { return {Kind::NotAllowed, {}}; }
-    /// Recording stops: trying again and again would only hide it.
-    static Verdict failed(const QString& reason) { return {Kind::Failed, reason}; }
-
-    bool goesOn() const { return kind == Kind::GoOn; }
-
-    Kind kind;
-    /// The status, or the reason of a failure.
-    QString text;
-};
-
 namespace {
 
 constexpr int kFingerprintSize = 192;
-constexpr std::uint8_t kTolerance = 2;
-/// Fewer moved cells are no obvious change.
-constexpr std::int64_t kObviousCells = 61;
 constexpr double kWidestPicture = 2048;
 constexpr double kSecondsAMinute = 60;
 
@@ -141,6 +109,9 @@ CapturePass::~CapturePass()
 QCoro::Task<> CapturePass::run()
 {
     for (const Step& step : kSteps) {
+        // It may have gone during any wait.
+        if (!m_recorder)
+            co_return;
         Verdict verdict = Verdict::goOn();
         try {
             if (const auto* now = std::get_if<Step::Now>(&step.function))
@@ -162,60 +133,60 @@ QCoro::Task<> CapturePass::run()
 
 // Cheap reasons not to look
 
-CapturePass::Verdict CapturePass::passMayBegin()
+CaptureVerdict CapturePass::passMayBegin()
 {
     const bool isFree = m_recorder->m_state.isRecording && !m_recorder->m_isCapturing;
-    return isFree && m_recorder->m_parts.store ? Verdict::goOn() : Verdict::silently();
+    return isFree && m_recorder->m_neighbours.store ? Verdict::goOn() : Verdict::silently();
 }
 
-CapturePass::Verdict CapturePass::permissionIsThere()
+CaptureVerdict CapturePass::permissionIsThere()
 {
-    return m_recorder->m_parts.screen.isAllowed() ? Verdict::goOn() : Verdict::notAllowed();
+    return around().screen.isAllowed() ? Verdict::goOn() : Verdict::notAllowed();
 }
 
-CapturePass::Verdict CapturePass::screenIsNotLocked()
+CaptureVerdict CapturePass::screenIsNotLocked()
 {
-    return m_recorder->m_parts.screenState.isLocked() ? Verdict::locked() : Verdict::goOn();
+    return around().screenState.isLocked() ? Verdict::locked() : Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::displayIsAwake()
+CaptureVerdict CapturePass::displayIsAwake()
 {
-    if (m_recorder->m_parts.screenState.isMainDisplayAsleep())
+    if (around().screenState.isMainDisplayAsleep())
         return Verdict::skip(localized("Skipped while the display is asleep"));
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::applicationIsInFront()
+CaptureVerdict CapturePass::applicationIsInFront()
 {
-    const auto front = m_recorder->m_parts.frontApplication.current();
+    const auto front = around().frontApplication.current();
     if (!front || front->bundleID.isEmpty())
         return Verdict::skip(localized("Waiting for an active application"));
     m_front = *front;
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::frontIsNotMossbank()
+CaptureVerdict CapturePass::frontIsNotMossbank()
 {
     if (m_front.bundleID == kOwnBundleID)
         return Verdict::skip(RecorderTexts::mossbankIsInFront());
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::frontIsNotExcluded()
+CaptureVerdict CapturePass::frontIsNotExcluded()
 {
-    if (m_recorder->m_parts.preferences.excludedBundles().contains(m_front.bundleID))
+    if (around().preferences.excludedBundles().contains(m_front.bundleID))
         return Verdict::skip(localized("Skipped an excluded app"));
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::inputIsNotSecure()
+CaptureVerdict CapturePass::inputIsNotSecure()
 {
-    if (m_recorder->m_parts.secureInput.isActive())
+    if (around().secureInput.isActive())
         return Verdict::skip(RecorderTexts::secureInputSkipped());
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::takeTheCapture()
+CaptureVerdict CapturePass::takeTheCapture()
 {
     m_recorder->m_isCapturing = true;
     m_holdsCapture = true;
@@ -224,13 +195,13 @@ CapturePass::Verdict CapturePass::takeTheCapture()
 
 // Asking for the picture
 
-QCoro::Task<CapturePass::Verdict> CapturePass::askForContent()
+QCoro::Task<CaptureVerdict> CapturePass::askForContent()
 {
-    m_content = co_await awaited(m_recorder->m_parts.screen.content());
+    m_content = co_await awaited(around().screen.content());
     co_return isCurrent() ? Verdict::goOn() : Verdict::silently();
 }
 
-CapturePass::Verdict CapturePass::findWindow()
+CaptureVerdict CapturePass::findWindow()
 {
     for (const ScreenWindow& window : std::as_const(m_content.windows)) {
         const bool isCandidate = window.owner && window.owner->bundleID == m_front.bundleID &&
@@ -241,7 +212,7 @@ CapturePass::Verdict CapturePass::findWindow()
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::chooseDisplay()
+CaptureVerdict CapturePass::chooseDisplay()
 {
     const QList<Display>& displays = m_content.displays;
     auto chosen = std::find_if(displays.begin(), displays.end(), [this](const Display& display) {
@@ -266,9 +237,9 @@ CapturePass::Verdict CapturePass::chooseDisplay()
     return Verdict::goOn();
 }
 
-CapturePass::Verdict CapturePass::nothingExcludedIsVisible()
+CaptureVerdict CapturePass::nothingExcludedIsVisible()
 {
-    const QStringList excluded = m_recorder->m_parts.preferences.excludedBundles();
+    const QStringList excluded = around().preferences.excludedBundles();
     const bool isVisible = std::any_of(
         m_content.windows.begin(), m_content.windows.end(),
         [&](const ScreenWindow& window) { return window.isOnScreen && owns(excluded, window); });
@@ -276,21 +247,21 @@ CapturePass::Verdict CapturePass::nothingExcludedIsVisible()
                      : Verdict::goOn();
 }
 
-QCoro::Task<CapturePass::Verdict> CapturePass::takePicture()
+QCoro::Task<CaptureVerdict> CapturePass::takePicture()
 {
-    m_takenAt = m_recorder->m_parts.clock.now();
+    m_takenAt = around().clock.now();
     const PictureRequest request = {
         .display = m_display.id,
         .included = includedApplications(),
         .size = pictureSize(m_display.frame.size()),
     };
-    m_picture = co_await awaited(m_recorder->m_parts.screen.picture(request));
+    m_picture = co_await awaited(around().screen.picture(request));
     co_return isCurrent() ? Verdict::goOn() : Verdict::silently();
 }
 
 QStringList CapturePass::includedApplications() const
 {
-    const QStringList excluded = m_recorder->m_parts.preferences.excludedBundles();
+    const QStringList excluded = around().preferences.excludedBundles();
     QStringList included;
     for (const Application& application : m_content.applications) {
         if (application.bundleID != kOwnBundleID && !excluded.contains(application.bundleID))
@@ -301,184 +272,35 @@ QStringList CapturePass::includedApplications() const
 
 // The picture is there
 
-CapturePass::Verdict CapturePass::nothingBecameSecretMeanwhile()
+CaptureVerdict CapturePass::nothingBecameSecretMeanwhile()
 {
-    const bool isLocked = m_recorder->m_parts.screenState.isLocked();
+    const bool isLocked = around().screenState.isLocked();
     if (isLocked)
         return Verdict::locked();
     return inputIsNotSecure();
 }
 
-CapturePass::Verdict CapturePass::screenHasChanged()
+CaptureVerdict CapturePass::screenHasChanged()
 {
-    const Preferences& preferences = m_recorder->m_parts.preferences;
+    const Preferences& preferences = around().preferences;
     if (!preferences.skipsUnchangedScreens())
         return Verdict::goOn();
-    compareWithLastScreens();
+    ScreensSeen& seen = m_recorder->m_seen;
+    m_fingerprint = ScreenFingerprint::make(m_picture, kFingerprintSize);
+    m_moved = seen.look(m_fingerprint);
     const double untilRefresh = preferences.unchangedRefreshMinutes() * kSecondsAMinute;
-    if (looksUnchanged() && m_takenAt - m_recorder->m_seen.lastScreenSavedAt < untilRefresh)
+    if (seen.isUnchanged(m_fingerprint, m_moved, preferences.changeMode()) &&
+        m_takenAt - seen.lastScreenSavedAt < untilRefresh)
         return Verdict::skip(localized("Skipped an unchanged screen"));
     return Verdict::goOn();
 }
 
-void CapturePass::compareWithLastScreens()
-{
-    ScreensSeen& seen = m_recorder->m_seen;
-    m_fingerprint = ScreenFingerprint::make(m_picture, kFingerprintSize);
-    // What moves on its own is learnt from one picture looked at to the next; what is new is
-    // decided against the last one saved, so that a slow drift adds up and is caught.
-    seen.motion.observe(seen.lastChecked, m_fingerprint, kTolerance);
-    seen.lastChecked = m_fingerprint;
-    m_moved = ScreenFingerprint::moved(seen.lastScreen, m_fingerprint, kTolerance);
-}
-
-bool CapturePass::looksUnchanged() const
-{
-    const ScreensSeen& seen = m_recorder->m_seen;
-    const QString mode = m_recorder->m_parts.preferences.changeMode();
-    if (mode == u"flicker")
-        return seen.motion.novel(seen.lastScreen, m_fingerprint, kTolerance) == 0;
-    if (mode == u"obvious")
-        return m_moved < kObviousCells;
-    return m_moved == 0;
-}
-
-// It will be saved
-
-CapturePass::Verdict CapturePass::showThatItSaves()
-{
-    m_recorder->setSaving(true);
-    return Verdict::goOn();
-}
-
-CapturePass::Verdict CapturePass::askForAddress()
-{
-    AddressSource& addresses = m_recorder->m_parts.addresses;
-    if (m_recorder->m_parts.preferences.savesAddresses() && addresses.canAsk(m_front.bundleID)) {
-        Application browser = m_front;
-        if (browser.name.isEmpty())
-            browser.name = browser.bundleID;
-        m_address = addresses.address(browser);
-    }
-    return Verdict::goOn();
-}
-
-QCoro::Task<CapturePass::Verdict> CapturePass::encodeAndRead()
-{
-    // A picture that is the same to the last cell says what the last one said.
-    const auto knownText = m_moved == 0 ? m_recorder->m_seen.lastText : std::nullopt;
-    m_processed =
-        co_await ImageProcessor::process(m_picture, m_recorder->m_parts.preferences.imageQuality(),
-                                         knownText, m_recorder->m_parts.recognizer);
-    co_return m_recorder ? Verdict::goOn() : Verdict::silently();
-}
-
-QCoro::Task<CapturePass::Verdict> CapturePass::awaitAddress()
-{
-    try {
-        if (m_address)
-            m_link = (co_await awaited(*m_address)).value_or(QString());
-    } catch (...) {
-        // A page without its address is worth keeping.
-        m_link.clear();
-    }
-    co_return m_recorder ? Verdict::goOn() : Verdict::silently();
-}
-
-CapturePass::Verdict CapturePass::isStillWanted()
-{
-    return isCurrent() && !m_cancellation.isRequested() ? Verdict::goOn() : Verdict::silently();
-}
-
-CapturePass::Verdict CapturePass::frontIsStillTheSame()
-{
-    // The record is filed under the front application; it must not lie about what was on screen.
-    const auto front = m_recorder->m_parts.frontApplication.current();
-    if (!front || front->bundleID != m_front.bundleID)
-        return Verdict::skip(localized("Skipped a screen during an app switch"));
-    return Verdict::goOn();
-}
-
-QCoro::Task<CapturePass::Verdict> CapturePass::save()
-{
-    m_memory = makeMemory();
-    co_await awaited(m_recorder->m_parts.store->save(m_memory, m_processed.jpeg));
-    m_isSaved = true;
-    co_return m_recorder ? Verdict::goOn() : Verdict::silently();
-}
-
-Memory CapturePass::makeMemory() const
-{
-    const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const QString appName = m_front.name.isEmpty() ? m_front.bundleID : m_front.name;
-    const auto title =
-        m_window ? WindowTitle::worthKeeping(m_window->title, appName) : std::nullopt;
-    return {
-        .id = id,
-        .timestamp = m_takenAt,
-        .appName = appName,
-        .bundleID = m_front.bundleID,
-        .text = m_processed.text,
-        .filename = id + u".jpg"_s,
-        .bytes = m_processed.jpeg.size(),
-        .title = title.value_or(QString()),
-        .link = m_link,
-    };
-}
-
-// It is saved
-
-CapturePass::Verdict CapturePass::remember()
-{
-    ScreensSeen& seen = m_recorder->m_seen;
-    seen.lastScreen = m_fingerprint;
-    seen.lastScreenSavedAt = m_takenAt;
-    seen.lastText = m_processed.text;
-    m_recorder->m_parts.afterSave.readForMeaning(m_memory);
-    return Verdict::goOn();
-}
-
-QCoro::Task<CapturePass::Verdict> CapturePass::noteRefusals()
-{
-    if (!m_address)
-        co_return Verdict::goOn();
-    std::optional<QStringList> names;
-    try {
-        names = co_await awaited(m_recorder->m_parts.addresses.refusedNames());
-    } catch (...) {
-        // The names are for showing; the next pass asks again.
-        names.reset();
-    }
-    if (!m_recorder)
-        co_return Verdict::silently();
-    if (names)
-        m_recorder->setRefusedBrowsers(*names);
-    co_return Verdict::goOn();
-}
-
-CapturePass::Verdict CapturePass::sayThatItIsSaved()
-{
-    if (isCurrent()) {
-        const Recorder::Parts& parts = m_recorder->m_parts;
-        m_recorder->setStatus(
-            localized("Saved at %1").arg(parts.calendar().shortTime(parts.clock.now())));
-    }
-    return Verdict::goOn();
-}
-
-QCoro::Task<CapturePass::Verdict> CapturePass::applyRetention()
-{
-    co_await m_recorder->m_parts.afterSave.applyRetention();
-    co_return m_recorder ? Verdict::goOn() : Verdict::silently();
-}
-
-QCoro::Task<CapturePass::Verdict> CapturePass::refresh()
-{
-    co_await m_recorder->m_parts.afterSave.refresh();
-    co_return Verdict::goOn();
-}
-
 // How it ends
+
+const Surroundings& CapturePass::around() const
+{
+    return m_recorder->m_around;
+}
 
 bool CapturePass::isCurrent() const
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Mossbank/Model/CaptureVerdict.h"
 #include "Mossbank/Ports/Application.h"
 #include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Capture/ImageProcessor.h"
@@ -20,6 +21,7 @@
 namespace mossbank {
 
 class Recorder;
+struct Surroundings;
 
 /// One look at the screen, from the first reason not to look to the record saved.
 ///
@@ -40,10 +42,8 @@ public:
     /// Goes through the steps. The pass must live until this has ended.
     QCoro::Task<> run();
 
-    /// What a step finds: that the pass goes on, or how it ends.
-    class Verdict;
-
 private:
+    using Verdict = CaptureVerdict;
     struct Step;
     static const Step kSteps[];
 
@@ -77,11 +77,10 @@ private:
     QCoro::Task<Verdict> applyRetention();
     QCoro::Task<Verdict> refresh();
 
-    void compareWithLastScreens();
-    bool looksUnchanged() const;
     QStringList includedApplications() const;
     Memory makeMemory() const;
 
+    const Surroundings& around() const;
     bool isCurrent() const;
     void conclude(const Verdict& verdict);
     void letGo();

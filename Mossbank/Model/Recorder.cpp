@@ -7,6 +7,7 @@
 #include "Mossbank/Model/RecorderTexts.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Ports/FrontApplication.h"
+#include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Ports/Clock.h"
 
 #include <algorithm>
@@ -14,9 +15,10 @@
 
 namespace mossbank {
 
-Recorder::Recorder(Parts parts, QObject* parent)
+Recorder::Recorder(Surroundings surroundings, Neighbours neighbours, QObject* parent)
     : QObject(parent)
-    , m_parts(std::move(parts))
+    , m_around(std::move(surroundings))
+    , m_neighbours(neighbours)
 {
     m_state.status = RecorderTexts::idle();
     m_told = m_state;
@@ -31,20 +33,20 @@ void Recorder::toggleRecording()
         stop();
         return;
     }
-    m_parts.pauses.cancelPause();
+    m_neighbours.pauses.cancelPause();
     m_stoppedForAway = false;
-    if (!m_parts.store)
+    if (!m_neighbours.store)
         return;
-    if (!m_parts.screen.isAllowed()) {
+    if (!m_around.screen.isAllowed()) {
         m_state.askedForPermission = true;
-        m_parts.screen.askForPermission();
+        m_around.screen.askForPermission();
         tellChanges();
         return;
     }
     ++m_generation;
     m_state.isRecording = true;
     m_state.status = localized("Waiting for your next screen");
-    if (m_parts.preferences.capturesOnAppSwitch())
+    if (m_around.preferences.capturesOnAppSwitch())
         watchAppSwitches();
     m_recordingTask = Job::start(&Recorder::recordingLoop, this);
     tellChanges();
@@ -61,13 +63,13 @@ void Recorder::endRecording()
     m_state.isRecording = false;
     ++m_generation;
     m_stoppedForAway = false;
-    m_parts.preferences.removeRecordsAfterRelaunch();
+    m_around.preferences.removeRecordsAfterRelaunch();
     m_state.nextCaptureAt.reset();
     m_recordingTask = Job();
     stopWatchingAppSwitches();
     // What was saved last is kept: a screen that stays the same across a stop is still skipped.
     m_seen.forgetMotion();
-    m_parts.pauses.cancelPause();
+    m_neighbours.pauses.cancelPause();
     m_state.status = RecorderTexts::idle();
 }
 
@@ -75,7 +77,7 @@ void Recorder::stopForLockedScreen()
 {
     endRecording();
     m_state.status = localized("Paused when the screen locked");
-    m_stoppedForAway = m_parts.preferences.resumesAfterAway();
+    m_stoppedForAway = m_around.preferences.resumesAfterAway();
     tellChanges();
 }
 
@@ -97,9 +99,9 @@ void Recorder::stopForFailure(const QString& reason)
 
 void Recorder::startWithoutAsking()
 {
-    if (m_state.isRecording || !m_parts.store)
+    if (m_state.isRecording || !m_neighbours.store)
         return;
-    if (!m_parts.screen.isAllowed()) {
+    if (!m_around.screen.isAllowed()) {
         m_state.status = localized("Recording did not start: screen recording is not allowed");
         tellChanges();
         return;
@@ -115,7 +117,7 @@ void Recorder::captureNow()
 
 void Recorder::openPermissions()
 {
-    m_parts.screen.openPermissions();
+    m_around.screen.openPermissions();
 }
 
 QCoro::Task<> Recorder::recordingLoop(Cancellation cancellation)
@@ -125,12 +127,12 @@ QCoro::Task<> Recorder::recordingLoop(Cancellation cancellation)
         if (cancellation.isRequested())
             co_return;
         // Read anew on every round; a rest under way is not shortened.
-        const double delay = std::max(m_parts.preferences.interval(), 1.0);
+        const double delay = std::max(m_around.preferences.interval(), 1.0);
         m_state.nextCaptureAt.reset();
-        if (!m_parts.pauses.isPaused())
-            m_state.nextCaptureAt = m_parts.clock.now() + delay;
+        if (!m_neighbours.pauses.isPaused())
+            m_state.nextCaptureAt = m_around.clock.now() + delay;
         tellChanges();
-        if (!co_await m_parts.clock.sleep(delay, cancellation))
+        if (!co_await m_around.clock.sleep(delay, cancellation))
             co_return;
     }
 }
@@ -144,7 +146,7 @@ QCoro::Task<> Recorder::capture(Cancellation cancellation)
 void Recorder::watchAppSwitches()
 {
     if (!m_appSwitchWatcher)
-        m_appSwitchWatcher = connect(&m_parts.frontApplication, &FrontApplication::activated, this,
+        m_appSwitchWatcher = connect(&m_around.frontApplication, &FrontApplication::activated, this,
                                      &Recorder::onAppSwitch);
 }
 
@@ -157,7 +159,7 @@ void Recorder::stopWatchingAppSwitches()
 
 void Recorder::onAppSwitch()
 {
-    if (!m_state.isRecording || !m_parts.preferences.capturesOnAppSwitch())
+    if (!m_state.isRecording || !m_around.preferences.capturesOnAppSwitch())
         return;
     // A rapid run of switches leaves one waiting capture, for the last.
     m_pendingSwitchCapture = Job::start(&Recorder::captureAfterSwitch, this);
@@ -168,20 +170,20 @@ QCoro::Task<> Recorder::captureAfterSwitch(Cancellation cancellation)
     constexpr double kUntilDrawn = 0.45;
     constexpr double kRound = 0.1;
     constexpr int kRounds = 20;
-    Clock& clock = m_parts.clock;
+    Clock& clock = m_around.clock;
     if (!co_await clock.sleep(kUntilDrawn, cancellation))
         co_return;
     for (int round = 0; round < kRounds && m_isCapturing; ++round) {
         if (!co_await clock.sleep(kRound, cancellation))
             co_return;
     }
-    if (m_state.isRecording && m_parts.preferences.capturesOnAppSwitch())
+    if (m_state.isRecording && m_around.preferences.capturesOnAppSwitch())
         co_await capture(cancellation);
 }
 
 void Recorder::followPreferences()
 {
-    const Preferences& preferences = m_parts.preferences;
+    const Preferences& preferences = m_around.preferences;
     // A picture begun under other exclusions or another rhythm must not be saved any more.
     const auto dropPassUnderWay = [this] {
         ++m_generation;
@@ -191,19 +193,19 @@ void Recorder::followPreferences()
     connect(&preferences, &Preferences::changeModeChanged, this,
             [this] { m_seen.motion.forget(); });
     connect(&preferences, &Preferences::skipsUnchangedScreensChanged, this, [this] {
-        if (!m_parts.preferences.skipsUnchangedScreens()) {
+        if (!m_around.preferences.skipsUnchangedScreens()) {
             m_seen.lastScreen.reset();
             m_seen.forgetMotion();
         }
     });
     connect(&preferences, &Preferences::capturesOnAppSwitchChanged, this, [this] {
-        if (m_parts.preferences.capturesOnAppSwitch())
+        if (m_around.preferences.capturesOnAppSwitch())
             watchAppSwitches();
         else
             stopWatchingAppSwitches();
     });
     connect(&preferences, &Preferences::resumesAfterAwayChanged, this, [this] {
-        if (!m_parts.preferences.resumesAfterAway())
+        if (!m_around.preferences.resumesAfterAway())
             m_stoppedForAway = false;
     });
 }

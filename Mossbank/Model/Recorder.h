@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Mossbank/Ports/Screen.h"
-#include "MossbankCore/Capture/ScreenFingerprint.h"
-#include "MossbankCore/Capture/ScreenMotion.h"
-#include "MossbankCore/Support/Calendar.h"
+#include "Mossbank/Model/ScreensSeen.h"
+#include "Mossbank/Model/Surroundings.h"
 #include "MossbankCore/Support/Date.h"
 #include "MossbankCore/Support/Job.h"
 
@@ -17,40 +15,10 @@
 
 namespace mossbank {
 
-class AddressSource;
 class AfterSave;
 class CapturePass;
-class Clock;
-class FrontApplication;
 class HistoryStore;
 class PauseControl;
-class Preferences;
-class ScreenState;
-class SecureInput;
-class TextRecognizer;
-
-/// What the recorder remembers of the screens that it has looked at.
-struct ScreensSeen {
-    /// What keeps moving on its own.
-    ScreenMotion motion;
-    /// Of the last picture looked at, saved or not.
-    std::optional<Fingerprint> lastChecked;
-    /// Of the last picture saved.
-    std::optional<Fingerprint> lastScreen;
-    /// When the last picture saved was taken.
-    Date lastScreenSavedAt = Date::distantPast();
-    /// The words of the last picture saved.
-    std::optional<QString> lastText;
-    /// The display of the last pass that got as far as choosing one.
-    std::optional<DisplayID> lastDisplayID;
-
-    /// Starts learning afresh what moves on its own: the next picture has none before it.
-    void forgetMotion()
-    {
-        motion.forget();
-        lastChecked.reset();
-    }
-};
 
 /// Records the screen: a loop of one capture pass and one rest, for as long as recording is on,
 /// and a further pass shortly after each switch of application. What one pass does, and in which
@@ -68,25 +36,15 @@ class Recorder : public QObject {
     Q_OBJECT
 
 public:
-    /// What the recorder works with. All of it outlives the recorder, and the recogniser also the
-    /// readings begun by it, which may still be running on the global pool.
-    struct Parts {
-        Clock& clock;
-        CalendarSource calendar;
-        Screen& screen;
-        FrontApplication& frontApplication;
-        ScreenState& screenState;
-        SecureInput& secureInput;
-        AddressSource& addresses;
-        TextRecognizer& recognizer;
-        Preferences& preferences;
+    /// The parts of the model that it deals with. They outlive it.
+    struct Neighbours {
         PauseControl& pauses;
         AfterSave& afterSave;
         /// Absent when the library could not be opened: then nothing is ever recorded.
         HistoryStore* store;
     };
 
-    explicit Recorder(Parts parts, QObject* parent = nullptr);
+    Recorder(Surroundings surroundings, Neighbours neighbours, QObject* parent = nullptr);
     ~Recorder() override;
 
     /// The user's switch.
@@ -169,7 +127,8 @@ private:
     /// stands there already: skips come in long runs.
     void tellChanges();
 
-    Parts m_parts;
+    Surroundings m_around;
+    Neighbours m_neighbours;
     State m_state;
     /// What the signals have told so far.
     State m_told;

@@ -10,23 +10,6 @@
 using namespace mossbank;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-AppModel::Surroundings surroundings(RecorderRig& rig)
-{
-    return {.clock = rig.clock,
-            .calendar = [] { return Calendar(QTimeZone::utc(), QLocale::c()); },
-            .screen = rig.screen,
-            .frontApplication = rig.front,
-            .screenState = rig.state,
-            .secureInput = rig.secureInput,
-            .addresses = rig.addresses,
-            .recognizer = rig.recognizer,
-            .preferences = rig.preferences};
-}
-
-} // namespace
-
 class AppModelTest : public QObject {
     Q_OBJECT
 
@@ -42,7 +25,7 @@ private Q_SLOTS:
         QFETCH(bool, recordsAtLaunch);
         RecorderRig rig(false);
         rig.preferences.setRecordsAtLaunch(recordsAtLaunch);
-        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
         QVERIFY(model.store());
         QVERIFY(!model.recorder().isRecording());
         model.finishedLaunching();
@@ -56,7 +39,7 @@ private Q_SLOTS:
         QFile blocking(rig.libraryRoot());
         QVERIFY(blocking.open(QIODevice::WriteOnly));
         rig.preferences.setRecordsAtLaunch(true);
-        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
         model.finishedLaunching();
         QVERIFY(!model.store());
         QVERIFY(!model.recorder().isRecording());
@@ -73,7 +56,7 @@ private Q_SLOTS:
         QVERIFY(database.open(QIODevice::WriteOnly));
         database.write(QByteArray(8192, 'x'));
         database.close();
-        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
         QCOMPARE(model.recorder().errorMessage(),
                  std::optional(u"History is unavailable: file is not a database"_s));
         QCOMPARE(database.size(), 8192);
@@ -82,7 +65,7 @@ private Q_SLOTS:
     void isReadyToQuitAtOnceWhenNothingIsUnderWay()
     {
         RecorderRig rig(false);
-        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.prepareToQuit();
         QCOMPARE(ready.count(), 1);
@@ -92,7 +75,7 @@ private Q_SLOTS:
     {
         RecorderRig rig(false);
         rig.screen.holdsContent = true;
-        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.recorder().toggleRecording();
         QTRY_COMPARE(rig.screen.contentsAsked, 1);
@@ -111,7 +94,7 @@ private Q_SLOTS:
         RecorderRig rig(false);
         QSemaphore reading;
         rig.recognizer.setHook([&] { reading.acquire(); });
-        AppModel model(surroundings(rig), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.recorder().toggleRecording();
         QTRY_COMPARE(rig.recognizer.readings(), 1);

@@ -71,20 +71,22 @@ public:
     /// As after a fresh launch on the same library.
     void makeRecorder()
     {
-        recorder = std::make_unique<Recorder>(Recorder::Parts{
-            .clock = clock,
-            .calendar = [] { return Calendar(QTimeZone::utc(), QLocale::c()); },
-            .screen = screen,
-            .frontApplication = front,
-            .screenState = state,
-            .secureInput = secureInput,
-            .addresses = addresses,
-            .recognizer = recognizer,
-            .preferences = preferences,
-            .pauses = pauses,
-            .afterSave = afterSave,
-            .store = store.get(),
-        });
+        recorder = std::make_unique<Recorder>(
+            surroundings(),
+            Recorder::Neighbours{.pauses = pauses, .afterSave = afterSave, .store = store.get()});
+    }
+
+    Surroundings surroundings()
+    {
+        return {.clock = clock,
+                .calendar = [] { return Calendar(QTimeZone::utc(), QLocale::c()); },
+                .screen = screen,
+                .frontApplication = front,
+                .screenState = state,
+                .secureInput = secureInput,
+                .addresses = addresses,
+                .recognizer = recognizer,
+                .preferences = preferences};
     }
 
     QString libraryRoot() const { return folder.filePath(QStringLiteral("Library")); }

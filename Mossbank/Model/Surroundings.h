@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Support/Calendar.h"
+
+namespace mossbank {
+
+class AddressSource;
+class Clock;
+class FrontApplication;
+class Preferences;
+class Screen;
+class ScreenState;
+class SecureInput;
+class TextRecognizer;
+
+/// What the model runs on: the desktop, the time, the user's choices. All of it outlives the model,
+/// and the recogniser also the readings begun, which may still be running on the global pool.
+struct Surroundings {
+    Clock& clock;
+    CalendarSource calendar;
+    Screen& screen;
+    FrontApplication& frontApplication;
+    ScreenState& screenState;
+    SecureInput& secureInput;
+    AddressSource& addresses;
+    TextRecognizer& recognizer;
+    Preferences& preferences;
+};
+
+} // namespace mossbank
