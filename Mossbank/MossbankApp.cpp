@@ -91,8 +91,7 @@ int main(int argc, char* argv[])
     const QString library = LibraryLocation::library();
     SingleInstance instance(library);
     if (!instance.isFirst()) {
-        TerminalStatus::complain(
-            localized("Mossbank is already running (process %1).").arg(instance.otherProcess()));
+        TerminalStatus::complain(instance.whoIsFirst());
         return kFailed;
     }
     const Platform platform = makePlatform(QString::fromUtf16(kOwnBundleID));

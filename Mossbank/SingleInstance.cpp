@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/SingleInstance.h"
 
-#include <QCryptographicHash>
-#include <QDir>
-#include <QStandardPaths>
+#include "Mossbank/Model/Texts.h"
+#include "MossbankCore/Support/Failure.h"
+#include "MossbankCore/Support/Files.h"
+
+#include <QSysInfo>
 
 namespace mossbank {
 
@@ -11,22 +13,20 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Outside the library, which may lie on a disk without locks, and the same for every way of
-/// writing the library's path.
-QString lockPath(const QString& root)
+QString lockIn(const QString& root)
 {
-    const QString canonical = QDir(root).canonicalPath();
-    const QByteArray name = (canonical.isEmpty() ? QDir::cleanPath(root) : canonical).toUtf8();
-    const QByteArray hash =
-        QCryptographicHash::hash(name, QCryptographicHash::Sha256).toHex().first(16);
-    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + u"/mossbank-"_s +
-           QString::fromLatin1(hash) + u".lock"_s;
+    try {
+        Files::createFolder(root);
+    } catch (const FileError&) {
+        // Locking fails as well then.
+    }
+    return root + u"/mossbank.lock"_s;
 }
 
 } // namespace
 
 SingleInstance::SingleInstance(const QString& root)
-    : m_lock(lockPath(root))
+    : m_lock(lockIn(root))
 {
     // Held for days: only the death of its process makes a lock stale, never its age.
     m_lock.setStaleLockTime(0);
@@ -34,15 +34,20 @@ SingleInstance::SingleInstance(const QString& root)
 
 bool SingleInstance::isFirst()
 {
-    return m_lock.tryLock();
+    return m_lock.tryLock() || m_lock.error() != QLockFile::LockFailedError;
 }
 
-qint64 SingleInstance::otherProcess() const
+QString SingleInstance::whoIsFirst() const
 {
     qint64 process = 0;
     QString host;
     QString application;
-    return m_lock.getLockInfo(&process, &host, &application) ? process : 0;
+    if (!m_lock.getLockInfo(&process, &host, &application))
+        return localized("Mossbank is already running.");
+    if (host != QSysInfo::machineHostName())
+        return localized("Mossbank is already running on %1 (process %2).")
+            .arg(host, QString::number(process));
+    return localized("Mossbank is already running (process %1).").arg(process);
 }
 
 } // namespace mossbank

@@ -4,19 +4,24 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 
 namespace mossbank {
 
 namespace {
 
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+
 /// A signal handler may do next to nothing; writing a byte is among it.
 volatile std::sig_atomic_t writeEnd = -1;
 
 void note(int)
 {
+    const int interrupted = errno; // of whatever the handler broke into
     const char byte = 0;
     [[maybe_unused]] const auto written = ::write(writeEnd, &byte, 1);
+    errno = interrupted;
 }
 
 void handle(int signal, void (*handler)(int))
@@ -42,14 +47,14 @@ TerminationSignals::TerminationSignals(QObject* parent)
         Q_EMIT received();
     });
     writeEnd = m_pipe[1];
-    handle(SIGINT, note);
-    handle(SIGTERM, note);
+    for (const int signal : kSignals)
+        handle(signal, note);
 }
 
 TerminationSignals::~TerminationSignals()
 {
-    handle(SIGINT, SIG_DFL);
-    handle(SIGTERM, SIG_DFL);
+    for (const int signal : kSignals)
+        handle(signal, SIG_DFL);
     writeEnd = -1;
     m_notifier.reset();
     ::close(m_pipe[0]);

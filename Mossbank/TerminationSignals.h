@@ -9,8 +9,8 @@
 
 namespace mossbank {
 
-/// Turns the first SIGINT or SIGTERM into a Qt signal. A second one ends the process at once, for
-/// whoever cannot wait.
+/// Turns the first SIGINT, SIGTERM or SIGHUP (the terminal was closed) into a Qt signal. A second
+/// one ends the process at once, for whoever cannot wait.
 ///
 /// Threading: the main thread. One in a process.
 class TerminationSignals : public QObject {

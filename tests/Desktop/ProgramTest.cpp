@@ -57,6 +57,24 @@ private Q_SLOTS:
         QCOMPARE(mossbank.stop(SIGINT), 0);
     }
 
+    void aSecondStartFindsTheFirstHoweverThePathIsWritten()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        QVERIFY(mossbank.start());
+        QVERIFY(mossbank.waitFor(u"Library: "_s));
+        const QTemporaryDir elsewhere;
+        const QString link = elsewhere.filePath(u"link"_s);
+        QVERIFY(QFile::link(QFileInfo(mossbank.library()).path(), link));
+        const auto second = mossbank.startAgain(link);
+        QCOMPARE(second.status, 1);
+        QCOMPARE(second.text,
+                 u"Mossbank is already running (process %1).\n"_s.arg(mossbank.process()));
+        QCOMPARE(mossbank.stop(SIGHUP), 0);
+        QVERIFY(!QFile::exists(mossbank.library() + u"/mossbank.lock"_s));
+    }
+
     void aKilledOneDoesNotStandInTheWayOfTheNext()
     {
         VirtualDesktop desktop;

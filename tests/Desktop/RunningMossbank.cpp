@@ -129,20 +129,24 @@ QList<Memory> RunningMossbank::rows() const
 
 RunningMossbank::Found RunningMossbank::find(const QStringList& arguments) const
 {
-    return runToEnd(kFind, arguments);
+    return runToEnd(kFind, arguments, environment());
 }
 
-RunningMossbank::Found RunningMossbank::startAgain() const
+RunningMossbank::Found RunningMossbank::startAgain(const QString& dataHome) const
 {
-    return runToEnd(kMossbank, {});
+    QProcessEnvironment asBefore = environment();
+    if (!dataHome.isEmpty())
+        asBefore.insert(u"XDG_DATA_HOME"_s, dataHome);
+    return runToEnd(kMossbank, {}, asBefore);
 }
 
 RunningMossbank::Found RunningMossbank::runToEnd(const QString& program,
-                                                 const QStringList& arguments) const
+                                                 const QStringList& arguments,
+                                                 const QProcessEnvironment& environment) const
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.setProcessEnvironment(environment());
+    process.setProcessEnvironment(environment);
     process.start(program, arguments);
     const bool hasEnded = process.waitForFinished(kPatience);
     return {hasEnded ? process.exitCode() : -1, QString::fromLocal8Bit(process.readAll())};

@@ -45,12 +45,14 @@ public:
     };
     /// Runs mossbank-find on this library.
     Found find(const QStringList& arguments) const;
-    /// Another start of the program with the same home.
-    Found startAgain() const;
+    /// Another start of the program with the same home, and with the folder for application data
+    /// written another way where that is given.
+    Found startAgain(const QString& dataHome = {}) const;
 
 private:
     QProcessEnvironment environment() const;
-    Found runToEnd(const QString& program, const QStringList& arguments) const;
+    Found runToEnd(const QString& program, const QStringList& arguments,
+                   const QProcessEnvironment& environment) const;
 
     QTemporaryDir m_home;
     QProcess m_process;
