@@ -4,17 +4,15 @@
 #include "Mossbank/Platform/Linux/ShmPool.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "MossbankCore/Support/Failure.h"
+#include "bench/BenchOutput.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QThread>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -102,12 +100,11 @@ double median(std::vector<qint64> times)
 
 void print(int rounds, double baseline, double picture)
 {
-    const QJsonObject line = {{u"bench"_s, u"grab"_s},
-                              {u"rounds"_s, rounds},
-                              {u"baseline_ms"_s, baseline},
-                              {u"picture_ms"_s, picture},
-                              {u"ratio"_s, picture / baseline}};
-    std::puts(QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
+    printFigures({{u"bench"_s, u"grab"_s},
+                  {u"rounds"_s, rounds},
+                  {u"baseline_ms"_s, baseline},
+                  {u"picture_ms"_s, picture},
+                  {u"ratio"_s, picture / baseline}});
 }
 
 /// Installs an application for the windows that are left out. GLib reads the place once, so this
@@ -188,8 +185,7 @@ int benchGrab(const QStringList& arguments)
             throw Failure(u"The number of rounds is no number above zero."_s);
         measure(rounds);
     } catch (const Failure& failure) {
-        std::fprintf(stderr, "bench grab: %s\n", failure.what());
-        return 1;
+        return benchFailed(failure.message());
     }
     return 0;
 }

@@ -4,12 +4,11 @@
 #include "Mossbank/Platform/PlatformFactory.h"
 #include "MossbankCore/Capture/ImageProcessor.h"
 #include "MossbankCore/Support/Failure.h"
+#include "bench/BenchOutput.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImage>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 
 #include <cstdio>
@@ -19,9 +18,6 @@ namespace mossbank {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-constexpr int kFailed = 1;
-constexpr int kWrongUse = 2;
 
 void print(const QByteArray& bytes)
 {
@@ -61,7 +57,7 @@ void time(const QString& path, TextRecognizer& recognizer)
         {u"characters"_s, text.size()}, {u"ms"_s, milliseconds},
         {u"baseline_ms"_s, baseline},   {u"ratio"_s, milliseconds / baseline},
     };
-    print(QJsonDocument(figures).toJson(QJsonDocument::Compact) + '\n');
+    printFigures(figures);
 }
 
 } // namespace
@@ -71,8 +67,7 @@ int benchRead(const QStringList& arguments)
     QStringList files = arguments;
     const bool isTimed = files.removeAll(u"--time"_s) > 0;
     if (files.isEmpty()) {
-        std::fputs("mossbank-bench read FILE... [--time]\n", stderr);
-        return kWrongUse;
+        return benchWrongUse("read FILE... [--time]");
     }
     try {
         const auto recognizer = makeTextRecognizer();
@@ -87,8 +82,7 @@ int benchRead(const QStringList& arguments)
             print((index > 0 ? "\f" : "") + text.toUtf8());
         }
     } catch (const Failure& failure) {
-        std::fputs(qPrintable(failure.message() + u'\n'), stderr);
-        return kFailed;
+        return benchFailed(failure.message());
     }
     return 0;
 }

@@ -3,10 +3,9 @@
 
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Support/Failure.h"
+#include "bench/BenchOutput.h"
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
@@ -27,7 +26,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kWrongUse = 2;
 constexpr int kSaves = 200;
 constexpr qsizetype kPictureBytes = 300 * 1024;
 constexpr qsizetype kTextBytes = 2 * 1024;
@@ -222,7 +220,7 @@ void measure(const QString& folder, int rows)
     }
     constexpr double kMedian = 0.5;
     constexpr double kHigh = 0.99;
-    const QJsonObject result = {
+    printFigures({
         {u"bench"_s, u"save"_s},
         {u"rows"_s, rows},
         {u"saves"_s, kSaves},
@@ -231,8 +229,7 @@ void measure(const QString& folder, int rows)
         {u"baseline_median_ms"_s, rounded(quantile(bares, kMedian))},
         {u"baseline_p99_ms"_s, rounded(quantile(bares, kHigh))},
         {u"ratio"_s, rounded(quantile(saves, kMedian) / quantile(bares, kMedian))},
-    };
-    std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
+    });
 }
 
 } // namespace
@@ -242,15 +239,13 @@ int benchSave(const QStringList& arguments)
     bool isNumber = false;
     const int rows = arguments.value(1).toInt(&isNumber);
     if (arguments.size() != 2 || arguments.first() != u"--rows"_s || !isNumber || rows < 0) {
-        std::fputs("Usage: mossbank-bench save --rows N\n", stderr);
-        return kWrongUse;
+        return benchWrongUse("save --rows N");
     }
     try {
         const QTemporaryDir folder;
         measure(folder.path(), rows);
     } catch (const Failure& failure) {
-        std::fprintf(stderr, "%s\n", failure.what());
-        return 1;
+        return benchFailed(failure.message());
     }
     return 0;
 }
