@@ -250,10 +250,12 @@ CaptureVerdict CapturePass::nothingExcludedIsVisible()
 QCoro::Task<CaptureVerdict> CapturePass::takePicture()
 {
     m_takenAt = around().clock.now();
+    const QString own = QString::fromUtf16(kOwnBundleID);
     const PictureRequest request = {
         .display = m_display.id,
         .included = includedApplications(),
         .size = pictureSize(m_display.frame.size()),
+        .excluded = around().preferences.excludedBundles() + QStringList{own},
     };
     m_picture = co_await awaited(around().screen.picture(request));
     co_return isCurrent() ? Verdict::goOn() : Verdict::silently();

@@ -13,6 +13,7 @@ namespace mossbank {
 /// The application that the user is working in.
 ///
 /// Threading: the main thread.
+/// Errors: `current` throws a Failure when the desktop has gone; it looks for it anew first.
 class FrontApplication : public QObject {
     Q_OBJECT
 

@@ -61,12 +61,15 @@ struct PictureRequest {
     QStringList included;
     /// The size that the picture is to have, in pixels.
     QSize size;
+    /// The identities of the applications of which not even remains may be in it: what a window
+    /// that closed a moment ago has left on the screen.
+    QStringList excluded = {};
 };
 
 /// The displays, the windows on them and the still picture.
 ///
 /// Threading: called on the main thread; the work may be done elsewhere.
-/// Errors: a Failure through the future, within some ten seconds also where the system does not
+/// Errors: a Failure through the future, within some thirty seconds also where the system does not
 /// answer at all.
 class Screen {
 public:

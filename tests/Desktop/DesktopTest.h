@@ -29,10 +29,11 @@ inline std::unique_ptr<X11Screen> makeScreen()
 }
 
 /// A picture of the main display with windows of these applications only, at its own size.
-inline QImage pictureOf(Screen& screen, const QStringList& included)
+inline QImage pictureOf(Screen& screen, const QStringList& included,
+                        const QStringList& excluded = {})
 {
     const ScreenContent content = screen.content().result();
-    return screen.picture({content.mainDisplay.value_or(0), included, {}}).result();
+    return screen.picture({content.mainDisplay.value_or(0), included, {}, excluded}).result();
 }
 
 } // namespace mossbank::test

@@ -37,6 +37,7 @@ QJsonObject WindowSpec::toJson() const
             {u"type"_s, type},
             {u"overridesRedirect"_s, overridesRedirect},
             {u"tellsProcess"_s, tellsProcess},
+            {u"hasBackground"_s, hasBackground},
             {u"isMapped"_s, isMapped}};
 }
 
@@ -50,6 +51,7 @@ WindowSpec WindowSpec::fromJson(const QJsonObject& json)
             .type = json[u"type"].toString(),
             .overridesRedirect = json[u"overridesRedirect"].toBool(),
             .tellsProcess = json[u"tellsProcess"].toBool(),
+            .hasBackground = json[u"hasBackground"].toBool(),
             .isMapped = json[u"isMapped"].toBool()};
 }
 
@@ -76,13 +78,17 @@ xcb_window_t PaintedWindows::open(const WindowSpec& spec, int patience)
     if (!m_screen)
         return 0;
     const xcb_window_t window = xcb_generate_id(m_connection);
-    const std::array<quint32, 2> values = {spec.colour & 0xffffff, spec.overridesRedirect};
+    const std::array<quint32, 2> values = {spec.hasBackground ? spec.colour & 0xffffff
+                                                              : quint32{XCB_BACK_PIXMAP_NONE},
+                                           spec.overridesRedirect};
     const QRect& frame = spec.frame;
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, m_screen->root,
                       static_cast<qint16>(frame.x()), static_cast<qint16>(frame.y()),
                       static_cast<quint16>(frame.width()), static_cast<quint16>(frame.height()), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values.data());
+                      (spec.hasBackground ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) |
+                          XCB_CW_OVERRIDE_REDIRECT,
+                      values.data());
     // User's position and size, so that a window manager leaves it where it is.
     const std::array<quint32, 18> hints = {3};
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,

@@ -22,6 +22,8 @@ struct WindowSpec {
     QString type = {};
     bool overridesRedirect = false;
     bool tellsProcess = false;
+    /// Without one it keeps what lies where it opens.
+    bool hasBackground = true;
     /// Whether `open` waits until it shows.
     bool isMapped = true;
 

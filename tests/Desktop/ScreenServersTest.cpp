@@ -142,14 +142,17 @@ private Q_SLOTS:
         const QImage before = pictureOf(*screen, {});
         desktop.killServer();
         QCOMPARE(failureOf([&] { screen->content().result(); }),
-                 u"The connection to the X display %1 is lost."_s.arg(name));
+                 u"The X display %1 cannot be opened."_s.arg(name));
         QCOMPARE(failureOf([&] {
                      screen->picture({1, {}, {}}).result();
                  }),
                  u"The X display %1 cannot be opened."_s.arg(name));
         QVERIFY(!screen->isAllowed());
         QCOMPARE(screen->availability().reason, u"The X display %1 cannot be opened."_s.arg(name));
-        QVERIFY(!front.current());
+        QCOMPARE(failureOf([&] { (void)front.current(); }),
+                 u"The connection to the X display %1 is lost."_s.arg(name));
+        QCOMPARE(failureOf([&] { (void)front.current(); }),
+                 u"The X display %1 cannot be opened."_s.arg(name));
         QVERIFY(!front.availability().isAvailable);
         QCoreApplication::processEvents();
         QCOMPARE(before.size(), QSize(1920, 1080));
@@ -186,10 +189,43 @@ private Q_SLOTS:
         QVERIFY(!pictureOf(*screen, {}).isNull());
         PaintedWindows killer;
         killer.endEveryOtherClient();
-        QVERIFY(!failureOf([&] { screen->content().result(); }).isEmpty());
         QVERIFY(screen->isAllowed());
         QCOMPARE(screen->content().result().displays.size(), 1);
         QVERIFY(!pictureOf(*screen, {}).isNull());
+    }
+
+    void aServerThatIsStartedAgainIsFoundAgain()
+    {
+        VirtualDesktop desktop({.hasWindowManager = false});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        X11FrontApplication front(std::make_shared<ApplicationCatalog>(), ownProgram());
+        desktop.killServer();
+        QVERIFY(!failureOf([&] { (void)front.current(); }).isEmpty());
+        QVERIFY(!front.availability().isAvailable);
+        QProcess server;
+        server.start(u"Xvfb"_s, {qEnvironmentVariable("DISPLAY"), u"-displayfd"_s, u"1"_s,
+                                 u"-screen"_s, u"0"_s, u"640x480x24"_s, u"-nolisten"_s, u"tcp"_s});
+        QVERIFY(server.waitForReadyRead(10'000));
+        QVERIFY(!front.current());
+        QVERIFY(front.availability().isAvailable);
+        QCOMPARE(pictureOf(*screen, {}).size(), QSize(640, 480));
+        server.terminate();
+        QVERIFY(server.waitForFinished(5000));
+    }
+
+    void aScreenOfThirtyBitsIsCoveredInTheSameGrey()
+    {
+        const VirtualDesktop desktop(
+            {.arguments = {u"-screen"_s, u"0"_s, u"800x600x30"_s}, .hasWindowManager = false});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        WindowProgram beta;
+        QVERIFY(beta.open({.frame = {200, 200, 300, 200},
+                           .colour = kRed,
+                           .windowClass = u"Beta"_s,
+                           .overridesRedirect = true}));
+        QCOMPARE(pixelsOf(pictureOf(*screen, {}), qRgb(0x30, 0x30, 0x30)), 364 * 264);
     }
 };
 

@@ -167,6 +167,8 @@ private Q_SLOTS:
         rig.start();
         QCOMPARE(rig.screen.requests.front().included,
                  (QStringList{RecorderRig::kEditor.bundleID, RecorderRig::kOther.bundleID}));
+        QCOMPARE(rig.screen.requests.front().excluded,
+                 (QStringList{RecorderRig::kSecret.bundleID, RecorderRig::kMossbank.bundleID}));
     }
 
     void thePictureIsNeverWiderThan2048_data()

@@ -19,6 +19,7 @@ constexpr quint32 kAllPlanes = 0xffffffff;
 /// A quiet grey: what stands out would look like something on the screen.
 constexpr QRgb kCover = qRgb(0x30, 0x30, 0x30);
 constexpr quint16 kCover16 = 0x3186; // the same in five, six and five bits
+constexpr quint32 kCover30 = 0xc0u << 20 | 0xc0u << 10 | 0xc0u; // and in ten each
 
 struct LentSegment {
     std::shared_ptr<ShmPool> pool;
@@ -103,11 +104,14 @@ RootPicture::~RootPicture()
 
 void RootPicture::giveUpSegment()
 {
-    // A server that is late still writes into it, uncovered: then nobody gets it again.
-    if (m_connection.isSilent())
+    // A server that is late still writes into it, uncovered: then nobody gets it again. It lets
+    // go of it only after it has written.
+    if (m_connection.isSilent()) {
+        m_segment->detach(m_connection);
         m_segment.reset();
-    else
+    } else {
         m_pool->giveBack(std::move(m_segment));
+    }
 }
 
 void RootPicture::wait()
@@ -179,6 +183,8 @@ void RootPicture::cover(const QRegion& region) const
         uchar* const line = m_data + rect.y() * m_bytesPerLine;
         if (m_format == QImage::Format_RGB16)
             fill(line, rect, m_bytesPerLine, kCover16);
+        else if (m_format == QImage::Format_RGB30)
+            fill(line, rect, m_bytesPerLine, kCover30);
         else
             fill(line, rect, m_bytesPerLine, kCover);
     }

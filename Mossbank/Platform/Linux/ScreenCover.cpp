@@ -5,13 +5,10 @@ namespace mossbank {
 
 namespace {
 
-/// Compositors draw shadows and blurred edges around a window's frame, up to about this wide.
-constexpr int kShadow = 32;
-
 QRegion regionLeftOut(const QList<CoverWindow>& windows)
 {
     QRegion region;
-    const QMargins shadow(kShadow, kShadow, kShadow, kShadow);
+    const QMargins shadow(kShadowWidth, kShadowWidth, kShadowWidth, kShadowWidth);
     // Bottom to top, so that a menu of a menu is reached through the menu.
     for (auto window = windows.crbegin(); window != windows.crend(); ++window) {
         const bool isLeftOut =

@@ -18,6 +18,9 @@ enum class Visibility : quint8 {
     Unknown,
 };
 
+/// Compositors draw shadows and blurred edges around a window's frame, up to about this wide.
+constexpr int kShadowWidth = 32;
+
 struct CoverWindow {
     QRect frame;
     /// The part that hides what lies below.

@@ -17,7 +17,8 @@ constexpr std::size_t kMaxIdle = 2;
 
 } // namespace
 
-std::unique_ptr<ShmSegment> ShmSegment::make(const X11Connection& connection, std::size_t bytes)
+std::unique_ptr<ShmSegment> ShmSegment::make(const X11Connection& connection, std::size_t bytes,
+                                             bool* isRefused)
 {
     const int file = ::memfd_create("mossbank-picture", MFD_CLOEXEC);
     if (file < 0)
@@ -35,7 +36,15 @@ std::unique_ptr<ShmSegment> ShmSegment::make(const X11Connection& connection, st
     segment->m_id = xcb_generate_id(connection);
     // This closes the file.
     const auto attached = xcb_shm_attach_fd_checked(connection, segment->m_id, file, 0);
+    // An answer to what was asked later means that this has been done: checking waits no more.
+    if (!connection.reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus(connection))) {
+        xcb_discard_reply(connection, attached.sequence);
+        return {};
+    }
     const Reply<xcb_generic_error_t> error(xcb_request_check(connection, attached));
+    // Want of memory passes.
+    if (isRefused)
+        *isRefused = error && error->error_code != XCB_ALLOC;
     return error || connection.isBroken() ? nullptr : std::move(segment);
 }
 
@@ -66,9 +75,10 @@ std::unique_ptr<ShmSegment> ShmPool::take(const X11Connection& connection, std::
         }
         drop(connection, 0); // of other sizes: another display, or its mode has changed
     }
-    auto segment = ShmSegment::make(connection, bytes);
+    bool isRefused = false;
+    auto segment = ShmSegment::make(connection, bytes, &isRefused);
     const QMutexLocker lock(&m_mutex);
-    m_isRefused = !segment;
+    m_isRefused = isRefused;
     return segment;
 }
 

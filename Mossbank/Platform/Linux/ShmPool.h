@@ -15,8 +15,10 @@ namespace mossbank {
 /// Memory that this program and the X server both see.
 class ShmSegment {
 public:
-    /// Null when the server, which may be on another machine, cannot share `bytes` of memory.
-    static std::unique_ptr<ShmSegment> make(const X11Connection& connection, std::size_t bytes);
+    /// Null when there is no memory, or when the server, which may be on another machine, cannot
+    /// share it: then `isRefused` is set.
+    static std::unique_ptr<ShmSegment> make(const X11Connection& connection, std::size_t bytes,
+                                            bool* isRefused = nullptr);
     /// Gives this program's side back. The server's ends with the connection or with `detach`.
     ~ShmSegment();
     Q_DISABLE_COPY_MOVE(ShmSegment)

@@ -7,10 +7,12 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <xcb/damage.h>
 #include <xcb/randr.h>
 #include <xcb/res.h>
 #include <xcb/shape.h>
 #include <xcb/shm.h>
+#include <xcb/xfixes.h>
 
 using namespace Qt::StringLiterals;
 
@@ -103,6 +105,12 @@ bool X11Connection::isBroken() const
     return xcb_connection_has_error(m_connection) != 0;
 }
 
+void X11Connection::dropEvents() const
+{
+    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
+        continue;
+}
+
 void X11Connection::requireAlive() const
 {
     if (isBroken())
@@ -156,7 +164,8 @@ void X11Connection::findAtoms()
 
 void X11Connection::findExtensions()
 {
-    for (xcb_extension_t* extension : {&xcb_shm_id, &xcb_randr_id, &xcb_res_id, &xcb_shape_id})
+    for (xcb_extension_t* extension :
+         {&xcb_shm_id, &xcb_randr_id, &xcb_res_id, &xcb_shape_id, &xcb_damage_id, &xcb_xfixes_id})
         xcb_prefetch_extension_data(m_connection, extension);
     m_hasShape = isPresent(m_connection, xcb_shape_id);
     // A server adapts to the version that it is asked for, so each has to be asked.
@@ -175,6 +184,14 @@ void X11Connection::findExtensions()
         const auto version =
             reply<xcb_res_query_version_reply_t>(xcb_res_query_version(m_connection, 1, 2));
         m_hasRes = version && (version->server_major > 1 || version->server_minor >= 2);
+    }
+    if (isPresent(m_connection, xcb_damage_id) && isPresent(m_connection, xcb_xfixes_id)) {
+        const auto regions =
+            reply<xcb_xfixes_query_version_reply_t>(xcb_xfixes_query_version(m_connection, 2, 0));
+        const auto damage =
+            reply<xcb_damage_query_version_reply_t>(xcb_damage_query_version(m_connection, 1, 1));
+        // Regions came with 2.0.
+        m_hasDamage = damage && regions && regions->major_version >= 2;
     }
 }
 

@@ -63,8 +63,9 @@ using Reply = std::unique_ptr<T, XcbFree>;
 /// reply.
 class X11Connection {
 public:
-    /// A server that is merely busy answers far sooner; one that has stopped must be told of.
-    static constexpr int kPatience = 10'000;
+    /// A server that is merely busy, or held by a window being dragged, answers sooner; one that
+    /// has stopped must be told of.
+    static constexpr int kPatience = 30'000;
 
     /// `patience` bounds in milliseconds how long a reply is waited for.
     explicit X11Connection(int patience = kPatience);
@@ -80,6 +81,7 @@ public:
     bool hasRandr() const { return m_hasRandr; }
     bool hasRes() const { return m_hasRes; }
     bool hasShape() const { return m_hasShape; }
+    bool hasDamage() const { return m_hasDamage; }
 
     /// Which of the server's clients made `resource`. 0 is the server itself.
     quint32 clientOf(quint32 resource) const;
@@ -100,6 +102,8 @@ public:
     }
 
     bool isBroken() const;
+    /// Throws away the events that have come in. Notices a connection that has been ended.
+    void dropEvents() const;
     /// Whether a reply has been waited for in vain since `forgetSilence`. From then on none is
     /// waited for: all further replies are empty, and say nothing of what was asked.
     bool isSilent() const { return m_isSilent; }
@@ -127,6 +131,7 @@ private:
     bool m_hasRandr = false;
     bool m_hasRes = false;
     bool m_hasShape = false;
+    bool m_hasDamage = false;
 };
 
 /// Holds every other program's requests back while it lives, so that all that is asked meanwhile

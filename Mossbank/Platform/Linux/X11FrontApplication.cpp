@@ -24,17 +24,24 @@ X11FrontApplication::X11FrontApplication(std::shared_ptr<ApplicationCatalog> cat
                                          OwnProgram own)
     : m_catalog(std::move(catalog))
     , m_own(std::move(own))
-    , m_connection(std::make_unique<X11Connection>(kPatience))
 {
+    connectToServer();
+    m_lastTold = ask();
+}
+
+X11FrontApplication::~X11FrontApplication() = default;
+
+void X11FrontApplication::connectToServer()
+{
+    auto fresh = std::make_unique<X11Connection>(kPatience);
+    m_notifier.reset();
+    m_connection = std::move(fresh);
     const quint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(*m_connection, m_connection->root(), XCB_CW_EVENT_MASK, &events);
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(*m_connection),
                                                    QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11FrontApplication::readEvents);
-    m_lastTold = ask();
 }
-
-X11FrontApplication::~X11FrontApplication() = default;
 
 Availability X11FrontApplication::availability() const
 {
@@ -48,7 +55,13 @@ Availability X11FrontApplication::availability() const
 
 std::optional<Application> X11FrontApplication::current() const
 {
+    if (m_connection->isBroken()) {
+        // To whoever asks, it is still the same desktop.
+        const_cast<X11FrontApplication*>(this)->connectToServer();
+    }
     auto application = ask();
+    if (m_connection->isBroken())
+        m_connection->requireAlive();
     // An event that came in with the answer wakes no notifier any more.
     QTimer::singleShot(0, this, &X11FrontApplication::readEvents);
     return application;
@@ -94,7 +107,9 @@ void X11FrontApplication::readEvents()
 
 void X11FrontApplication::tellOfChange()
 {
-    const auto now = current();
+    // Not `current`, which throws: nobody is there to catch it.
+    const auto now = ask();
+    QTimer::singleShot(0, this, &X11FrontApplication::readEvents);
     if (!now || now == m_lastTold)
         return;
     m_lastTold = now;

@@ -26,6 +26,7 @@ public:
     std::optional<Application> current() const override;
 
 private:
+    void connectToServer();
     std::optional<Application> ask() const;
     void readEvents();
     void tellOfChange();

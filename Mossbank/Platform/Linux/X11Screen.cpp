@@ -5,6 +5,8 @@
 #include "Mossbank/Platform/Linux/ScreenCover.h"
 #include "MossbankCore/Support/Failure.h"
 
+#include <QDateTime>
+
 #include <algorithm>
 #include <utility>
 
@@ -12,17 +14,21 @@ using namespace Qt::StringLiterals;
 
 namespace mossbank {
 
-/// Does `look` on the queue. After a failure that broke the connection there is a new one, if the
-/// server is still there, so that one lost connection is one failure.
+/// Does `look` on the queue. A connection that was lost is made anew before, so that a server that
+/// has come back is found at once, and after a failure that broke it.
 template <typename Look>
 auto X11Screen::look(Look look)
 {
     return m_queue.run([this, look = std::move(look)] {
-        if (!m_connection)
+        if (m_connection)
+            m_connection->dropEvents();
+        if (!m_connection || m_connection->isBroken())
             connectAnew();
         if (!m_connection)
             throw Failure(availability().reason);
         m_connection->forgetSilence();
+        if (!m_drawn)
+            m_drawn = std::make_unique<DrawnRegion>(*m_connection);
         try {
             return look();
         } catch (const Failure&) {
@@ -40,6 +46,7 @@ X11Screen::X11Screen(std::shared_ptr<ApplicationCatalog> catalog, OwnProgram own
     , m_pool(std::make_shared<ShmPool>())
     , m_queue(u"Screen"_s)
 {
+    m_age.start();
 }
 
 X11Screen::~X11Screen()
@@ -69,6 +76,7 @@ QFuture<QImage> X11Screen::picture(PictureRequest request)
 
 void X11Screen::connectAnew()
 {
+    m_drawn.reset();
     m_pool = std::make_shared<ShmPool>();
     std::unique_ptr<X11Connection> connection;
     QString whyBroken;
@@ -96,9 +104,11 @@ ScreenContent X11Screen::readContent()
     QList<X11Window> windows;
     {
         const ServerGrab grab(connection);
+        m_drawn->ask();
         desktop = X11Desktop::read(connection);
         windows = readWindows(connection, desktop, X11Scope::All);
     }
+    lookForGhosts(windows);
     ScreenContent content = {{}, desktop.displays, desktop.mainDisplay, {}};
     for (const X11Window& window : std::as_const(windows)) {
         const QList<Application> owners = applicationsOf(window);
@@ -133,13 +143,30 @@ QImage X11Screen::takePicture(const PictureRequest& request)
         }
         // The server copies the pixels while the windows are asked for.
         picture.emplace(connection, m_pool, area);
+        m_drawn->ask();
         windows = readWindows(connection, desktop, X11Scope::Viewable);
         picture->wait();
     }
-    const QImage image = picture->take(coveredRegion(windows, request.included));
+    lookForGhosts(windows);
+    const QImage image = picture->take(coveredRegion(windows, request.included) +
+                                       m_ghosts.regionToCover(request.excluded));
     if (request.size.isEmpty() || image.size() == request.size)
         return image;
     return image.scaled(request.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+void X11Screen::lookForGhosts(const QList<X11Window>& windows)
+{
+    QList<SeenWindow> seen;
+    for (const X11Window& window : windows) {
+        if (!window.isViewable)
+            continue;
+        SeenWindow one = {window.id, window.frame, {}};
+        for (const Application& owner : applicationsOf(window))
+            one.owners.append(owner.bundleID);
+        seen.append(one);
+    }
+    m_ghosts.look(seen, m_drawn->read(), m_age.elapsed());
 }
 
 QRegion X11Screen::coveredRegion(const QList<X11Window>& windows, const QStringList& included)

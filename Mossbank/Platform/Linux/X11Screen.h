@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Mossbank/Platform/Linux/DrawnRegion.h"
 #include "Mossbank/Platform/Linux/OwnProgram.h"
+#include "Mossbank/Platform/Linux/ScreenGhosts.h"
 #include "Mossbank/Platform/Linux/ShmPool.h"
 #include "Mossbank/Platform/Linux/X11Windows.h"
 #include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Support/SerialQueue.h"
 
+#include <QElapsedTimer>
 #include <QMutex>
 
 #include <memory>
@@ -43,6 +46,7 @@ private:
     void connectAnew();
     ScreenContent readContent();
     QImage takePicture(const PictureRequest& request);
+    void lookForGhosts(const QList<X11Window>& windows);
     QRegion coveredRegion(const QList<X11Window>& windows, const QStringList& included);
     QList<Application> applicationsOf(const X11Window& window);
 
@@ -56,6 +60,10 @@ private:
     bool m_isEnding = false;
 
     std::shared_ptr<ShmPool> m_pool;
+    /// What was drawn between two looks, and what windows that went in between have left.
+    std::unique_ptr<DrawnRegion> m_drawn;
+    ScreenGhosts m_ghosts;
+    QElapsedTimer m_age;
     SerialQueue m_queue;
 };
 

@@ -188,7 +188,9 @@ QList<X11Window> readWindows(const X11Connection& connection, const X11Desktop& 
 
     QList<X11Window> windows;
     for (qsizetype index = 0; index < topLevels.size(); ++index) {
-        X11Window window = {topLevels[index].frame, {}, owners[index], {}, 0, false};
+        X11Window window = {
+            topLevels[index].frame,     {}, owners[index], {}, 0, false, topLevels[index].id,
+            topLevels[index].isViewable};
         if (scope == X11Scope::All)
             details[index].readInto(window, desktop);
         else

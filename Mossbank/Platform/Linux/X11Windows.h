@@ -17,6 +17,8 @@ struct X11Window {
     QString title;
     int layer = 0;
     bool isOnScreen = false;
+    xcb_window_t id = XCB_NONE;
+    bool isViewable = false;
 };
 
 /// The windows front to back. Grab the server around it and around what has to go with it.
