@@ -45,6 +45,11 @@ void sayWhatIsMissing(const Platform& platform)
 
 void sayHowToRecord(const Preferences& preferences)
 {
+    if (!preferences.isReadable()) {
+        TerminalStatus::complain(
+            localized("The choices in %1 cannot be read.").arg(preferences.path()));
+        return;
+    }
     if (!preferences.recordsAtLaunch())
         TerminalStatus::say(
             localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")

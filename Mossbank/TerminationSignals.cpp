@@ -49,6 +49,8 @@ TerminationSignals::TerminationSignals(QObject* parent)
     writeEnd = m_pipe[1];
     for (const int signal : kSignals)
         handle(signal, note);
+    // Who reads what is shown may stop reading; that is no reason to stop recording.
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 TerminationSignals::~TerminationSignals()

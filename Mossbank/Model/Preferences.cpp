@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/Preferences.h"
 
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <cmath>
@@ -38,6 +39,8 @@ QStringList passwordManagers()
 Preferences::Preferences(const QString& path, QObject* parent)
     : QObject(parent)
     , m_settings(path, QSettings::IniFormat)
+    , m_isReadable(m_settings.status() == QSettings::NoError && !QFileInfo(path).isDir() &&
+                   (!QFileInfo::exists(path) || QFileInfo(path).isReadable()))
     , m_interval(number(kInterval, 30.0))
     , m_imageQuality(number(kImageQuality, 0.78))
     , m_skipsUnchangedScreens(flag(kSkipsUnchangedScreens, true))

@@ -26,6 +26,10 @@ public:
     /// The user's own file.
     static QString userPath();
 
+    /// Whether the file could be read, or is not there. Where it could not, every choice is at its
+    /// default, and the user must know.
+    bool isReadable() const { return m_isReadable; }
+
     /// Where the choices are stored.
     QString path() const { return m_settings.fileName(); }
 
@@ -91,6 +95,7 @@ private:
     QStringList list(const QString& key, const QStringList& fallback) const;
 
     QSettings m_settings;
+    bool m_isReadable;
     double m_interval;
     double m_imageQuality;
     bool m_skipsUnchangedScreens;

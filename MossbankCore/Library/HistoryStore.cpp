@@ -60,6 +60,7 @@ HistoryStore::HistoryStore(Writing options)
     , m_vault(std::move(options.vault))
     , m_calendar(std::move(options.calendar))
     , m_db(openForWriting(m_root))
+    , m_databaseFile(Files::identity(databasePath(m_root)))
     // Some builds of SQLite have no such option. They work as well, at the price of a rebuilt
     // index for every removal.
     , m_purgesDeletedTerms(m_db.tryExecute(
@@ -75,6 +76,7 @@ HistoryStore::HistoryStore(ReadingOnly options)
     : m_root(std::move(options.root))
     , m_calendar(std::move(options.calendar))
     , m_db(openForReading(m_root))
+    , m_databaseFile(Files::identity(databasePath(m_root)))
     , m_schemaVersion(Schema::userVersion(m_db))
     , m_queue(u"HistoryStore"_s)
 {
@@ -99,6 +101,12 @@ void HistoryStore::tightenDatabasePermissions(const QString& root)
         if (file.exists())
             file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     }
+}
+
+void HistoryStore::requireDatabaseInPlace() const
+{
+    if (Files::identity(databasePath(m_root)) != m_databaseFile)
+        throw StoreError(u"The history database was removed or replaced."_s);
 }
 
 QFuture<QString> HistoryStore::queryPlan(QString sql)

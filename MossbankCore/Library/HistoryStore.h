@@ -4,6 +4,7 @@
 #include "MossbankCore/Library/Database.h"
 #include "MossbankCore/Library/Memory.h"
 #include "MossbankCore/Support/Calendar.h"
+#include "MossbankCore/Support/Files.h"
 #include "MossbankCore/Support/SerialQueue.h"
 
 #include <QFuture>
@@ -114,6 +115,9 @@ private:
         QString whereSQL() const;
     };
 
+    /// Throws when the database's file is no longer the one that is open: what is written into a
+    /// removed file is lost without a word.
+    void requireDatabaseInPlace() const;
     void saveNow(const Memory& memory, const QByteArray& jpeg);
     void insertRow(const Memory& memory, qsizetype bytesOnDisk);
     QList<Memory> fetchNow(const FetchRequest& request);
@@ -128,6 +132,8 @@ private:
     std::shared_ptr<const ImageVault> m_vault;
     CalendarSource m_calendar;
     Database m_db;
+    /// Which file the database was when it was opened.
+    Files::Identity m_databaseFile;
     bool m_purgesDeletedTerms = false;
     int m_schemaVersion = 0;
     /// Last, so that it has finished before anything above goes.

@@ -79,6 +79,14 @@ void syncFolder(const QString& path)
 
 } // namespace
 
+Files::Identity Files::identity(const QString& path)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino};
+}
+
 void Files::createFolder(const QString& path)
 {
     const QByteArray name = QFile::encodeName(path);

@@ -15,6 +15,15 @@ class Files {
 public:
     Files() = delete;
 
+    /// What tells a file from every other, also from one that took its name: its place on its
+    /// disk. Both zero for a file that is not there.
+    struct Identity {
+        quint64 device = 0;
+        quint64 inode = 0;
+        friend bool operator==(Identity, Identity) = default;
+    };
+    static Identity identity(const QString& path);
+
     /// Makes the folder and those above it that are missing, open to the user alone (0700). A
     /// folder that is there already stays as it is.
     static void createFolder(const QString& path);

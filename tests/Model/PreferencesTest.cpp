@@ -105,6 +105,15 @@ excludedBundles=@Size(3 4)
         compareWithDefaults(Preferences(write(folder, nonsense)));
     }
 
+    void aFileThatCannotBeReadIsKnown()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(Preferences(folder.filePath(u"not there.ini"_s)).isReadable());
+        QVERIFY(Preferences(write(folder, "[General]\ninterval=7\n")).isReadable());
+        QVERIFY(!Preferences(folder.path()).isReadable());
+        QVERIFY(!Preferences(write(folder, "interval 7\n[General\n=\n")).isReadable());
+    }
+
     void choicesSurviveARestart()
     {
         const QTemporaryDir folder;

@@ -60,6 +60,8 @@ class BadLibraryTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aDatabaseThatIsNoLongerThereTakesNoSave_data();
+    void aDatabaseThatIsNoLongerThereTakesNoSave();
     void aLibraryBelowAFileCannotBeMade();
     void aLibraryThatIsAFileCannotBeOpened();
     void aLibraryInAFolderOfOthersCannotBeMade();
@@ -345,12 +347,34 @@ void BadLibraryTest::aDatabaseLostWhileOpenHurtsNothing()
     const LibraryFolder folder;
     HistoryStore store(HistoryStore::Writing{.root = folder.root()});
     QVERIFY(QDir(folder.root()).removeRecursively());
-    // A save makes the folder of markers and then misses the one of pictures.
-    QCOMPARE(failure<FileError>(
+    QCOMPARE(failure<StoreError>(
                  [&store] { store.save(sampleMemory(u"A"_s), "jpeg").waitForFinished(); }),
-             refusal(ENOENT, folder.images() + u"/A.jpg"_s));
+             u"The history database was removed or replaced."_s);
     QCOMPARE(names(folder.pending()), QStringList{});
     QCOMPARE(store.fetch({.limit = 9}).result(), QList<Memory>());
+}
+
+void BadLibraryTest::aDatabaseThatIsNoLongerThereTakesNoSave_data()
+{
+    QTest::addColumn<bool>("isReplaced");
+    QTest::newRow("removed") << false;
+    QTest::newRow("replaced") << true;
+}
+
+void BadLibraryTest::aDatabaseThatIsNoLongerThereTakesNoSave()
+{
+    QFETCH(bool, isReplaced);
+    const LibraryFolder folder;
+    HistoryStore store(HistoryStore::Writing{.root = folder.root()});
+    store.save(sampleMemory(u"A"_s), "jpeg").waitForFinished();
+    QVERIFY(QFile::rename(folder.database(), folder.root() + u"/elsewhere"_s));
+    if (isReplaced)
+        QVERIFY(QFile::copy(folder.root() + u"/elsewhere"_s, folder.database()));
+    QCOMPARE(failure<StoreError>(
+                 [&store] { store.save(sampleMemory(u"B"_s), "jpeg").waitForFinished(); }),
+             u"The history database was removed or replaced."_s);
+    QCOMPARE(names(folder.images()), QStringList{u"A.jpg"_s});
+    QCOMPARE(names(folder.pending()), QStringList{});
 }
 
 QTEST_GUILESS_MAIN(BadLibraryTest)
