@@ -75,7 +75,15 @@ constexpr double kSecondsAMinute = 60;
 
 bool owns(const QStringList& bundleIDs, const ScreenWindow& window)
 {
-    return window.owner && bundleIDs.contains(window.owner->bundleID);
+    return std::ranges::any_of(window.owners,
+                               [&](const Application& owner) { return owner.isAmong(bundleIDs); });
+}
+
+bool isOf(const ScreenWindow& window, const Application& application)
+{
+    return std::ranges::any_of(window.owners, [&](const Application& owner) {
+        return owner.bundleID == application.bundleID;
+    });
 }
 
 qint64 area(const ScreenWindow& window)
@@ -174,7 +182,7 @@ CaptureVerdict CapturePass::frontIsNotMossbank()
 
 CaptureVerdict CapturePass::frontIsNotExcluded()
 {
-    if (around().preferences.excludedBundles().contains(m_front.bundleID))
+    if (m_front.isAmong(around().preferences.excludedBundles()))
         return Verdict::skip(localized("Skipped an excluded app"));
     return Verdict::goOn();
 }
@@ -204,8 +212,7 @@ QCoro::Task<CaptureVerdict> CapturePass::askForContent()
 CaptureVerdict CapturePass::findWindow()
 {
     for (const ScreenWindow& window : std::as_const(m_content.windows)) {
-        const bool isCandidate = window.owner && window.owner->bundleID == m_front.bundleID &&
-                                 window.isOnScreen && window.layer == 0;
+        const bool isCandidate = isOf(window, m_front) && window.isOnScreen && window.layer == 0;
         if (isCandidate && (!m_window || area(window) > area(*m_window)))
             m_window = window;
     }
@@ -266,8 +273,13 @@ QStringList CapturePass::includedApplications() const
     const QStringList excluded = around().preferences.excludedBundles();
     QStringList included;
     for (const Application& application : m_content.applications) {
-        if (application.bundleID != kOwnBundleID && !excluded.contains(application.bundleID))
+        if (application.bundleID != kOwnBundleID)
             included.append(application.bundleID);
+    }
+    // By one name a program may be excluded and by another not; then it is.
+    for (const Application& application : m_content.applications) {
+        if (application.isAmong(excluded))
+            included.removeAll(application.bundleID);
     }
     return included;
 }

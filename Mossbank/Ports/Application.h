@@ -3,6 +3,9 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace mossbank {
 
@@ -14,6 +17,18 @@ struct Application {
     QString bundleID;
     /// Its name for the user, in the user's language. Empty when it has none.
     QString name;
+    /// Further names by which it may be known, where what it says of itself and what it is differ.
+    /// They count for exclusions alone.
+    QStringList aliases = {};
+
+    /// Whether it is one of these by any of its names, in any case of their letters.
+    bool isAmong(const QStringList& bundleIDs) const
+    {
+        return bundleIDs.contains(bundleID, Qt::CaseInsensitive) ||
+               std::ranges::any_of(aliases, [&](const QString& alias) {
+                   return bundleIDs.contains(alias, Qt::CaseInsensitive);
+               });
+    }
 
     friend bool operator==(const Application&, const Application&) = default;
 };

@@ -29,8 +29,9 @@ struct Display {
 
 /// A window with its frame and decorations, a menu, a tooltip, a panel.
 struct ScreenWindow {
-    /// Absent when the window tells nothing by which it could be known.
-    std::optional<Application> owner;
+    /// Several where programs draw inside each other's windows. Empty when the window tells nothing
+    /// by which it could be known.
+    QList<Application> owners;
     QString title;
     /// 0 for ordinary windows; below for the desktop, above for panels, menus and the like.
     int layer = 0;
@@ -49,15 +50,16 @@ struct ScreenContent {
     QList<Display> displays;
     /// The one with the desktop's panel, or the first. Absent when there is no display.
     std::optional<DisplayID> mainDisplay;
-    /// Every application that owns a window, each once.
+    /// Every application that owns a window, each once, by all its names.
     QList<Application> applications;
 };
 
 /// What a picture is to show.
 struct PictureRequest {
     DisplayID display = 0;
-    /// The identities of the applications that may be in it. Windows of all others are covered
-    /// by a flat colour before anyone sees the pixels, also those that opened a moment ago.
+    /// The identities of the applications that may be in it. Windows of all others that are known
+    /// are covered by a flat colour before anyone sees the pixels, also those that opened a moment
+    /// ago; and of nobody known those that lie over such a one.
     QStringList included;
     /// The size that the picture is to have, in pixels.
     QSize size;

@@ -82,7 +82,8 @@ private Q_SLOTS:
         }
         QCOMPARE(applications.size(), content.applications.size());
         for (const ScreenWindow& window : content.windows)
-            QVERIFY(!window.owner || applications.contains(window.owner->bundleID));
+            for (const Application& owner : window.owners)
+                QVERIFY(applications.contains(owner.bundleID));
         QCOMPARE(screen->content().result().displays, content.displays);
     }
 

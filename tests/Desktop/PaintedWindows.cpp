@@ -38,7 +38,8 @@ QJsonObject WindowSpec::toJson() const
             {u"overridesRedirect"_s, overridesRedirect},
             {u"tellsProcess"_s, tellsProcess},
             {u"hasBackground"_s, hasBackground},
-            {u"isMapped"_s, isMapped}};
+            {u"isMapped"_s, isMapped},
+            {u"parent"_s, static_cast<qint64>(parent)}};
 }
 
 WindowSpec WindowSpec::fromJson(const QJsonObject& json)
@@ -52,7 +53,8 @@ WindowSpec WindowSpec::fromJson(const QJsonObject& json)
             .overridesRedirect = json[u"overridesRedirect"].toBool(),
             .tellsProcess = json[u"tellsProcess"].toBool(),
             .hasBackground = json[u"hasBackground"].toBool(),
-            .isMapped = json[u"isMapped"].toBool()};
+            .isMapped = json[u"isMapped"].toBool(),
+            .parent = static_cast<quint32>(json[u"parent"].toInteger())};
 }
 
 PaintedWindows::PaintedWindows()
@@ -82,13 +84,13 @@ xcb_window_t PaintedWindows::open(const WindowSpec& spec, int patience)
                                                               : quint32{XCB_BACK_PIXMAP_NONE},
                                            spec.overridesRedirect};
     const QRect& frame = spec.frame;
-    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, m_screen->root,
-                      static_cast<qint16>(frame.x()), static_cast<qint16>(frame.y()),
-                      static_cast<quint16>(frame.width()), static_cast<quint16>(frame.height()), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      (spec.hasBackground ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) |
-                          XCB_CW_OVERRIDE_REDIRECT,
-                      values.data());
+    xcb_create_window(
+        m_connection, XCB_COPY_FROM_PARENT, window, spec.parent ? spec.parent : m_screen->root,
+        static_cast<qint16>(frame.x()), static_cast<qint16>(frame.y()),
+        static_cast<quint16>(frame.width()), static_cast<quint16>(frame.height()), 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+        (spec.hasBackground ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) | XCB_CW_OVERRIDE_REDIRECT,
+        values.data());
     // User's position and size, so that a window manager leaves it where it is.
     const std::array<quint32, 18> hints = {3};
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,

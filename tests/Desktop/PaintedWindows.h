@@ -26,6 +26,8 @@ struct WindowSpec {
     bool hasBackground = true;
     /// Whether `open` waits until it shows.
     bool isMapped = true;
+    /// The window that it is put into, whoever has that. 0: it stands by itself.
+    quint32 parent = 0;
 
     QJsonObject toJson() const;
     static WindowSpec fromJson(const QJsonObject& json);

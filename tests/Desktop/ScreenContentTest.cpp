@@ -13,7 +13,7 @@ QList<ScreenWindow> windowsOf(const ScreenContent& content, const QString& bundl
 {
     QList<ScreenWindow> windows;
     for (const ScreenWindow& window : content.windows) {
-        if (window.owner && window.owner->bundleID == bundleID)
+        if (window.owners.value(0).bundleID == bundleID)
             windows.append(window);
     }
     return windows;
@@ -52,14 +52,19 @@ private Q_SLOTS:
         const ScreenContent content = m_screen->content().result();
         const auto windows = windowsOf(content, kAlpha);
         QCOMPARE(windows.size(), 1);
-        QCOMPARE(windows[0].owner->name, u"Alpha of the tests"_s);
+        QCOMPARE(windows[0].owners.value(0).name, u"Alpha of the tests"_s);
         QCOMPARE(windows[0].title, u"Übersicht – Ağaç"_s);
         QCOMPARE(windows[0].layer, 0);
         QVERIFY(windows[0].isOnScreen);
         // With the title bar that the window manager adds.
         QVERIFY(windows[0].frame.width() >= kFrame.width());
         QVERIFY(windows[0].frame.height() > kFrame.height());
-        QVERIFY(content.applications.contains(Application{kAlpha, u"Alpha of the tests"_s}));
+        const Application application = windows[0].owners.value(0);
+        QVERIFY(content.applications.contains(application));
+        // By the program that it really is it is known as well, whatever it calls itself.
+        QVERIFY(application.isAmong({u"org.example.ALPHA"_s}));
+        QVERIFY(application.isAmong({u"desktop_window_program"_s}));
+        QVERIFY(!application.isAmong({kBeta}));
     }
 
     void windowsComeFrontToBackAndTheirApplicationOnce()
@@ -196,7 +201,7 @@ private Q_SLOTS:
         QTRY_COMPARE(windowsOf(m_screen->content().result(), u"debian-xterm"_s).size(), 1);
         const auto windows = windowsOf(m_screen->content().result(), u"debian-xterm"_s);
         QCOMPARE(windows[0].title, u"a terminal"_s);
-        QCOMPARE(windows[0].owner->name, u"XTerm"_s);
+        QCOMPARE(windows[0].owners.value(0).name, u"XTerm"_s);
     }
 
 private:

@@ -64,6 +64,27 @@ private Q_SLOTS:
         QCOMPARE(pixelsOf(picture, kGreen), 300 * 200);
     }
 
+    void aWindowInsideAnothersIsOfBoth()
+    {
+        WindowProgram alpha;
+        WindowProgram beta;
+        const quint32 host = alpha.open(
+            {.frame = {700, 200, 400, 300}, .colour = kGreen, .windowClass = u"Alpha"_s});
+        QVERIFY(host);
+        QVERIFY(beta.open({.frame = {50, 50, 200, 150},
+                           .colour = kRed,
+                           .windowClass = u"Beta"_s,
+                           .parent = host}));
+        const ScreenContent content = m_screen->content().result();
+        const bool isTold = std::ranges::any_of(content.windows, [](const ScreenWindow& window) {
+            return std::ranges::any_of(
+                window.owners, [](const Application& owner) { return owner.bundleID == kBeta; });
+        });
+        QVERIFY(isTold);
+        QCOMPARE(pixelsOf(pictureOf(*m_screen, {kAlpha}), kRed), 0);
+        QCOMPARE(pixelsOf(pictureOf(*m_screen, {kAlpha, kBeta}), kRed), 200 * 150);
+    }
+
     void anExcludedWindowPartlyCoveredIsInNoPicture()
     {
         WindowProgram alpha;

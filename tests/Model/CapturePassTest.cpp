@@ -64,7 +64,7 @@ private Q_SLOTS:
             make(RecorderRig::kEditor, QRect(0, 0, 50, 50), u"small"_s),
             make(RecorderRig::kEditor, QRect(0, 0, 100, 100), u"large"_s),
             make(RecorderRig::kEditor, QRect(9, 9, 100, 100), u"as large, further back"_s),
-            {.owner = std::nullopt, .title = u"nobody's"_s, .frame = QRect(0, 0, 320, 200)},
+            {.owners = {}, .title = u"nobody's"_s, .frame = QRect(0, 0, 320, 200)},
         };
         rig.start();
         QCOMPARE(rig.saved().first().title, u"large"_s);
@@ -157,6 +157,37 @@ private Q_SLOTS:
         QVERIFY(rig.recorder->screensSeen().motion.sightings.empty());
         QCOMPARE(rig.recorder->screensSeen().lastScreen, saved);
         QCOMPARE(rig.recorder->status(), u"Skipped an unchanged screen"_s);
+    }
+
+    void anApplicationExcludedByAnyOfItsNamesIsExcluded_data()
+    {
+        QTest::addColumn<QString>("excluded");
+        QTest::newRow("its identity") << u"org.example.Editor"_s;
+        QTest::newRow("in other letters") << u"ORG.example.editor"_s;
+        QTest::newRow("what it runs from") << u"editor-bin"_s;
+    }
+    void anApplicationExcludedByAnyOfItsNamesIsExcluded()
+    {
+        QFETCH(QString, excluded);
+        RecorderRig rig;
+        Application editor = RecorderRig::kEditor;
+        editor.aliases = {u"editor-bin"_s};
+        rig.preferences.setExcludedBundles({excluded});
+        rig.front.setCurrent(editor);
+        rig.start();
+        QCOMPARE(rig.recorder->status(), u"Skipped an excluded app"_s);
+
+        rig.front.setCurrent(RecorderRig::kOther);
+        rig.screen.contentNow.windows = {
+            RecorderRig::window(RecorderRig::kOther, QRect(0, 0, 99, 99)),
+            RecorderRig::window(editor, QRect(0, 0, 9, 9))};
+        rig.nextPass();
+        QCOMPARE(rig.recorder->status(), u"Skipped: an excluded app is visible"_s);
+
+        rig.screen.contentNow.windows.removeLast();
+        rig.screen.contentNow.applications = {RecorderRig::kEditor, editor, RecorderRig::kOther};
+        rig.nextPass();
+        QCOMPARE(rig.screen.requests.front().included, QStringList{RecorderRig::kOther.bundleID});
     }
 
     void onlyWhatMayBeInThePictureIsAskedFor()

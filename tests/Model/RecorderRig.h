@@ -94,7 +94,7 @@ public:
     static ScreenWindow window(const Application& owner, const QRect& frame,
                                const QString& title = QStringLiteral("letter.txt — Editor"))
     {
-        return {.owner = owner, .title = title, .layer = 0, .frame = frame, .isOnScreen = true};
+        return {.owners = {owner}, .title = title, .layer = 0, .frame = frame, .isOnScreen = true};
     }
 
     /// Everything saved so far, newest first.

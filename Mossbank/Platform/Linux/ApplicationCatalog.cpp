@@ -161,7 +161,17 @@ ApplicationCatalog::~ApplicationCatalog() = default;
 Application ApplicationCatalog::application(const WindowClass& windowClass,
                                             std::optional<qint64> process)
 {
-    return application(windowClass, process ? executableOf(*process) : QString());
+    const QString executable = process ? executableOf(*process) : QString();
+    Application found = application(windowClass, executable);
+    // What it says of itself, by each of its two words, and what it runs from.
+    for (const Application& other :
+         {application({windowClass.instance, {}}, QString()),
+          application({{}, windowClass.name}, QString()), application({}, executable)}) {
+        const bool isNew = !other.bundleID.isEmpty() && !found.isAmong({other.bundleID});
+        if (isNew)
+            found.aliases.append(other.bundleID);
+    }
+    return found;
 }
 
 Application ApplicationCatalog::application(const WindowClass& windowClass,

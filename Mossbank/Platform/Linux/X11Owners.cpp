@@ -41,6 +41,12 @@ X11Owner answer(const X11Connection& connection, const AskedOwner& asked)
     return owner;
 }
 
+/// The windows that say whose a top-level one is.
+QList<xcb_window_t> speakersOf(const X11TopLevel& topLevel)
+{
+    return topLevel.clients.isEmpty() ? QList{topLevel.id} : topLevel.clients;
+}
+
 class OwnerReader {
 public:
     OwnerReader(const X11Connection& connection, const X11Desktop& desktop)
@@ -84,22 +90,41 @@ public:
         QSet<qint64> processes;
     };
 
-    Kin kin(const X11TopLevel& topLevel) const
+    /// Who has a hand in a window without having named itself there, each by itself: one that has
+    /// named itself says nothing of another. The maker of a frame around a program's window is the
+    /// window manager, whose pixels are the frame's alone.
+    QList<Kin> silent(const X11TopLevel& topLevel) const
     {
-        Kin kin = {topLevel.makers, {}};
-        if (!topLevel.clients.isEmpty()) {
-            // The frame around them is the window manager's, which is no relative.
-            kin.makers.clear();
-            for (const xcb_window_t client : topLevel.clients)
-                kin.makers.insert(m_connection.clientOf(client));
+        QSet<quint32> heard;
+        for (const xcb_window_t window : speakersOf(topLevel)) {
+            if (!m_owners.value(window).windowClass.isEmpty())
+                heard.insert(m_connection.clientOf(window));
         }
-        for (const quint32 maker : std::as_const(kin.makers)) {
-            const auto process = m_desktop.processes.constFind(maker);
-            if (process != m_desktop.processes.constEnd())
-                kin.processes.insert(*process);
+        const quint32 framer = m_connection.clientOf(topLevel.id);
+        const bool isFrame = std::ranges::none_of(speakersOf(topLevel), [&](xcb_window_t window) {
+            return m_connection.clientOf(window) == framer;
+        });
+        if (isFrame)
+            heard.insert(framer);
+        QList<Kin> kins;
+        for (const quint32 maker : topLevel.makers) {
+            if (!heard.contains(maker))
+                kins.append(kinOf(maker, topLevel));
         }
-        if (const auto process = m_owners.value(topLevel.subject()).process)
+        return kins;
+    }
+
+    Kin kinOf(quint32 maker, const X11TopLevel& topLevel) const
+    {
+        Kin kin = {{maker}, {}};
+        const auto process = m_desktop.processes.constFind(maker);
+        if (process != m_desktop.processes.constEnd())
             kin.processes.insert(*process);
+        for (const xcb_window_t window : speakersOf(topLevel) + topLevel.guests) {
+            const auto said = m_owners.value(window).process;
+            if (said && m_connection.clientOf(window) == maker)
+                kin.processes.insert(*said);
+        }
         return kin;
     }
 
@@ -152,28 +177,31 @@ private:
 QList<QList<X11Owner>> readOwners(const X11Connection& connection, const X11Desktop& desktop,
                                   const QList<X11TopLevel>& topLevels)
 {
-    const auto speakers = [](const X11TopLevel& window) {
-        return window.clients.isEmpty() ? QList{window.id} : window.clients;
-    };
     OwnerReader reader(connection, desktop);
     QList<xcb_window_t> windows;
     for (const X11TopLevel& topLevel : topLevels)
-        windows += speakers(topLevel);
+        windows += speakersOf(topLevel) + topLevel.guests;
     reader.read(windows);
 
-    QList<QList<X11Owner>> owners;
-    QList<OwnerReader::Kin> unnamed;
+    QList<QList<OwnerReader::Kin>> silent;
+    QList<OwnerReader::Kin> all;
     for (const X11TopLevel& topLevel : topLevels) {
-        owners.append(reader.named(speakers(topLevel)));
-        if (owners.constLast().isEmpty())
-            unnamed.append(reader.kin(topLevel));
+        silent.append(reader.silent(topLevel));
+        all += silent.constLast();
     }
-    if (unnamed.isEmpty())
-        return owners;
-    reader.readRelatives(unnamed);
-    for (qsizetype index = 0; index < owners.size(); ++index) {
-        if (owners[index].isEmpty())
-            owners[index] = reader.relatives(reader.kin(topLevels[index]));
+    if (!all.isEmpty())
+        reader.readRelatives(all);
+
+    QList<QList<X11Owner>> owners;
+    for (qsizetype index = 0; index < topLevels.size(); ++index) {
+        QList<X11Owner> known = reader.named(speakersOf(topLevels[index]));
+        for (const OwnerReader::Kin& kin : std::as_const(silent[index])) {
+            for (const X11Owner& owner : reader.relatives(kin)) {
+                if (!known.contains(owner))
+                    known.append(owner);
+            }
+        }
+        owners.append(known);
     }
     return owners;
 }

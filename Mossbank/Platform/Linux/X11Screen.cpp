@@ -112,15 +112,10 @@ ScreenContent X11Screen::readContent()
     ScreenContent content = {{}, desktop.displays, desktop.mainDisplay, {}};
     for (const X11Window& window : std::as_const(windows)) {
         const QList<Application> owners = applicationsOf(window);
-        ScreenWindow shown = {{}, window.title, window.layer, window.frame, window.isOnScreen};
-        if (!owners.isEmpty())
-            shown.owner = owners.constFirst();
-        content.windows.append(shown);
+        content.windows.append(
+            {owners, window.title, window.layer, window.frame, window.isOnScreen});
         for (const Application& owner : owners) {
-            const bool isNew = std::ranges::none_of(content.applications, [&](const auto& known) {
-                return known.bundleID == owner.bundleID;
-            });
-            if (isNew)
+            if (!content.applications.contains(owner))
                 content.applications.append(owner);
         }
     }
@@ -163,7 +158,7 @@ void X11Screen::lookForGhosts(const QList<X11Window>& windows)
             continue;
         SeenWindow one = {window.id, window.frame, {}};
         for (const Application& owner : applicationsOf(window))
-            one.owners.append(owner.bundleID);
+            one.owners += QStringList{owner.bundleID} + owner.aliases;
         seen.append(one);
     }
     m_ghosts.look(seen, m_drawn->read(), m_age.elapsed());

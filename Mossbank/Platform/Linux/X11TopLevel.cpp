@@ -55,7 +55,8 @@ QList<X11TopLevel> readShown(const X11Connection& connection, const X11Desktop& 
                           .isViewable = isViewable,
                           .overridesRedirect = attributes->override_redirect != 0,
                           .clients = {},
-                          .makers = {}});
+                          .makers = {},
+                          .guests = {}});
     }
     return topLevels;
 }
@@ -149,6 +150,48 @@ void findClients(const X11Connection& connection, QList<X11TopLevel>& topLevels)
     }
 }
 
+/// A window of which it is asked what is inside.
+struct Host {
+    qsizetype topLevel;
+    xcb_window_t id;
+    xcb_query_tree_cookie_t tree;
+};
+
+/// Searches below the programs' own windows for what others draw there: a terminal in a tab, a
+/// plug in a panel. A level at a time, as above.
+void findGuests(const X11Connection& connection, QList<X11TopLevel>& topLevels)
+{
+    // More are not looked through: who makes thousands of windows has them of its own.
+    constexpr qsizetype kMaxHosts = 4096;
+    QList<Host> level;
+    for (qsizetype index = 0; index < topLevels.size(); ++index) {
+        for (const xcb_window_t client : std::as_const(topLevels[index].clients))
+            level.append({index, client, xcb_query_tree(connection, client)});
+    }
+    qsizetype looked = 0;
+    while (!level.isEmpty()) {
+        QList<Host> inside;
+        for (const Host& host : std::as_const(level)) {
+            const auto tree = connection.reply<xcb_query_tree_reply_t>(host.tree);
+            if (!tree)
+                continue;
+            const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+            for (int child = 0; child < tree->children_len; ++child) {
+                const xcb_window_t window = first[child];
+                X11TopLevel& topLevel = topLevels[host.topLevel];
+                const quint32 maker = connection.clientOf(window);
+                if (maker != 0 && maker != connection.clientOf(host.id)) {
+                    topLevel.makers.insert(maker);
+                    topLevel.guests.append(window);
+                }
+                if (++looked <= kMaxHosts)
+                    inside.append({host.topLevel, window, xcb_query_tree(connection, window)});
+            }
+        }
+        level = inside;
+    }
+}
+
 } // namespace
 
 QList<X11TopLevel> readTopLevels(const X11Connection& connection, const X11Desktop& desktop,
@@ -156,6 +199,7 @@ QList<X11TopLevel> readTopLevels(const X11Connection& connection, const X11Deskt
 {
     QList<X11TopLevel> topLevels = readShown(connection, desktop, scope);
     findClients(connection, topLevels);
+    findGuests(connection, topLevels);
     topLevels.removeIf([](const X11TopLevel& window) {
         // What is not mapped is of interest only where a window manager has put it away. What the
         // server made holds nothing but what others drew, such as a compositor's whole screen.

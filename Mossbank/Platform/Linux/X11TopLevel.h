@@ -23,6 +23,8 @@ struct X11TopLevel {
     QList<xcb_window_t> clients;
     /// The clients of the server that made this window or one inside it, the server left out.
     QSet<quint32> makers;
+    /// Windows at any depth that others than their parent's maker put inside.
+    QList<xcb_window_t> guests;
 
     /// The window that carries what is said about this one.
     xcb_window_t subject() const { return clients.value(0, id); }
