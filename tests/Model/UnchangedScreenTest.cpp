@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a capture pass takes for a change, and what becomes of a screen without one.
+#include "tests/Model/RecorderRig.h"
+
+using namespace mossbank;
+using namespace Qt::StringLiterals;
+
+class UnchangedScreenTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void thirtySecondsBeforeTheRefreshAnUnchangedScreenIsSkipped()
+    {
+        RecorderRig rig;
+        rig.preferences.setUnchangedRefreshMinutes(10);
+        rig.start();
+        for (int pass = 1; pass < 20; ++pass) {
+            rig.nextPass();
+            QCOMPARE(rig.recorder->status(), u"Skipped an unchanged screen"_s);
+        }
+        QCOMPARE(rig.saved().size(), 1);
+        rig.nextPass(); // 600 seconds to the second
+        QCOMPARE(rig.saved().size(), 2);
+    }
+
+    void theRefreshUnderAnyChangeReadsNothingAgain()
+    {
+        RecorderRig rig;
+        rig.preferences.setChangeMode(u"any"_s);
+        rig.preferences.setUnchangedRefreshMinutes(5);
+        rig.start();
+        rig.recognizer.setLines({u"something else"_s});
+        rig.preferences.setInterval(300);
+        rig.nextPass(); // the 30 seconds under way
+        rig.nextPass();
+        const auto saved = rig.saved();
+        QCOMPARE(saved.size(), 2);
+        QCOMPARE(rig.recognizer.readings(), 1);
+        QCOMPARE(saved[0].text, u"first line\nsecond line"_s);
+        QVERIFY(saved[0].id != saved[1].id);
+        QVERIFY(saved[0].timestamp > saved[1].timestamp);
+        QVERIFY(saved[0].filename != saved[1].filename);
+    }
+
+    void aScreenUnchangedButForWhatMovesIsReadAtTheRefresh()
+    {
+        RecorderRig rig;
+        rig.preferences.setChangeMode(u"obvious"_s);
+        rig.preferences.setUnchangedRefreshMinutes(0.5);
+        rig.start();
+        rig.drawBlock(QRect(0, 0, 2, 2));
+        rig.recognizer.setLines({u"something else"_s});
+        rig.nextPass();
+        QCOMPARE(rig.saved().first().text, u"something else"_s);
+        QCOMPARE(rig.recognizer.readings(), 2);
+    }
+
+    void whatCountsAsAChangeIsChosen_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QSize>("block");
+        QTest::addColumn<bool>("isSaved");
+        // The picture is 192 by 192, so that a pixel is a cell.
+        QTest::newRow("any: one cell") << u"any"_s << QSize(1, 1) << true;
+        QTest::newRow("any: none") << u"any"_s << QSize(0, 0) << false;
+        QTest::newRow("unknown: one cell") << u"sometimes"_s << QSize(1, 1) << true;
+        QTest::newRow("empty: one cell") << u""_s << QSize(1, 1) << true;
+        QTest::newRow("flicker: one cell") << u"flicker"_s << QSize(1, 1) << true;
+        QTest::newRow("flicker: none") << u"flicker"_s << QSize(0, 0) << false;
+        QTest::newRow("obvious: 60 cells") << u"obvious"_s << QSize(10, 6) << false;
+        QTest::newRow("obvious: 61 cells") << u"obvious"_s << QSize(61, 1) << true;
+    }
+    void whatCountsAsAChangeIsChosen()
+    {
+        QFETCH(QString, mode);
+        QFETCH(QSize, block);
+        QFETCH(bool, isSaved);
+        RecorderRig rig;
+        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
+        rig.screen.pictureNow.fill(Qt::white);
+        rig.preferences.setChangeMode(mode);
+        rig.start();
+        if (!block.isEmpty())
+            rig.drawBlock(QRect(QPoint(3, 3), block));
+        rig.nextPass();
+        QCOMPARE(rig.saved().size(), isSaved ? 2 : 1);
+    }
+
+    void aCaretIsLearntAndThenLeftOut()
+    {
+        RecorderRig rig;
+        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
+        rig.screen.pictureNow.fill(Qt::white);
+        rig.start();
+        for (int blink = 0; blink < 8; ++blink) {
+            rig.drawBlock(QRect(50, 50, 1, 4), blink % 2 ? Qt::white : Qt::black);
+            rig.nextPass();
+        }
+        const auto learnt = rig.saved().size();
+        for (int blink = 0; blink < 8; ++blink) {
+            rig.drawBlock(QRect(50, 50, 1, 4), blink % 2 ? Qt::white : Qt::black);
+            rig.nextPass();
+        }
+        QCOMPARE(rig.saved().size(), learnt);
+        rig.drawBlock(QRect(90, 90, 1, 1));
+        rig.nextPass();
+        QCOMPARE(rig.saved().size(), learnt + 1);
+    }
+
+    void withTheSkippingOffEveryPassSavesAndReads()
+    {
+        RecorderRig rig;
+        rig.preferences.setSkipsUnchangedScreens(false);
+        rig.start();
+        rig.nextPass();
+        rig.nextPass();
+        QCOMPARE(rig.saved().size(), 3);
+        QCOMPARE(rig.recognizer.readings(), 3);
+        QVERIFY(!rig.recorder->screensSeen().lastScreen);
+        QVERIFY(!rig.recorder->screensSeen().lastChecked);
+    }
+
+    void withoutALastScreenThePictureIsRead_data()
+    {
+        QTest::addColumn<QString>("mode");
+        for (const char* mode : {"flicker", "obvious", "any"})
+            QTest::newRow(mode) << QString::fromLatin1(mode);
+    }
+    void withoutALastScreenThePictureIsRead()
+    {
+        QFETCH(QString, mode);
+        RecorderRig rig;
+        rig.preferences.setChangeMode(mode);
+        rig.start();
+        rig.preferences.setSkipsUnchangedScreens(false);
+        rig.preferences.setSkipsUnchangedScreens(true);
+        rig.recognizer.setLines({u"read again"_s});
+        rig.nextPass();
+        QCOMPARE(rig.saved().first().text, u"read again"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(UnchangedScreenTest)
+#include "UnchangedScreenTest.moc"
