@@ -5,8 +5,6 @@
 
 #include <QSignalSpy>
 
-#include <utility>
-
 using namespace mossbank;
 using namespace Qt::StringLiterals;
 
@@ -335,81 +333,6 @@ private Q_SLOTS:
         const bool isSaved = moment == u"saving" || moment == u"resting";
         QCOMPARE(rig.saved().size(), isSaved ? 1 : 0);
         rig.makeRecorder();
-    }
-
-    // A handler may start or stop as it likes: whatever it does, the state that is told is the
-    // state that is.
-    void aHandlerOfTheStopMayStartAgain()
-    {
-        RecorderRig rig;
-        rig.start();
-        bool hasStarted = false;
-        connect(rig.recorder.get(), &Recorder::isRecordingChanged, this, [&] {
-            if (!rig.recorder->isRecording() && !std::exchange(hasStarted, true))
-                rig.recorder->toggleRecording();
-        });
-        rig.recorder->stop();
-        QVERIFY(rig.recorder->isRecording());
-        QCOMPARE(rig.recorder->status(), u"Waiting for your next screen"_s);
-        rig.settle();
-        QCOMPARE(rig.screen.contentsAsked, 2);
-        QCOMPARE(rig.clock.sleepers(), std::size_t(1));
-    }
-
-    void aHandlerOfTheStartMayStop()
-    {
-        RecorderRig rig;
-        connect(rig.recorder.get(), &Recorder::isRecordingChanged, this, [&] {
-            if (rig.recorder->isRecording())
-                rig.recorder->stop();
-        });
-        rig.recorder->toggleRecording();
-        rig.settle();
-        QVERIFY(!rig.recorder->isRecording());
-        QCOMPARE(rig.recorder->status(), u"Recording is off"_s);
-        QCOMPARE(rig.screen.contentsAsked, 0);
-        QCOMPARE(rig.clock.sleepers(), std::size_t(0));
-    }
-
-    void aHandlerOfAFailureMayStartAgain()
-    {
-        RecorderRig rig;
-        rig.screen.pictureFailure = u"no picture today"_s;
-        bool hasStarted = false;
-        connect(rig.recorder.get(), &Recorder::isRecordingChanged, this, [&] {
-            if (!rig.recorder->isRecording() && !std::exchange(hasStarted, true)) {
-                rig.screen.pictureFailure.clear();
-                rig.recorder->toggleRecording();
-            }
-        });
-        rig.recorder->toggleRecording();
-        QTRY_VERIFY(hasStarted);
-        QCOMPARE(rig.recorder->status(), u"Waiting for your next screen"_s);
-        rig.settle();
-        QVERIFY(rig.recorder->isRecording());
-        // The failing pass was still at it when the new loop began: the next round saves.
-        rig.nextPass();
-        QCOMPARE(rig.saved().size(), 1);
-    }
-
-    void aHandlerOfTheLockMayStartAgain()
-    {
-        RecorderRig rig;
-        rig.state.isLockedNow = true;
-        bool hasStarted = false;
-        connect(rig.recorder.get(), &Recorder::isRecordingChanged, this, [&] {
-            if (!rig.recorder->isRecording() && !std::exchange(hasStarted, true)) {
-                rig.state.isLockedNow = false;
-                rig.recorder->startWithoutAsking();
-            }
-        });
-        rig.recorder->toggleRecording();
-        QTRY_VERIFY(hasStarted);
-        QVERIFY(rig.recorder->isRecording());
-        QVERIFY(!rig.recorder->stoppedForAway());
-        QCOMPARE(rig.recorder->status(), u"Waiting for your next screen"_s);
-        rig.settle();
-        QCOMPARE(rig.saved().size(), 1);
     }
 
     void anotherModeLearnsAfreshWhatMoves()
