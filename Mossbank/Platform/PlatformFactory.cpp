@@ -38,7 +38,8 @@ Platform makePlatform(const QString& ownBundleID)
 {
     Platform platform;
     try {
-        addX11(platform, {QCoreApplication::applicationPid(), ownBundleID});
+        const qint64 self = QCoreApplication::applicationPid();
+        addX11(platform, {self, ownBundleID, executableOf(self)});
     } catch (const Failure& failure) {
         platform.screen = std::make_unique<NullScreen>(failure.message());
         platform.frontApplication = std::make_unique<NullFrontApplication>(failure.message());

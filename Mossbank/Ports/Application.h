@@ -30,7 +30,11 @@ struct Application {
                });
     }
 
-    friend bool operator==(const Application&, const Application&) = default;
+    /// By what further names it was met does not make it another.
+    friend bool operator==(const Application& one, const Application& other)
+    {
+        return one.bundleID == other.bundleID && one.name == other.name;
+    }
 };
 
 /// This application's own identity: the id of its desktop file.

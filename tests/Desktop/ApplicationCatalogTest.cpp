@@ -70,6 +70,8 @@ private Q_SLOTS:
         install(u"org.example.One"_s, "Name=One\nExec=" + m_shared.toUtf8() + " one\n");
         install(u"org.example.Two"_s, "Name=Two\nExec=" + m_shared.toUtf8() + " two\n");
         install(u"org.example.Script"_s, "Name=Script\nExec=" + m_python.toUtf8() + " script\n");
+        install(u"org.example.Lost"_s,
+                "Name=Lost\nTryExec=/nowhere/lost\nExec=/nowhere/lost\nStartupWMClass=lost\n");
         m_catalog = std::make_unique<ApplicationCatalog>();
     }
 
@@ -94,6 +96,11 @@ private Q_SLOTS:
             << u"x"_s << u"X"_s << m_python << u"X"_s;
         QTest::newRow("interpreter without a class")
             << QString() << QString() << m_python << u"python3.11"_s;
+        for (const QString& name :
+             {u"ssh"_s, u"busybox"_s, u"dotnet"_s, u"qemu-x86_64"_s, u"ld-linux-x86-64.so.2"_s}) {
+            QTest::addRow("interpreter %s", qPrintable(name))
+                << u"x"_s << u"X"_s << QString(u"/usr/bin/"_s + name) << u"X"_s;
+        }
         QTest::newRow("not installed")
             << u"x"_s << u"X"_s << u"/opt/other/other-bin"_s << u"other-bin"_s;
         QTest::newRow("class alone") << u"x"_s << u"X"_s << QString() << u"X"_s;
@@ -110,6 +117,47 @@ private Q_SLOTS:
         // Twice: found, and remembered.
         for (int round = 0; round < 2; ++round)
             QCOMPARE(m_catalog->application({instance, name}, executable).bundleID, expected);
+    }
+
+    void itIsKnownByEveryNameThatItsWindowsSupport_data()
+    {
+        QTest::addColumn<WindowClass>("windowClass");
+        QTest::addColumn<QString>("executable");
+        QTest::addColumn<QString>("name");
+        const WindowClass pageOfClassy = {u"crx_page"_s, u"Classy"_s};
+        QTest::newRow("by the instance") << pageOfClassy << QString() << u"org.example.Page"_s;
+        QTest::newRow("by the class") << pageOfClassy << QString() << u"org.example.Classy"_s;
+        QTest::newRow("in another case") << pageOfClassy << QString() << u"ORG.example.classy"_s;
+        QTest::newRow("by the bare instance") << pageOfClassy << QString() << u"crx_page"_s;
+        QTest::newRow("by the bare class") << pageOfClassy << QString() << u"classy"_s;
+        QTest::newRow("by what it runs from") << pageOfClassy << m_tool << u"org.example.Tool"_s;
+        QTest::newRow("by the bare executable") << pageOfClassy << m_tool << u"tool"_s;
+        QTest::newRow("class that only a window manager's rule gave")
+            << WindowClass{u"foo"_s, u"Foo"_s} << m_tool << u"org.example.Tool"_s;
+        QTest::newRow("not on this PATH")
+            << WindowClass{u"lost"_s, u"Lost"_s} << QString() << u"org.example.Lost"_s;
+    }
+
+    void itIsKnownByEveryNameThatItsWindowsSupport()
+    {
+        QFETCH(WindowClass, windowClass);
+        QFETCH(QString, executable);
+        QFETCH(QString, name);
+        const Application application = m_catalog->application(windowClass, executable);
+        QVERIFY(application.isAmong({u"org.example.Nothing"_s, name}));
+        QVERIFY(!application.isAmong({u"org.example.Nothing"_s}));
+        QVERIFY(!application.isAmong({QString()}));
+    }
+
+    void whatRunsIsKnownByADesktopFileThatHasGone()
+    {
+        const WindowClass windowClass = {u"going"_s, u"Going"_s};
+        install(u"org.example.Going"_s, "Name=Going\nExec=true\nStartupWMClass=going\n");
+        QTRY_COMPARE(m_catalog->application(windowClass, QString()).bundleID,
+                     u"org.example.Going"_s);
+        QVERIFY(QFile::remove(dataHome().filePath(u"applications/org.example.Going.desktop"_s)));
+        QTRY_COMPARE(m_catalog->application(windowClass, QString()).bundleID, u"Going"_s);
+        QVERIFY(m_catalog->application(windowClass, QString()).isAmong({u"org.example.Going"_s}));
     }
 
     void theNameIsInTheUsersLanguage()

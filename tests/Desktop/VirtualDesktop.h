@@ -30,6 +30,7 @@ public:
     bool close(quint32 window);
     /// Stops the process where it is, as a program that hangs.
     void standStill();
+    qint64 process() const { return m_process.processId(); }
 
 private:
     quint32 order(const QJsonObject& order);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/ApplicationCatalog.h"
 
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QSet>
 #include <QStandardPaths>
@@ -27,23 +28,15 @@ struct Entry {
     bool isHidden = false;
 };
 
-QString executableOf(qint64 process)
-{
-    QString path = QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process));
-    // An application that was updated while it runs.
-    const QString deleted = u" (deleted)"_s;
-    if (path.endsWith(deleted))
-        path.chop(deleted.size());
-    return path;
-}
-
 /// Whether many different programs run under this executable, so that it tells nothing of them.
 bool isInterpreter(const QString& executable)
 {
     static const QSet<QString> kNames = {
         u"bash"_s,
+        u"busybox"_s,
         u"bwrap"_s,
         u"dash"_s,
+        u"dotnet"_s,
         u"electron"_s,
         u"env"_s,
         u"flatpak"_s,
@@ -63,46 +56,114 @@ bool isInterpreter(const QString& executable)
         u"ruby"_s,
         u"sh"_s,
         u"snap"_s,
+        u"ssh"_s,
         u"sshd"_s,
         u"tclsh"_s,
+        u"wine"_s,
         u"wine-preloader"_s,
         u"wine64-preloader"_s,
         u"wish"_s,
+        u"Xephyr"_s,
+        u"xpra"_s,
         u"zsh"_s,
     };
     QString name = QFileInfo(executable).fileName();
     while (!name.isEmpty() && (name.back().isDigit() || name.back() == u'.'))
         name.chop(1);
-    return kNames.contains(name);
+    return kNames.contains(name) || name.startsWith(u"qemu-"_s) || name.startsWith(u"ld-linux"_s);
 }
 
-/// Where a command of a desktop file leads to, links followed.
-QString resolved(const char* command)
+/// Where a command of a desktop file leads to, links followed. Where a terminal's PATH leads and
+/// where that of the desktop's start leads must not differ.
+QString resolved(const QString& command)
 {
-    if (!command)
+    if (command.isEmpty())
         return {};
-    const QString name = QFile::decodeName(command);
-    const QString path = QFileInfo(name).isAbsolute() ? name : QStandardPaths::findExecutable(name);
+    static const QStringList kUsual = {u"/usr/local/bin"_s, u"/usr/bin"_s, u"/bin"_s,
+                                       u"/usr/games"_s, u"/snap/bin"_s};
+    QString path = command;
+    if (!QFileInfo(path).isAbsolute())
+        path = QStandardPaths::findExecutable(command);
+    if (path.isEmpty())
+        path = QStandardPaths::findExecutable(command, kUsual);
     return path.isEmpty() ? QString() : QFileInfo(path).canonicalFilePath();
 }
 
+/// The text of a key of a desktop file, in the user's language where it has one.
+QString textOf(GKeyFile* file, const char* key)
+{
+    const std::unique_ptr<char, decltype(&g_free)> text(
+        g_key_file_get_locale_string(file, G_KEY_FILE_DESKTOP_GROUP, key, nullptr, nullptr),
+        &g_free);
+    return QString::fromUtf8(text.get());
+}
+
+bool flagOf(GKeyFile* file, const char* key)
+{
+    return g_key_file_get_boolean(file, G_KEY_FILE_DESKTOP_GROUP, key, nullptr) != FALSE;
+}
+
+QString commandOf(GKeyFile* file)
+{
+    int count = 0;
+    char** words = nullptr;
+    const QByteArray line = textOf(file, G_KEY_FILE_DESKTOP_KEY_EXEC).toUtf8();
+    if (!g_shell_parse_argv(line.constData(), &count, &words, nullptr))
+        return {};
+    const QString command = QFile::decodeName(words[0]);
+    g_strfreev(words);
+    return command;
+}
+
+std::optional<Entry> readEntry(const QString& path, const QString& id)
+{
+    const std::unique_ptr<GKeyFile, decltype(&g_key_file_free)> file(g_key_file_new(),
+                                                                     &g_key_file_free);
+    const bool isRead = g_key_file_load_from_file(file.get(), QFile::encodeName(path).constData(),
+                                                  G_KEY_FILE_NONE, nullptr) != FALSE;
+    if (!isRead || textOf(file.get(), G_KEY_FILE_DESKTOP_KEY_TYPE) != "Application"_L1 ||
+        flagOf(file.get(), G_KEY_FILE_DESKTOP_KEY_HIDDEN))
+        return {};
+    return Entry{.application = {id, textOf(file.get(), G_KEY_FILE_DESKTOP_KEY_NAME)},
+                 .windowClass = textOf(file.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_WM_CLASS),
+                 .executable = resolved(commandOf(file.get())),
+                 .isHidden = flagOf(file.get(), G_KEY_FILE_DESKTOP_KEY_NO_DISPLAY)};
+}
+
+QStringList applicationFolders()
+{
+    QStringList folders = {QFile::decodeName(g_get_user_data_dir())};
+    for (const char* const* folder = g_get_system_data_dirs(); *folder; ++folder)
+        folders.append(QFile::decodeName(*folder));
+    for (QString& folder : folders)
+        folder += u"/applications"_s;
+    return folders;
+}
+
+/// Read here and not asked of GLib, which leaves out those whose executable is not on this
+/// process's PATH: their windows are theirs all the same.
 std::vector<Entry> readEntries()
 {
+    // GLib tells of a change once, and then not before it has been asked for an application.
+    if (GDesktopAppInfo* const own = g_desktop_app_info_new("local.mossbank.Mossbank.desktop"))
+        g_object_unref(own);
     std::vector<Entry> entries;
-    GList* const all = g_app_info_get_all();
-    for (GList* item = all; item; item = item->next) {
-        auto* const info = G_APP_INFO(item->data);
-        QString id = QString::fromUtf8(g_app_info_get_id(info));
-        if (!G_IS_DESKTOP_APP_INFO(info) || !id.endsWith(u".desktop"_s))
-            continue;
-        id.chop(u".desktop"_s.size());
-        auto* const desktop = G_DESKTOP_APP_INFO(info);
-        entries.push_back({{id, QString::fromUtf8(g_app_info_get_name(info))},
-                           QString::fromUtf8(g_desktop_app_info_get_startup_wm_class(desktop)),
-                           resolved(g_app_info_get_executable(info)),
-                           g_desktop_app_info_get_nodisplay(desktop) != FALSE});
+    QSet<QString> seen;
+    for (const QString& folder : applicationFolders()) {
+        QDirIterator files(folder, {u"*.desktop"_s}, QDir::Files,
+                           QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+        while (files.hasNext()) {
+            const QString path = files.next();
+            QString id = path.mid(folder.size() + 1).replace(u'/', u'-');
+            id.chop(u".desktop"_s.size());
+            // Those of the user come before those of the system.
+            if (seen.contains(id))
+                continue;
+            seen.insert(id);
+            if (auto entry = readEntry(path, id))
+                entries.push_back(std::move(*entry));
+        }
     }
-    g_list_free_full(all, g_object_unref);
     // Of two that claim the same class the one that users see comes first.
     std::ranges::sort(entries, {}, [](const Entry& entry) {
         return std::pair(entry.isHidden, entry.application.bundleID);
@@ -111,6 +172,16 @@ std::vector<Entry> readEntries()
 }
 
 } // namespace
+
+QString executableOf(qint64 process)
+{
+    QString path = QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process));
+    // An application that was updated while it runs.
+    const QString deleted = u" (deleted)"_s;
+    if (path.endsWith(deleted))
+        path.chop(deleted.size());
+    return path;
+}
 
 /// Hears of applications being installed and removed. It has a context of its own, which is looked
 /// at when something is asked, so that it depends on nobody's event loop.
@@ -161,17 +232,7 @@ ApplicationCatalog::~ApplicationCatalog() = default;
 Application ApplicationCatalog::application(const WindowClass& windowClass,
                                             std::optional<qint64> process)
 {
-    const QString executable = process ? executableOf(*process) : QString();
-    Application found = application(windowClass, executable);
-    // What it says of itself, by each of its two words, and what it runs from.
-    for (const Application& other :
-         {application({windowClass.instance, {}}, QString()),
-          application({{}, windowClass.name}, QString()), application({}, executable)}) {
-        const bool isNew = !other.bundleID.isEmpty() && !found.isAmong({other.bundleID});
-        if (isNew)
-            found.aliases.append(other.bundleID);
-    }
-    return found;
+    return application(windowClass, process ? executableOf(*process) : QString());
 }
 
 Application ApplicationCatalog::application(const WindowClass& windowClass,
@@ -190,6 +251,7 @@ Application ApplicationCatalog::application(const WindowClass& windowClass,
         const QString identity = file.isEmpty() ? name : file;
         found = Application{identity, identity};
     }
+    found->aliases = aliases(windowClass, executable, found->bundleID);
     if (m_found.size() >= kMaxFound)
         m_found.clear();
     m_found.insert(key, *found);
@@ -204,14 +266,18 @@ std::optional<Application> ApplicationCatalog::installed(const QString& bundleID
     return found == byID.constEnd() ? std::nullopt : std::optional(*found);
 }
 
-ApplicationCatalog::Index ApplicationCatalog::readIndex()
+void ApplicationCatalog::readIndex()
 {
     Index index;
     QSet<QString> shared;
     for (const Entry& entry : readEntries()) {
         const QString windowClass = entry.windowClass.toLower();
-        if (!windowClass.isEmpty() && !index.byClass.contains(windowClass))
-            index.byClass.insert(windowClass, entry.application);
+        if (!windowClass.isEmpty()) {
+            if (!index.byClass.contains(windowClass))
+                index.byClass.insert(windowClass, entry.application);
+            if (!m_idsOfClass.contains(windowClass, entry.application.bundleID))
+                m_idsOfClass.insert(windowClass, entry.application.bundleID);
+        }
         const QString id = entry.application.bundleID.toLower();
         if (!index.byID.contains(id))
             index.byID.insert(id, entry.application);
@@ -223,13 +289,35 @@ ApplicationCatalog::Index ApplicationCatalog::readIndex()
     }
     for (const QString& executable : std::as_const(shared))
         index.byExecutable.remove(executable);
-    return index;
+    for (auto one = index.byExecutable.constBegin(); one != index.byExecutable.constEnd(); ++one) {
+        if (!m_idsOfExecutable.contains(one.key(), one->bundleID))
+            m_idsOfExecutable.insert(one.key(), one->bundleID);
+    }
+    m_index = index;
+}
+
+/// Every other name that these windows support: it is excluded by any of them.
+QStringList ApplicationCatalog::aliases(const WindowClass& windowClass, const QString& executable,
+                                        const QString& bundleID) const
+{
+    QStringList names = {windowClass.instance, windowClass.name, QFileInfo(executable).fileName()};
+    for (const QString& word : {windowClass.instance, windowClass.name})
+        names += m_idsOfClass.values(word.toLower());
+    names += m_idsOfExecutable.values(executable);
+    QStringList others;
+    for (const QString& name : std::as_const(names)) {
+        const bool isNew = name.compare(bundleID, Qt::CaseInsensitive) != 0 &&
+                           !others.contains(name, Qt::CaseInsensitive);
+        if (!name.isEmpty() && isNew)
+            others.append(name);
+    }
+    return others;
 }
 
 const ApplicationCatalog::Index& ApplicationCatalog::index()
 {
     if (m_watch->takeChange() || !m_index) {
-        m_index = readIndex();
+        readIndex();
         m_found.clear();
     }
     return *m_index;

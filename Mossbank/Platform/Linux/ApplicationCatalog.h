@@ -13,6 +13,10 @@
 
 namespace mossbank {
 
+/// The path of what a process runs, also when that file has been replaced since. Empty when it
+/// cannot be told.
+QString executableOf(qint64 process);
+
 /// Finds the installed application that a window or a process belongs to.
 ///
 /// Threading: any thread.
@@ -43,13 +47,19 @@ private:
         QHash<QString, Application> byExecutable;
     };
 
-    static Index readIndex();
+    void readIndex();
     const Index& index();
+    QStringList aliases(const WindowClass& windowClass, const QString& executable,
+                        const QString& bundleID) const;
     std::optional<Application> find(const WindowClass& windowClass, const QString& executable);
 
     QMutex m_mutex;
     std::unique_ptr<Watch> m_watch;
     std::optional<Index> m_index;
+    /// Every desktop file met in this run, by what it claims. One that goes while its application
+    /// runs must not make another application of it.
+    QMultiHash<QString, QString> m_idsOfClass;
+    QMultiHash<QString, QString> m_idsOfExecutable;
     QHash<QString, Application> m_found;
 };
 

@@ -5,6 +5,9 @@
 #include <QSet>
 #include <QSysInfo>
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <utility>
 
 namespace mossbank {
@@ -47,12 +50,27 @@ QList<xcb_window_t> speakersOf(const X11TopLevel& topLevel)
     return topLevel.clients.isEmpty() ? QList{topLevel.id} : topLevel.clients;
 }
 
+quint32 ownResource(const X11Connection& connection)
+{
+    return xcb_get_setup(connection)->resource_id_base;
+}
+
+/// Whether the server numbers processes as this program sees them. One on another machine or in a
+/// container does not, and would name strangers here.
+bool knowsProcessesOfHere(const X11Connection& connection, const X11Desktop& desktop)
+{
+    const auto self = desktop.processes.constFind(connection.clientOf(ownResource(connection)));
+    return self != desktop.processes.constEnd() && *self == ::getpid();
+}
+
 class OwnerReader {
 public:
     OwnerReader(const X11Connection& connection, const X11Desktop& desktop)
         : m_connection(connection)
         , m_desktop(desktop)
     {
+        if (knowsProcessesOfHere(connection, desktop))
+            m_processes = desktop.processes;
     }
 
     void read(const QList<xcb_window_t>& windows)
@@ -64,9 +82,9 @@ public:
         }
         for (const AskedOwner& one : std::as_const(asked)) {
             X11Owner owner = answer(m_connection, one);
-            const auto known = m_desktop.processes.constFind(m_connection.clientOf(one.window));
+            const auto known = m_processes.constFind(m_connection.clientOf(one.window));
             // The server's word counts more than the window's own.
-            if (known != m_desktop.processes.constEnd())
+            if (known != m_processes.constEnd())
                 owner.process = *known;
             m_owners.insert(one.window, owner);
         }
@@ -92,7 +110,8 @@ public:
 
     /// Who has a hand in a window without having named itself there, each by itself: one that has
     /// named itself says nothing of another. The maker of a frame around a program's window is the
-    /// window manager, whose pixels are the frame's alone.
+    /// window manager, whose pixels are the frame's alone. Whoever made the window itself is last:
+    /// it may be a frame whose program's window is not marked as such yet.
     QList<Kin> silent(const X11TopLevel& topLevel) const
     {
         QSet<quint32> heard;
@@ -109,7 +128,7 @@ public:
         QList<Kin> kins;
         for (const quint32 maker : topLevel.makers) {
             if (!heard.contains(maker))
-                kins.append(kinOf(maker, topLevel));
+                kins.insert(maker == framer ? kins.size() : 0, kinOf(maker, topLevel));
         }
         return kins;
     }
@@ -117,8 +136,8 @@ public:
     Kin kinOf(quint32 maker, const X11TopLevel& topLevel) const
     {
         Kin kin = {{maker}, {}};
-        const auto process = m_desktop.processes.constFind(maker);
-        if (process != m_desktop.processes.constEnd())
+        const auto process = m_processes.constFind(maker);
+        if (process != m_processes.constEnd())
             kin.processes.insert(*process);
         for (const xcb_window_t window : speakersOf(topLevel) + topLevel.guests) {
             const auto said = m_owners.value(window).process;
@@ -163,12 +182,13 @@ private:
         const quint32 maker = m_connection.clientOf(window);
         if (kin.makers.contains(maker) || (process && kin.processes.contains(*process)))
             return true;
-        const auto known = m_desktop.processes.constFind(maker);
-        return known != m_desktop.processes.constEnd() && kin.processes.contains(*known);
+        const auto known = m_processes.constFind(maker);
+        return known != m_processes.constEnd() && kin.processes.contains(*known);
     }
 
     const X11Connection& m_connection;
     const X11Desktop& m_desktop;
+    QHash<quint32, qint64> m_processes;
     QHash<xcb_window_t, X11Owner> m_owners;
 };
 
@@ -209,7 +229,8 @@ QList<QList<X11Owner>> readOwners(const X11Connection& connection, const X11Desk
 X11Owner readOwner(const X11Connection& connection, xcb_window_t window)
 {
     X11Owner owner = answer(connection, ask(connection, window));
-    if (const auto process = processBehind(connection, window))
+    const auto process = processBehind(connection, window);
+    if (process && processBehind(connection, ownResource(connection)) == qint64{::getpid()})
         owner.process = process;
     return owner;
 }

@@ -115,8 +115,12 @@ ScreenContent X11Screen::readContent()
         content.windows.append(
             {owners, window.title, window.layer, window.frame, window.isOnScreen});
         for (const Application& owner : owners) {
-            if (!content.applications.contains(owner))
+            const auto known =
+                std::ranges::find(content.applications, owner.bundleID, &Application::bundleID);
+            if (known == content.applications.end())
                 content.applications.append(owner);
+            else
+                known->aliases += owner.aliases;
         }
     }
     return content;

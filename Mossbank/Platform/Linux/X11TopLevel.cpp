@@ -118,6 +118,16 @@ void keepShown(const X11Connection& connection, QList<xcb_window_t>& clients)
         clients = shown;
 }
 
+void noteMaker(const X11Connection& connection, xcb_window_t window, X11TopLevel& topLevel)
+{
+    const quint32 maker = connection.clientOf(window);
+    if (maker == 0)
+        return;
+    topLevel.makers.insert(maker);
+    if (maker != connection.clientOf(topLevel.id))
+        topLevel.guests.append(window);
+}
+
 /// Searches all of them a level at a time, so that a level costs a wait or two for the server
 /// however many windows there are. A window manager's frames have the program's window at any
 /// depth, among many of their own.
@@ -130,10 +140,8 @@ void findClients(const X11Connection& connection, QList<X11TopLevel>& topLevels)
         level.append({index, id, xcb_query_tree(connection, id)});
     }
     while (!level.isEmpty()) {
-        for (const Candidate& candidate : std::as_const(level)) {
-            if (const quint32 maker = connection.clientOf(candidate.id); maker != 0)
-                topLevels[candidate.topLevel].makers.insert(maker);
-        }
+        for (const Candidate& candidate : std::as_const(level))
+            noteMaker(connection, candidate.id, topLevels[candidate.topLevel]);
         // A frame is made of dozens of the window manager's windows and one that is not its.
         findClientsAmong(connection, level, MadeBy::Another, topLevels);
         findClientsAmong(connection, level, MadeBy::Same, topLevels);
@@ -157,6 +165,14 @@ struct Host {
     xcb_query_tree_cookie_t tree;
 };
 
+/// What a program makes inside its own window tells nothing new.
+void noteGuest(const X11Connection& connection, xcb_window_t host, xcb_window_t window,
+               X11TopLevel& topLevel)
+{
+    if (connection.clientOf(window) != connection.clientOf(host))
+        noteMaker(connection, window, topLevel);
+}
+
 /// Searches below the programs' own windows for what others draw there: a terminal in a tab, a
 /// plug in a panel. A level at a time, as above.
 void findGuests(const X11Connection& connection, QList<X11TopLevel>& topLevels)
@@ -165,8 +181,14 @@ void findGuests(const X11Connection& connection, QList<X11TopLevel>& topLevels)
     constexpr qsizetype kMaxHosts = 4096;
     QList<Host> level;
     for (qsizetype index = 0; index < topLevels.size(); ++index) {
-        for (const xcb_window_t client : std::as_const(topLevels[index].clients))
-            level.append({index, client, xcb_query_tree(connection, client)});
+        const X11TopLevel& topLevel = topLevels[index];
+        // Where no program's window was found, the search for one went to the bottom.
+        if (topLevel.clients.isEmpty())
+            continue;
+        QSet<xcb_window_t> hosts(topLevel.guests.cbegin(), topLevel.guests.cend());
+        hosts.unite({topLevel.clients.cbegin(), topLevel.clients.cend()});
+        for (const xcb_window_t host : std::as_const(hosts))
+            level.append({index, host, xcb_query_tree(connection, host)});
     }
     qsizetype looked = 0;
     while (!level.isEmpty()) {
@@ -178,12 +200,7 @@ void findGuests(const X11Connection& connection, QList<X11TopLevel>& topLevels)
             const xcb_window_t* const first = xcb_query_tree_children(tree.get());
             for (int child = 0; child < tree->children_len; ++child) {
                 const xcb_window_t window = first[child];
-                X11TopLevel& topLevel = topLevels[host.topLevel];
-                const quint32 maker = connection.clientOf(window);
-                if (maker != 0 && maker != connection.clientOf(host.id)) {
-                    topLevel.makers.insert(maker);
-                    topLevel.guests.append(window);
-                }
+                noteGuest(connection, host.id, window, topLevels[host.topLevel]);
                 if (++looked <= kMaxHosts)
                     inside.append({host.topLevel, window, xcb_query_tree(connection, window)});
             }

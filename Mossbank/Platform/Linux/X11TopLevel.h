@@ -23,7 +23,7 @@ struct X11TopLevel {
     QList<xcb_window_t> clients;
     /// The clients of the server that made this window or one inside it, the server left out.
     QSet<quint32> makers;
-    /// Windows at any depth that others than their parent's maker put inside.
+    /// Windows at any depth that others than this one's maker put inside, the clients too.
     QList<xcb_window_t> guests;
 
     /// The window that carries what is said about this one.
