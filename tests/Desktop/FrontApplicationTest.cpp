@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
+#include "Mossbank/Platform/Linux/X11Properties.h"
 #include "tests/Desktop/DesktopTest.h"
 
 #include <QSignalSpy>
@@ -139,13 +140,29 @@ private:
         return {.frame = {300, 300, 200, 200}, .colour = kGreen, .windowClass = windowClass};
     }
 
+    /// Without a turn of the event loop.
     bool activate(quint32 window)
     {
         const auto outcome =
             m_desktop->run(u"wmctrl"_s, {u"-i"_s, u"-a"_s, QString::number(window)}, u"wmctrl"_s);
         if (!outcome.isSuccess)
             qWarning("%s", qPrintable(outcome.text));
-        return window && outcome.isSuccess;
+        return window && outcome.isSuccess && isActive(window);
+    }
+
+    /// Waits until it is: on the way there from another window, none is for a moment.
+    static bool isActive(quint32 window)
+    {
+        const X11Connection connection;
+        const QDeadlineTimer deadline(5000);
+        while (!deadline.hasExpired()) {
+            const auto asked = connection.askProperty(
+                connection.root(), connection[Atom::NetActiveWindow], sizeof(quint32));
+            if (readNumber(connection.property(asked).get()) == window)
+                return true;
+            QTest::qSleep(5);
+        }
+        return false;
     }
 
     /// Asks again and again without a turn of the event loop.
