@@ -21,7 +21,7 @@ public:
     virtual Availability availability() const = 0;
 
     /// As it is now, not as it was last heard of. Absent when no window is active.
-    virtual std::optional<Application> current() const = 0;
+    virtual std::optional<Application> current() = 0;
 
 Q_SIGNALS:
     /// Another application than before came to the front.

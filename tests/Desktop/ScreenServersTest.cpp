@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 
 #include <csignal>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace mossbank;
@@ -181,6 +182,61 @@ private Q_SLOTS:
         QVERIFY(!failureOf([&] { content.result(); }).isEmpty());
     }
 
+    void openingAConnectionToAServerThatStandsStillEnds()
+    {
+        const VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const QString name = qEnvironmentVariable("DISPLAY");
+        const auto process = static_cast<pid_t>(desktop.serverProcess());
+        ::kill(process, SIGSTOP);
+        QElapsedTimer watch;
+        watch.start();
+        const QString impatient = failureOf([] { X11Connection(200); });
+        const qint64 untilImpatient = watch.restart();
+        std::stop_source ending;
+        const std::jthread stopper([&] { ending.request_stop(); });
+        const QString ended =
+            failureOf([&] { X11Connection(X11Connection::kPatience, ending.get_token()); });
+        const qint64 untilEnded = watch.elapsed();
+        ::kill(process, SIGCONT);
+        const QString silent = u"The X display %1 does not answer."_s.arg(name);
+        QCOMPARE(impatient, silent);
+        QVERIFY(untilImpatient >= 200);
+        QVERIFY2(untilImpatient < 5000, qPrintable(QString::number(untilImpatient)));
+        QCOMPARE(ended, silent);
+        QVERIFY2(untilEnded < 5000, qPrintable(QString::number(untilEnded)));
+        // What is left of them does no harm when the server goes on.
+        QCOMPARE(failureOf([] { X11Connection(); }), QString());
+    }
+
+    void aServerThatStandsStillWhenItIsLookedForAgainHoldsNobodyUp()
+    {
+        VirtualDesktop desktop({.hasWindowManager = false});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        auto screen = makeScreen();
+        X11FrontApplication front(std::make_shared<ApplicationCatalog>(), ownProgram());
+        desktop.killServer();
+        QVERIFY(!failureOf([&] { (void)front.current(); }).isEmpty());
+        QProcess server;
+        QVERIFY(startAnother(server));
+        ::kill(static_cast<pid_t>(server.processId()), SIGSTOP);
+        QElapsedTimer watch;
+        watch.start();
+        QFuture<ScreenContent> content = screen->content();
+        const QString frontFailure = failureOf([&] { (void)front.current(); });
+        const qint64 untilFront = watch.restart();
+        screen.reset();
+        const qint64 untilEnded = watch.elapsed();
+        ::kill(static_cast<pid_t>(server.processId()), SIGCONT);
+        QCOMPARE(frontFailure,
+                 u"The X display %1 does not answer."_s.arg(qEnvironmentVariable("DISPLAY")));
+        QVERIFY2(untilFront < 5000, qPrintable(QString::number(untilFront)));
+        QVERIFY2(untilEnded < 5000, qPrintable(QString::number(untilEnded)));
+        QVERIFY(!failureOf([&] { content.result(); }).isEmpty());
+        server.terminate();
+        QVERIFY(server.waitForFinished(5000));
+    }
+
     void aConnectionThatIsEndedIsMadeAgain()
     {
         VirtualDesktop desktop({.hasWindowManager = false});
@@ -204,9 +260,7 @@ private Q_SLOTS:
         QVERIFY(!failureOf([&] { (void)front.current(); }).isEmpty());
         QVERIFY(!front.availability().isAvailable);
         QProcess server;
-        server.start(u"Xvfb"_s, {qEnvironmentVariable("DISPLAY"), u"-displayfd"_s, u"1"_s,
-                                 u"-screen"_s, u"0"_s, u"640x480x24"_s, u"-nolisten"_s, u"tcp"_s});
-        QVERIFY(server.waitForReadyRead(10'000));
+        QVERIFY(startAnother(server));
         QVERIFY(!front.current());
         QVERIFY(front.availability().isAvailable);
         QCOMPARE(pictureOf(*screen, {}).size(), QSize(640, 480));
@@ -226,6 +280,15 @@ private Q_SLOTS:
                            .windowClass = u"Beta"_s,
                            .overridesRedirect = true}));
         QCOMPARE(pixelsOf(pictureOf(*screen, {}), qRgb(0x30, 0x30, 0x30)), 364 * 264);
+    }
+
+private:
+    /// A smaller one, where the one that DISPLAY names was.
+    static bool startAnother(QProcess& server)
+    {
+        server.start(u"Xvfb"_s, {qEnvironmentVariable("DISPLAY"), u"-displayfd"_s, u"1"_s,
+                                 u"-screen"_s, u"0"_s, u"640x480x24"_s, u"-nolisten"_s, u"tcp"_s});
+        return server.waitForReadyRead(10'000);
     }
 };
 

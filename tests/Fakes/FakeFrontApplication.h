@@ -15,7 +15,7 @@ class FakeFrontApplication final : public FrontApplication {
 public:
     Availability availability() const override { return {}; }
 
-    std::optional<Application> current() const override
+    std::optional<Application> current() override
     {
         const std::lock_guard lock(m_mutex);
         return m_current;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/X11Connection.h"
 
+#include "Mossbank/Platform/Linux/X11Opening.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <QDeadlineTimer>
@@ -67,13 +68,17 @@ bool isPresent(xcb_connection_t* connection, xcb_extension_t& extension)
 
 } // namespace
 
-X11Connection::X11Connection(int patience)
+X11Connection::X11Connection(int patience, const std::stop_token& ending)
     : m_name(qgetenv("DISPLAY"))
     , m_patience(patience)
 {
     if (m_name.isEmpty())
         throw Failure(u"There is no X display: DISPLAY is not set."_s);
-    m_connection = xcb_connect(m_name.constData(), &m_screenNumber);
+    const X11Opened opened = openConnection(m_name, patience, ending);
+    if (!opened.connection)
+        throw Failure(u"The X display %1 does not answer."_s.arg(QString::fromLocal8Bit(m_name)));
+    m_connection = opened.connection;
+    m_screenNumber = opened.screenNumber;
     if (!xcb_connection_has_error(m_connection))
         m_screen = screenAt(m_connection, m_screenNumber);
     if (!m_screen) {
@@ -164,9 +169,6 @@ void X11Connection::findAtoms()
 
 void X11Connection::findExtensions()
 {
-    for (xcb_extension_t* extension :
-         {&xcb_shm_id, &xcb_randr_id, &xcb_res_id, &xcb_shape_id, &xcb_damage_id, &xcb_xfixes_id})
-        xcb_prefetch_extension_data(m_connection, extension);
     m_hasShape = isPresent(m_connection, xcb_shape_id);
     // A server adapts to the version that it is asked for, so each has to be asked.
     if (isPresent(m_connection, xcb_shm_id)) {

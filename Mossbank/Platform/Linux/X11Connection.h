@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
+#include <stop_token>
 
 namespace mossbank {
 
@@ -67,8 +68,9 @@ public:
     /// has stopped must be told of.
     static constexpr int kPatience = 30'000;
 
-    /// `patience` bounds in milliseconds how long a reply is waited for.
-    explicit X11Connection(int patience = kPatience);
+    /// `patience` bounds in milliseconds how long the opening and each reply are waited for.
+    /// Asking `ending` to stop ends the opening at once.
+    explicit X11Connection(int patience = kPatience, const std::stop_token& ending = {});
     ~X11Connection();
     Q_DISABLE_COPY_MOVE(X11Connection)
 

@@ -53,12 +53,10 @@ Availability X11FrontApplication::availability() const
     return {};
 }
 
-std::optional<Application> X11FrontApplication::current() const
+std::optional<Application> X11FrontApplication::current()
 {
-    if (m_connection->isBroken()) {
-        // To whoever asks, it is still the same desktop.
-        const_cast<X11FrontApplication*>(this)->connectToServer();
-    }
+    if (m_connection->isBroken())
+        connectToServer();
     auto application = ask();
     if (m_connection->isBroken())
         m_connection->requireAlive();

@@ -23,7 +23,7 @@ public:
     ~X11FrontApplication() override;
 
     Availability availability() const override;
-    std::optional<Application> current() const override;
+    std::optional<Application> current() override;
 
 private:
     void connectToServer();

@@ -51,8 +51,8 @@ X11Screen::X11Screen(std::shared_ptr<ApplicationCatalog> catalog, OwnProgram own
 
 X11Screen::~X11Screen()
 {
+    m_ending.request_stop();
     const QMutexLocker lock(&m_mutex);
-    m_isEnding = true;
     // The queue waits for its work, which may wait for a server that has stopped answering.
     if (m_connection)
         m_connection->interrupt();
@@ -83,18 +83,19 @@ void X11Screen::connectAnew()
     {
         const QMutexLocker lock(&m_mutex);
         std::swap(connection, m_connection);
-        if (m_isEnding)
-            return;
     }
     try {
-        connection = std::make_unique<X11Connection>();
+        connection =
+            std::make_unique<X11Connection>(X11Connection::kPatience, m_ending.get_token());
     } catch (const Failure& failure) {
         connection.reset();
         whyBroken = failure.message();
     }
     const QMutexLocker lock(&m_mutex);
-    m_connection = std::move(connection);
     m_whyBroken = whyBroken;
+    // What would interrupt its waits has gone by.
+    if (!m_ending.stop_requested())
+        m_connection = std::move(connection);
 }
 
 ScreenContent X11Screen::readContent()

@@ -53,11 +53,11 @@ private:
     std::shared_ptr<ApplicationCatalog> m_catalog;
     OwnProgram m_own;
 
+    std::stop_source m_ending;
     /// Guards the pointer, not what is done with the connection, which is the queue's.
     mutable QMutex m_mutex;
     std::unique_ptr<X11Connection> m_connection;
     QString m_whyBroken;
-    bool m_isEnding = false;
 
     std::shared_ptr<ShmPool> m_pool;
     /// What was drawn between two looks, and what windows that went in between have left.

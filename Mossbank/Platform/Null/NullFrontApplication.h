@@ -16,7 +16,7 @@ public:
     }
 
     Availability availability() const override { return Availability::missing(m_reason); }
-    std::optional<Application> current() const override { return {}; }
+    std::optional<Application> current() override { return {}; }
 
 private:
     QString m_reason;
