@@ -2,6 +2,7 @@
 #pragma once
 
 #include "MossbankCore/Library/Database.h"
+#include "MossbankCore/Library/ImageVault.h"
 #include "MossbankCore/Library/Memory.h"
 #include "MossbankCore/Support/Calendar.h"
 #include "MossbankCore/Support/Files.h"
@@ -12,12 +13,9 @@
 #include <QString>
 #include <QStringList>
 
-#include <memory>
 #include <optional>
 
 namespace mossbank {
-
-class ImageVault;
 
 /// The one owner of a library on disk: its database, its folder of pictures, and the sealing of
 /// what goes into it. docs/formats.md tells what lies where.
@@ -36,7 +34,7 @@ public:
         /// The library's folder.
         QString root;
         /// Seals new pictures. None: pictures lie as plain JPEG.
-        std::shared_ptr<const ImageVault> vault = nullptr;
+        std::optional<ImageVault> vault = {};
         /// What "the day" of a query is.
         CalendarSource calendar = Calendar::current;
     };
@@ -80,7 +78,7 @@ public:
     int schemaVersion() const { return m_schemaVersion; }
 
     /// What seals the pictures saved from now on; none: they lie as plain JPEG.
-    QFuture<void> setVault(std::shared_ptr<const ImageVault> vault);
+    QFuture<void> setVault(std::optional<ImageVault> vault);
 
     /// Saves one screenshot: its picture file and its row, both or neither.
     ///
@@ -129,7 +127,7 @@ private:
     static Memory readMemory(const Statement& row);
 
     QString m_root;
-    std::shared_ptr<const ImageVault> m_vault;
+    std::optional<ImageVault> m_vault;
     CalendarSource m_calendar;
     Database m_db;
     /// Which file the database was when it was opened.

@@ -4,7 +4,6 @@
 // transaction spans both. So: a marker first, then the picture, then the row, then the marker goes
 // again. After a crash the marker is there exactly when the picture may be without its row.
 #include "MossbankCore/Library/HistoryStore.h"
-#include "MossbankCore/Library/ImageVault.h"
 #include "MossbankCore/Library/StoreError.h"
 #include "MossbankCore/Support/Files.h"
 
@@ -30,7 +29,7 @@ void removeQuietly(const QString& path)
 
 } // namespace
 
-QFuture<void> HistoryStore::setVault(std::shared_ptr<const ImageVault> vault)
+QFuture<void> HistoryStore::setVault(std::optional<ImageVault> vault)
 {
     return m_queue.run([this, vault = std::move(vault)] { m_vault = vault; });
 }

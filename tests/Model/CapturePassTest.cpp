@@ -35,7 +35,10 @@ private Q_SLOTS:
         QCOMPARE(memory.link, QString());
         const QFileInfo file(rig.store->images() + u'/' + memory.filename);
         QCOMPARE(memory.bytes, file.size());
-        QCOMPARE(QImage(file.filePath()).size(), QSize(320, 200));
+        const auto jpeg = ImageVault::picture(file.filePath(), rig.vault);
+        QVERIFY(jpeg);
+        QCOMPARE(jpeg->size(), file.size() - 32);
+        QCOMPARE(QImage::fromData(*jpeg).size(), QSize(320, 200));
         QCOMPARE(rig.recorder->status(), u"Saved at 22:13:27"_s);
     }
 
@@ -327,12 +330,12 @@ private Q_SLOTS:
     void aStopDuringTheSaveLetsTheRecordStand()
     {
         RecorderRig rig;
-        rig.vault->hold();
+        rig.sealing.hold();
         rig.recorder->toggleRecording();
-        QTRY_VERIFY(rig.vault->isHolding());
+        QTRY_VERIFY(rig.sealing.isHolding());
         QVERIFY(rig.recorder->isSaving());
         rig.recorder->stop();
-        rig.vault->release();
+        rig.sealing.release();
         QTRY_VERIFY(!rig.recorder->isCapturing());
         QCOMPARE(rig.saved().size(), 1);
         QCOMPARE(rig.recorder->status(), u"Recording is off"_s);

@@ -11,12 +11,13 @@
 #include "tests/Fakes/FakeNeighbours.h"
 #include "tests/Fakes/FakeScreen.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
-#include "tests/Fakes/FakeVault.h"
+#include "tests/Fakes/NonceHook.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <memory>
+#include <optional>
 
 namespace mossbank {
 
@@ -34,7 +35,8 @@ public:
                                                  QStringLiteral("Mossbank")};
 
     QTemporaryDir folder;
-    std::shared_ptr<FakeVault> vault = std::make_shared<FakeVault>();
+    SealingHold sealing;
+    std::optional<ImageVault> vault = ImageVault(SymmetricKey::random());
     FakeClock clock;
     FakeScreen screen;
     FakeFrontApplication front;
@@ -62,7 +64,7 @@ public:
 
     ~RecorderRig()
     {
-        vault->release();
+        sealing.release();
         recorder.reset();
         QThreadPool::globalInstance()->waitForDone();
     }

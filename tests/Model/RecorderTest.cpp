@@ -302,7 +302,7 @@ private Q_SLOTS:
         if (moment == u"reading")
             rig.recognizer.setHook([&] { reading.acquire(); });
         if (moment == u"saving")
-            rig.vault->hold();
+            rig.sealing.hold();
         rig.recorder->toggleRecording();
         const auto isThere = [&] {
             if (moment == u"content")
@@ -314,7 +314,7 @@ private Q_SLOTS:
             if (moment == u"address")
                 return rig.recorder->isSaving() && rig.recognizer.readings() == 1;
             if (moment == u"saving")
-                return rig.vault->isHolding();
+                return rig.sealing.isHolding();
             return rig.clock.sleepers() == 1;
         };
         QTRY_VERIFY(isThere());
@@ -326,7 +326,7 @@ private Q_SLOTS:
         if (moment == u"address")
             rig.addresses.releaseAddress();
         reading.release();
-        rig.vault->release();
+        rig.sealing.release();
         QThreadPool::globalInstance()->waitForDone();
         QTest::qWait(20);
         QCOMPARE(rig.clock.sleepers(), std::size_t(0));

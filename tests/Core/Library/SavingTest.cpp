@@ -4,6 +4,7 @@
 #include "tests/Core/Library/RawSql.h"
 #include "tests/Core/Library/SqlWatch.h"
 #include "tests/Core/Library/Summary.h"
+#include "tests/Fakes/NonceHook.h"
 
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -32,25 +33,6 @@ using namespace mossbank;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Seals by adding 32 bytes, as the real one does; can be told to refuse.
-class FakeVault final : public ImageVault {
-public:
-    QByteArray sealed(const QByteArray& jpeg) const override
-    {
-        if (onSeal)
-            onSeal();
-        if (refuses)
-            throw StoreError(u"The screenshot could not be encrypted."_s);
-        QByteArray turned = jpeg;
-        for (char& byte : turned)
-            byte = static_cast<char>(byte ^ 0x5a);
-        return QByteArray(32, 's') + turned;
-    }
-
-    bool refuses = false;
-    std::function<void()> onSeal;
-};
 
 const QByteArray kJpeg = "the bytes of a picture";
 
@@ -96,13 +78,12 @@ private:
 
     std::unique_ptr<LibraryFolder> m_folder;
     std::unique_ptr<HistoryStore> m_store;
-    std::shared_ptr<FakeVault> m_vault;
+    const ImageVault m_vault{SymmetricKey::random()};
 };
 
 void SavingTest::init()
 {
     m_folder = std::make_unique<LibraryFolder>();
-    m_vault = std::make_shared<FakeVault>();
     m_store = std::make_unique<HistoryStore>(HistoryStore::Writing{.root = m_folder->root()});
 }
 
@@ -110,6 +91,7 @@ void SavingTest::cleanup()
 {
     failingSync = 0;
     m_store.reset();
+    NonceHook::remove();
     // Whatever a case did: index and summary agree with the rows.
     RawSql sql(m_folder->database());
     sql.run(u"INSERT INTO memory_search(memory_search, rank) VALUES('integrity-check', 1)"_s);
@@ -149,7 +131,9 @@ void SavingTest::aSealedPictureIsWhatLiesOnDisk()
     m_store = std::make_unique<HistoryStore>(
         HistoryStore::Writing{.root = m_folder->root(), .vault = m_vault});
     QCOMPARE(save(sampleMemory(u"A"_s)), kNoFailure);
-    QCOMPARE(contents(m_folder->images() + u"/A.jpg"_s), m_vault->sealed(kJpeg));
+    const QByteArray onDisk = contents(m_folder->images() + u"/A.jpg"_s);
+    QVERIFY(ImageVault::isSealed(onDisk));
+    QCOMPARE(m_vault.opened(onDisk), std::optional(kJpeg));
     QCOMPARE(m_store->fetch({.limit = 1}).result().first().bytes, kJpeg.size() + 32);
 }
 
@@ -158,10 +142,12 @@ void SavingTest::aVaultMaySetInLater()
     QCOMPARE(save(sampleMemory(u"PLAIN"_s)), kNoFailure);
     m_store->setVault(m_vault).waitForFinished();
     QCOMPARE(save(sampleMemory(u"SEALED"_s)), kNoFailure);
-    m_store->setVault(nullptr).waitForFinished();
+    m_store->setVault({}).waitForFinished();
     QCOMPARE(save(sampleMemory(u"AGAIN"_s)), kNoFailure);
     QCOMPARE(contents(m_folder->images() + u"/PLAIN.jpg"_s), kJpeg);
-    QCOMPARE(contents(m_folder->images() + u"/SEALED.jpg"_s), m_vault->sealed(kJpeg));
+    const QByteArray sealed = contents(m_folder->images() + u"/SEALED.jpg"_s);
+    QVERIFY(ImageVault::isSealed(sealed));
+    QCOMPARE(m_vault.opened(sealed), std::optional(kJpeg));
     QCOMPARE(contents(m_folder->images() + u"/AGAIN.jpg"_s), kJpeg);
 }
 
@@ -182,9 +168,10 @@ void SavingTest::theMarkerComesFirstAndGoesLast()
     Sight inserting;
     m_store.reset();
     SqlWatch watch;
-    m_vault->onSeal = [&] {
+    NonceHook::set([&] {
         sealing = look();
-    };
+        return true;
+    });
     m_store = std::make_unique<HistoryStore>(
         HistoryStore::Writing{.root = m_folder->root(), .vault = m_vault});
     watch.setObserver([&](const QString& sql) {
@@ -274,13 +261,13 @@ void SavingTest::namesThatClimbOutAreRefused()
 
 void SavingTest::aRefusalToSealLeavesNothing()
 {
-    m_vault->refuses = true;
+    NonceHook::set([] { return false; });
     m_store->setVault(m_vault).waitForFinished();
     QCOMPARE(save(sampleMemory(u"A"_s)), u"The screenshot could not be encrypted."_s);
     QCOMPARE(names(m_folder->images()), QStringList{});
     QCOMPARE(names(m_folder->pending()), QStringList{});
     QCOMPARE(rows(), QStringList{});
-    m_vault->refuses = false;
+    NonceHook::remove();
     QCOMPARE(save(sampleMemory(u"A"_s)), kNoFailure);
 }
 
