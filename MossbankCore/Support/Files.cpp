@@ -7,12 +7,14 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 namespace mossbank {
@@ -52,6 +54,10 @@ private:
     int m_number;
 };
 
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
 void writeAll(int file, const QByteArray& bytes, const QString& path)
 {
     qsizetype written = 0;
@@ -63,18 +69,6 @@ void writeAll(int file, const QByteArray& bytes, const QString& path)
         else if (errno != EINTR)
             refuse(path);
     }
-}
-
-/// A rename is on the disk only when the folder that holds the name is.
-void syncFolder(const QString& path)
-{
-    const Descriptor folder(
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen())
-        refuse(path);
-    // Some file systems cannot do this for folders; they have then done what they can.
-    if (::fsync(folder.get()) != 0 && errno != EINVAL)
-        refuse(path);
 }
 
 } // namespace
@@ -125,12 +119,60 @@ void Files::writeAtomically(const QString& path, const QByteArray& bytes)
         ::rename(name.constData(), finalName.constData()) != 0)
         refuse(path);
     nameGoes.dismiss();
+    // A rename is on the disk only when the folder that holds the name is.
     syncFolder(QFileInfo(path).path());
 }
 
-void Files::removeFile(const QString& path)
+QStringList Files::filesIn(const QString& folder)
 {
-    if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT)
+    const std::unique_ptr<DIR, CloseFolder> open(::opendir(QFile::encodeName(folder).constData()));
+    if (!open && errno == ENOENT)
+        return {};
+    if (!open)
+        refuse(folder);
+    QStringList names;
+    errno = 0;
+    while (const dirent* entry = ::readdir(open.get())) {
+        const char* const name = static_cast<const char*>(entry->d_name);
+        struct stat status = {};
+        const bool isKnown =
+            ::fstatat(::dirfd(open.get()), name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+        if (isKnown && S_ISREG(status.st_mode))
+            names.append(QFile::decodeName(name));
+        errno = 0;
+    }
+    if (errno != 0)
+        refuse(folder);
+    return names;
+}
+
+std::optional<Date> Files::modified(const QString& path)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    constexpr double kNanosecond = 1e-9;
+    return Date{static_cast<double>(status.st_mtim.tv_sec) +
+                static_cast<double>(status.st_mtim.tv_nsec) * kNanosecond};
+}
+
+bool Files::removeFile(const QString& path)
+{
+    if (::unlink(QFile::encodeName(path).constData()) == 0)
+        return true;
+    if (errno != ENOENT)
+        refuse(path);
+    return false;
+}
+
+void Files::syncFolder(const QString& path)
+{
+    const Descriptor folder(
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen())
+        refuse(path);
+    // Some file systems cannot do this for folders; they have then done what they can.
+    if (::fsync(folder.get()) != 0 && errno != EINVAL)
         refuse(path);
 }
 

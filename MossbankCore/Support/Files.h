@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "MossbankCore/Support/Date.h"
+
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
+
+#include <optional>
 
 namespace mossbank {
 
@@ -36,8 +41,18 @@ public:
     /// is on the disk. Open to the user alone (0600).
     static void writeAtomically(const QString& path, const QByteArray& bytes);
 
-    /// Removes a file. One that is not there counts as removed.
-    static void removeFile(const QString& path);
+    /// The names of the ordinary files in a folder, hidden ones too, in no order. None for a folder
+    /// that is not there. What vanishes meanwhile, or cannot be looked at, is left out.
+    static QStringList filesIn(const QString& folder);
+
+    /// When a file was last written to, in seconds since 1970. Absent when that cannot be told.
+    static std::optional<Date> modified(const QString& path);
+
+    /// Removes a file. One that is not there counts as removed. Whether it was there.
+    static bool removeFile(const QString& path);
+
+    /// Makes what was added to a folder and removed from it outlast a power cut.
+    static void syncFolder(const QString& path);
 };
 
 } // namespace mossbank

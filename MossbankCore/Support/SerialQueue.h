@@ -19,7 +19,8 @@ public:
     ~SerialQueue();
     Q_DISABLE_COPY_MOVE(SerialQueue)
 
-    /// Does `work` in its turn. The future holds its result, or what it threw.
+    /// Does `work` in its turn. The future holds its result, or what it threw. Work that takes an
+    /// `IsUnwanted` is given up when its future is cancelled.
     template <typename Work>
     [[nodiscard]] auto run(Work&& work)
     {
