@@ -9,10 +9,13 @@
 
 #include <array>
 #include <charconv>
+#include <utility>
 
 namespace mossbank {
 
 namespace {
+
+using namespace Qt::StringLiterals;
 
 constexpr int kToTheEndingZero = -1;
 
@@ -34,6 +37,17 @@ void Statement::bind(const QStringList& values)
     for (const QString& value : values)
         sqlite3_bind_text(m_handle.get(), ++position, value.toUtf8().constData(), kToTheEndingZero,
                           SQLITE_TRANSIENT);
+}
+
+void Statement::bindBlob(int position, const QByteArray& bytes)
+{
+    sqlite3_bind_blob64(m_handle.get(), position, bytes.constData(),
+                        static_cast<sqlite3_uint64>(bytes.size()), SQLITE_TRANSIENT);
+}
+
+void Statement::reset()
+{
+    sqlite3_reset(m_handle.get());
 }
 
 bool Statement::step()
@@ -62,6 +76,12 @@ double Statement::real(int column) const
 qint64 Statement::integer(int column) const
 {
     return sqlite3_column_int64(m_handle.get(), column);
+}
+
+QByteArray Statement::blob(int column) const
+{
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(m_handle.get(), column));
+    return {bytes, sqlite3_column_bytes(m_handle.get(), column)};
 }
 
 void Database::Close::operator()(sqlite3* connection) const
@@ -100,6 +120,20 @@ bool Database::tryExecute(const QString& sql)
            SQLITE_OK;
 }
 
+void Database::transaction(const std::function<void()>& work, const QString& opening,
+                           const QString& closing)
+{
+    execute(u"BEGIN IMMEDIATE;"_s);
+    try {
+        execute(opening);
+        work();
+        execute(closing + u"COMMIT;"_s);
+    } catch (...) {
+        tryExecute(u"ROLLBACK"_s);
+        throw;
+    }
+}
+
 Statement Database::statement(const QString& sql)
 {
     sqlite3_stmt* handle = nullptr;
@@ -108,6 +142,22 @@ Statement Database::statement(const QString& sql)
     if (result != SQLITE_OK || !handle)
         throw StoreError(errorMessage());
     return Statement(handle);
+}
+
+Database::GivingUp::GivingUp(Database& database, std::function<bool()> isUnwanted)
+    : m_database(database)
+    , m_isUnwanted(std::move(isUnwanted))
+{
+    constexpr int kInstructions = 1000; // some tens of microseconds
+    const auto ask = [](void* self) {
+        return static_cast<GivingUp*>(self)->m_isUnwanted() ? 1 : 0;
+    };
+    sqlite3_progress_handler(m_database.m_connection.get(), kInstructions, ask, this);
+}
+
+Database::GivingUp::~GivingUp()
+{
+    sqlite3_progress_handler(m_database.m_connection.get(), 0, nullptr, nullptr);
 }
 
 QString Database::errorMessage() const

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -15,11 +16,17 @@ namespace mossbank {
 
 /// A prepared statement. Finalized when it goes; it must not outlive its database.
 ///
-/// Every value is bound as text, numbers too: the affinities of the columns turn it back.
+/// Every value but a blob is bound as text, numbers too: the affinities of the columns turn it
+/// back.
 class Statement {
 public:
     /// Binds the values at positions 1, 2, 3 and on.
     void bind(const QStringList& values);
+    /// Binds bytes as they are, at `position`.
+    void bindBlob(int position, const QByteArray& bytes);
+
+    /// Makes it ready to run again. What is bound stays bound.
+    void reset();
 
     /// Goes to the next row. False when there is none. Throws StoreError on anything else.
     bool step();
@@ -28,6 +35,8 @@ public:
     QString text(int column) const;
     double real(int column) const;
     qint64 integer(int column) const;
+    /// Empty for a null, too.
+    QByteArray blob(int column) const;
 
 private:
     friend class Database;
@@ -57,7 +66,26 @@ public:
     /// Runs the same, and says whether it went well in place of throwing.
     bool tryExecute(const QString& sql);
 
+    /// Does `work` within a transaction. When it throws, or the end fails, all of it is undone.
+    ///
+    /// `opening` and `closing` go into the transaction too; each may be several statements.
+    void transaction(const std::function<void()>& work, const QString& opening = {},
+                     const QString& closing = {});
+
     Statement statement(const QString& sql);
+
+    /// While it lives, statements give up with SQLite's error soon after `isUnwanted` says so. One
+    /// at a time.
+    class GivingUp {
+    public:
+        GivingUp(Database& database, std::function<bool()> isUnwanted);
+        ~GivingUp();
+        Q_DISABLE_COPY_MOVE(GivingUp)
+
+    private:
+        Database& m_database;
+        std::function<bool()> m_isUnwanted;
+    };
 
     /// SQLite's words for what went wrong last.
     QString errorMessage() const;

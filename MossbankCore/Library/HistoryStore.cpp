@@ -75,6 +75,7 @@ HistoryStore::HistoryStore(Writing options)
 HistoryStore::HistoryStore(ReadingOnly options)
     : m_root(std::move(options.root))
     , m_calendar(std::move(options.calendar))
+    , m_mayWrite(false)
     , m_db(openForReading(m_root))
     , m_databaseFile(Files::identity(databasePath(m_root)))
     , m_schemaVersion(Schema::userVersion(m_db))
@@ -103,8 +104,10 @@ void HistoryStore::tightenDatabasePermissions(const QString& root)
     }
 }
 
-void HistoryStore::requireDatabaseInPlace() const
+void HistoryStore::requireWritable() const
 {
+    if (!m_mayWrite)
+        throw StoreError(u"This library was opened for reading only."_s);
     if (Files::identity(databasePath(m_root)) != m_databaseFile)
         throw StoreError(u"The history database was removed or replaced."_s);
 }

@@ -3,7 +3,9 @@
 
 #include "MossbankCore/Library/Database.h"
 #include "MossbankCore/Library/ImageVault.h"
+#include "MossbankCore/Library/LibraryStats.h"
 #include "MossbankCore/Library/Memory.h"
+#include "MossbankCore/Meaning/Vector.h"
 #include "MossbankCore/Support/Calendar.h"
 #include "MossbankCore/Support/Files.h"
 #include "MossbankCore/Support/SerialQueue.h"
@@ -14,6 +16,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <utility>
 
 namespace mossbank {
 
@@ -24,7 +27,8 @@ namespace mossbank {
 /// Nobody waits for a lock: whoever meets one gets SQLite's busy error at once.
 ///
 /// Threading: operations may be called from any thread. They run one at a time on the store's own
-/// queue and hand back a future. Destroying the store finishes what was asked of it.
+/// queue and hand back a future. Destroying the store finishes what was asked of it. Cancelling
+/// the future of a search takes it off the queue, at once also when it is running.
 /// Errors: StoreError for what the store or SQLite finds wrong, FileError for what the file system
 /// refuses; from the constructors at once, from operations through the future.
 class HistoryStore {
@@ -59,6 +63,44 @@ public:
         bool withText = false;
     };
 
+    /// Which screenshots to look for the answer to a question in.
+    struct CandidatesRequest {
+        /// Any of its words may be in them.
+        QString question = {};
+        std::optional<Date> day = {};
+        std::optional<QString> app = {};
+        /// At most so many; held to 1 to 200.
+        int limit = 1;
+    };
+
+    /// Which screenshots to count by day.
+    struct DayCountsRequest {
+        QString query = {};
+        std::optional<QString> app = {};
+    };
+
+    /// What a model is to read of a screenshot.
+    struct Unread {
+        QString id;
+        QString text;
+        QString title;
+        friend bool operator==(const Unread&, const Unread&) = default;
+    };
+
+    /// How far a model has come.
+    struct EmbeddingProgress {
+        qsizetype embedded = 0;
+        qsizetype total = 0;
+        friend bool operator==(EmbeddingProgress, EmbeddingProgress) = default;
+    };
+
+    /// What a model made of a screenshot.
+    struct Embedding {
+        QString id;
+        Vector vector;
+        friend bool operator==(const Embedding&, const Embedding&) = default;
+    };
+
     /// Throws when the folders or the database cannot be made ready; nothing stays open then.
     explicit HistoryStore(Writing options);
     /// Throws when there is no library or it cannot be opened.
@@ -90,12 +132,61 @@ public:
     /// but holds no word matches nothing.
     QFuture<QList<Memory>> fetch(FetchRequest request);
 
+    /// The screenshots that answer a question best, best first.
+    QFuture<QList<Memory>> candidates(CandidatesRequest request);
+
+    /// How many screenshots match, by the first moment of each day that has some.
+    QFuture<QMap<Date, qsizetype>> dayCounts(DayCountsRequest request);
+
+    /// Those of the first 500 of `ids` that there are, in the order of `ids`.
+    QFuture<QList<Memory>> memories(QStringList ids);
+
+    /// The summary of the library, whatever its size at the same price. A screenshot counts for
+    /// the day that the quarter of an hour it was taken in begins in.
+    QFuture<LibraryStats> stats();
+
+    /// The picture of that name, opened. Absent when it cannot be had, for whatever reason.
+    QFuture<std::optional<QByteArray>> picture(QString filename);
+
+    /// Removes a screenshot, if there is one of that identity.
+    ///
+    /// This and the two below take the pictures away first, so that a failure never leaves one
+    /// that was said to be gone, and fail when the words may still be somewhere on the disk.
+    QFuture<void> deleteMemory(QString id);
+    /// Removes every screenshot taken before `date`.
+    QFuture<void> prune(Date date);
+    /// Removes every screenshot, and every file in the folders of pictures and markers.
+    QFuture<void> deleteAll();
+
+    /// Settles what saves that were cut short have left: a picture without its row goes. Only
+    /// saves that began more than `grace` seconds before `now` count as cut short. The number of
+    /// pictures removed.
+    QFuture<qsizetype> reconcile(double grace, Date now);
+
+    /// Seals up to `limit` pictures that lie as plain JPEG. How many it sealed; 0 without a vault.
+    QFuture<qsizetype> sealExistingPictures(qsizetype limit);
+
+    /// Up to `limit` screenshots, held to 1 to 5,000, that `model` has not read yet, newest first.
+    QFuture<QList<Unread>> withoutEmbedding(QString model, int limit);
+    QFuture<EmbeddingProgress> embeddingProgress(QString model);
+    /// Keeps what `model` made of some screenshots, all or none. Those that are gone meanwhile are
+    /// left out without a word.
+    QFuture<void> saveEmbeddings(QList<Embedding> embeddings, QString model);
+    /// The model that has read most of the library.
+    QFuture<std::optional<QString>> widestEmbeddingModel();
+    /// Everything that `model` has read, in no order.
+    QFuture<QList<Embedding>> embeddings(QString model);
+
     /// How SQLite would run `sql`, for looking at.
     QFuture<QString> queryPlan(QString sql);
 
     /// What the user typed as an FTS5 expression: every word must match, as a word's beginning.
     /// Absent when it holds no word. No character typed is ever an operator.
     static std::optional<QString> searchExpression(QStringView typed);
+
+    /// A question as an FTS5 expression: any of its telling words may match, as a word's beginning.
+    /// Absent when it holds no word to look for.
+    static std::optional<QString> questionExpression(QStringView question);
 
     /// The spellings of a lower-case word with each "i" and "ı" taken as either. A Turkish reader
     /// may mean both, and the index tells them apart. The word alone when it has none of them or
@@ -110,25 +201,57 @@ private:
     struct Conditions {
         QStringList clauses;
         QStringList values;
+        QString joined() const { return clauses.join(QStringLiteral(" AND ")); }
         QString whereSQL() const;
     };
 
-    /// Throws when the database's file is no longer the one that is open: what is written into a
-    /// removed file is lost without a word.
-    void requireDatabaseInPlace() const;
+    /// Does `work`, which only reads, in its turn, for as long as its result is wanted.
+    template <typename Work>
+    auto search(Work work);
+
+    /// Throws when this store may not write, or when the database's file is no longer the one
+    /// that is open: what is written into a removed file is lost without a word.
+    void requireWritable() const;
     void saveNow(const Memory& memory, const QByteArray& jpeg);
     void insertRow(const Memory& memory, qsizetype bytesOnDisk);
-    QList<Memory> fetchNow(const FetchRequest& request);
 
-    /// What `query`, `day` and `app` ask of a row. Absent when nothing can match.
-    std::optional<Conditions> conditions(const FetchRequest& request) const;
-    /// The columns of a Memory that databases before version 3 do not have.
-    QString titleColumns() const;
+    QList<Memory> fetchNow(const FetchRequest& request);
+    QList<Memory> candidatesNow(const CandidatesRequest& request);
+    QMap<Date, qsizetype> dayCountsNow(const DayCountsRequest& request);
+    QList<Memory> memoriesNow(const QStringList& ids);
+    /// The rows that hold what was typed. False when nothing can.
+    static bool addQuery(Conditions& conditions, const QString& query);
+    void addDay(Conditions& conditions, const std::optional<Date>& date) const;
+    static void addApp(Conditions& conditions, const std::optional<QString>& app);
+    bool hasTitles() const;
+    /// The columns of a Memory, in the order that `readMemory` takes them.
+    QString memoryColumns(const QString& text) const;
     static Memory readMemory(const Statement& row);
+    QList<Memory> readMemories(const QString& sql, const QStringList& values);
+
+    LibraryStats statsNow();
+    QHash<QString, QString> bundles();
+
+    void remove(const QString& whereSQL, const QStringList& values);
+    void deleteAllNow();
+    void removePictures(const QStringList& filenames) const;
+    void purgeLog();
+    QStringList referencedFilenames(const QString& whereSQL, const QStringList& values);
+
+    qsizetype reconcileNow(double grace, Date now);
+    qsizetype removePicture(const QString& filename, const QStringList& inImages) const;
+
+    qsizetype sealNow(qsizetype limit);
+    void addBytes(const QString& filename, qint64 growth, qint64 bytes);
+
+    QList<Unread> withoutEmbeddingNow(const QString& model, int limit);
+    void saveEmbeddingsNow(const QList<Embedding>& embeddings, const QString& model);
+    QList<Embedding> embeddingsNow(const QString& model);
 
     QString m_root;
     std::optional<ImageVault> m_vault;
     CalendarSource m_calendar;
+    bool m_mayWrite = true;
     Database m_db;
     /// Which file the database was when it was opened.
     Files::Identity m_databaseFile;
@@ -137,5 +260,14 @@ private:
     /// Last, so that it has finished before anything above goes.
     SerialQueue m_queue;
 };
+
+template <typename Work>
+auto HistoryStore::search(Work work)
+{
+    return m_queue.run([this, work = std::move(work)](const IsUnwanted& isUnwanted) {
+        const Database::GivingUp givingUp(m_db, isUnwanted);
+        return work();
+    });
+}
 
 } // namespace mossbank

@@ -44,7 +44,7 @@ void HistoryStore::saveNow(const Memory& memory, const QByteArray& jpeg)
 {
     if (!isValidFilename(memory.filename))
         throw StoreError(u"Invalid screenshot filename."_s);
-    requireDatabaseInPlace();
+    requireWritable();
     const QString picture = images() + u'/' + memory.filename;
     // A link that leads nowhere takes the name, too.
     if (const QFileInfo earlier(picture); earlier.exists() || earlier.isSymLink())

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Finding screenshots by what was typed.
+// Finding screenshots: by what was typed, for a question, by identity, and how many a day.
+#include "MossbankCore/Library/DayCounter.h"
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/Schema.h"
-#include "MossbankCore/Support/Characters.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,95 +14,62 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-bool isLetterI(QStringView character)
+QString limitSQL(int limit, int most)
 {
-    return character == u"i" || character == u"ı";
-}
-
-/// A word as a prefix in FTS5's language. A word holds nothing that needs escaping.
-QString prefixTerm(const QString& word)
-{
-    return u"\"%1\"*"_s.arg(word);
-}
-
-QString anyOf(const QStringList& variants)
-{
-    QStringList terms;
-    for (const QString& variant : variants)
-        terms.append(prefixTerm(variant));
-    return terms.size() == 1 ? terms.first() : u'(' + terms.join(u" OR "_s) + u')';
+    return u" LIMIT "_s + QString::number(std::clamp(limit, 1, most));
 }
 
 } // namespace
 
-QStringList HistoryStore::dotlessVariants(const QString& word)
-{
-    constexpr qsizetype kMostWidened = 3; // eight spellings
-    const auto characters = Characters::split(word);
-    const auto lettersI = std::count_if(characters.begin(), characters.end(), isLetterI);
-    if (lettersI == 0 || lettersI > kMostWidened)
-        return {word};
-
-    QStringList variants = {QString()};
-    for (const QStringView character : characters) {
-        QStringList longer;
-        for (const QString& variant : std::as_const(variants)) {
-            if (isLetterI(character))
-                longer << variant + u'i' << variant + u'ı';
-            else
-                longer << QString(variant).append(character);
-        }
-        variants = std::move(longer);
-    }
-    return variants;
-}
-
-std::optional<QString> HistoryStore::searchExpression(QStringView typed)
-{
-    QStringList terms;
-    for (const QStringView word : Characters::words(typed))
-        terms.append(anyOf(dotlessVariants(Characters::lowercased(word))));
-    if (terms.isEmpty())
-        return std::nullopt;
-    return terms.join(u" AND "_s);
-}
-
 QString HistoryStore::Conditions::whereSQL() const
 {
-    return clauses.isEmpty() ? QString() : u" WHERE "_s + clauses.join(u" AND "_s);
+    return clauses.isEmpty() ? QString() : u" WHERE "_s + joined();
 }
 
-std::optional<HistoryStore::Conditions> HistoryStore::conditions(const FetchRequest& request) const
+bool HistoryStore::addQuery(Conditions& conditions, const QString& query)
 {
-    Conditions conditions;
-    if (!request.query.trimmed().isEmpty()) {
-        const auto expression = searchExpression(request.query);
-        if (!expression)
-            return std::nullopt;
-        // The plus keeps SQLite from looking every match up by its rowid and sorting them all:
-        // it walks memories_time instead and stops at the limit.
-        conditions.clauses.append(
-            u"+rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ?)"_s);
-        conditions.values.append(*expression);
-    }
-    if (request.day) {
-        if (const auto day = m_calendar().dateInterval(Calendar::Component::Day, *request.day)) {
-            conditions.clauses.append(u"timestamp >= ? AND timestamp < ?"_s);
-            conditions.values.append(decimalText(day->start.secondsSince1970));
-            conditions.values.append(decimalText(day->end.secondsSince1970));
-        }
-    }
-    if (request.app) {
-        conditions.clauses.append(u"app_name = ?"_s);
-        conditions.values.append(*request.app);
-    }
-    return conditions;
+    if (query.trimmed().isEmpty())
+        return true;
+    const auto expression = searchExpression(query);
+    if (!expression)
+        return false;
+    // The plus keeps SQLite from looking every match up by its rowid and sorting them all: it
+    // walks memories_time instead and stops at the limit.
+    conditions.clauses.append(
+        u"+rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ?)"_s);
+    conditions.values.append(*expression);
+    return true;
 }
 
-QString HistoryStore::titleColumns() const
+void HistoryStore::addDay(Conditions& conditions, const std::optional<Date>& date) const
 {
-    return m_schemaVersion >= Schema::kFirstWithTitles ? u"title, link"_s
-                                                       : u"'' AS title, '' AS link"_s;
+    if (!date)
+        return;
+    const auto day = m_calendar().dateInterval(Calendar::Component::Day, *date);
+    if (!day)
+        return;
+    conditions.clauses.append(u"timestamp >= ? AND timestamp < ?"_s);
+    conditions.values.append(decimalText(day->start.secondsSince1970));
+    conditions.values.append(decimalText(day->end.secondsSince1970));
+}
+
+void HistoryStore::addApp(Conditions& conditions, const std::optional<QString>& app)
+{
+    if (!app)
+        return;
+    conditions.clauses.append(u"app_name = ?"_s);
+    conditions.values.append(*app);
+}
+
+bool HistoryStore::hasTitles() const
+{
+    return m_schemaVersion >= Schema::kFirstWithTitles;
+}
+
+QString HistoryStore::memoryColumns(const QString& text) const
+{
+    return u"id, timestamp, app_name, bundle_id, %1, filename, bytes, %2"_s.arg(
+        text, hasTitles() ? u"title, link"_s : u"'' AS title, '' AS link"_s);
 }
 
 Memory HistoryStore::readMemory(const Statement& row)
@@ -122,26 +89,104 @@ Memory HistoryStore::readMemory(const Statement& row)
     };
 }
 
+QList<Memory> HistoryStore::readMemories(const QString& sql, const QStringList& values)
+{
+    Statement rows = m_db.statement(sql);
+    rows.bind(values);
+    QList<Memory> memories;
+    while (rows.step())
+        memories.append(readMemory(rows));
+    return memories;
+}
+
 QFuture<QList<Memory>> HistoryStore::fetch(FetchRequest request)
 {
-    return m_queue.run([this, request = std::move(request)] { return fetchNow(request); });
+    return search([this, request = std::move(request)] { return fetchNow(request); });
 }
 
 QList<Memory> HistoryStore::fetchNow(const FetchRequest& request)
 {
     constexpr int kMostRows = 86'400;
-    const auto wanted = conditions(request);
-    if (!wanted)
+    Conditions conditions;
+    if (!addQuery(conditions, request.query))
         return {};
+    addDay(conditions, request.day);
+    addApp(conditions, request.app);
+    return readMemories(u"SELECT %1 FROM memories%2 ORDER BY timestamp DESC, rowid DESC%3"_s.arg(
+                            memoryColumns(request.withText ? u"text"_s : u"'' AS text"_s),
+                            conditions.whereSQL(), limitSQL(request.limit, kMostRows)),
+                        conditions.values);
+}
+
+QFuture<QList<Memory>> HistoryStore::candidates(CandidatesRequest request)
+{
+    return search([this, request = std::move(request)] { return candidatesNow(request); });
+}
+
+QList<Memory> HistoryStore::candidatesNow(const CandidatesRequest& request)
+{
+    constexpr int kMostRows = 200;
+    const auto expression = questionExpression(request.question);
+    if (!expression)
+        return {};
+    Conditions conditions = {{u"s.rowid = m.rowid"_s}, {*expression}};
+    addDay(conditions, request.day);
+    addApp(conditions, request.app);
+    // A word of the title tells eight times as much as one of the text, of the address four times.
+    // The columns are id, application, title, address and text; older ones have no title.
+    const QString weights = hasTitles() ? u"0.0, 1.0, 8.0, 4.0, 1.0"_s : u"0.0, 1.0, 1.0"_s;
+    // Smaller ranks are better ones.
+    return readMemories(u"SELECT %1\nFROM memories m,\n"
+                        "     (SELECT rowid, bm25(memory_search, %2) AS rank\n"
+                        "        FROM memory_search WHERE memory_search MATCH ?) s\n"
+                        "WHERE %3\nORDER BY s.rank%4"_s.arg(memoryColumns(u"text"_s), weights,
+                                                            conditions.joined(),
+                                                            limitSQL(request.limit, kMostRows)),
+                        conditions.values);
+}
+
+QFuture<QMap<Date, qsizetype>> HistoryStore::dayCounts(DayCountsRequest request)
+{
+    return search([this, request = std::move(request)] { return dayCountsNow(request); });
+}
+
+QMap<Date, qsizetype> HistoryStore::dayCountsNow(const DayCountsRequest& request)
+{
+    Conditions conditions;
+    if (!addQuery(conditions, request.query))
+        return {};
+    addApp(conditions, request.app);
     Statement rows = m_db.statement(
-        u"SELECT id, timestamp, app_name, bundle_id, %1, filename, bytes, %2 FROM memories%3 "
-        "ORDER BY timestamp DESC, rowid DESC LIMIT %4"_s.arg(
-            request.withText ? u"text"_s : u"'' AS text"_s, titleColumns(), wanted->whereSQL(),
-            QString::number(std::clamp(request.limit, 1, kMostRows))));
-    rows.bind(wanted->values);
-    QList<Memory> memories;
+        u"SELECT timestamp FROM memories%1 ORDER BY timestamp"_s.arg(conditions.whereSQL()));
+    rows.bind(conditions.values);
+    DayCounter counter(m_calendar());
     while (rows.step())
-        memories.append(readMemory(rows));
+        counter.add({rows.real(0)});
+    return counter.days();
+}
+
+QFuture<QList<Memory>> HistoryStore::memories(QStringList ids)
+{
+    return search([this, ids = std::move(ids)] { return memoriesNow(ids); });
+}
+
+QList<Memory> HistoryStore::memoriesNow(const QStringList& ids)
+{
+    constexpr qsizetype kMostRows = 500;
+    const QStringList wanted = ids.first(std::min(ids.size(), kMostRows));
+    if (wanted.isEmpty())
+        return {};
+    const QString marks = QStringList(wanted.size(), u"?"_s).join(u',');
+    QHash<QString, Memory> found;
+    for (const Memory& memory : readMemories(
+             u"SELECT %1\nFROM memories WHERE id IN (%2)"_s.arg(memoryColumns(u"text"_s), marks),
+             wanted))
+        found.insert(memory.id, memory);
+    QList<Memory> memories;
+    for (const QString& id : wanted) {
+        if (const auto memory = found.constFind(id); memory != found.cend())
+            memories.append(*memory);
+    }
     return memories;
 }
 

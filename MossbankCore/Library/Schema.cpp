@@ -102,13 +102,10 @@ qint64 storedVersion(Database& database)
 
 void run(const Migration& migration, Database& database)
 {
-    try {
-        database.execute(u"BEGIN IMMEDIATE;\n%1\nPRAGMA user_version = %2;\nCOMMIT;"_s.arg(
-            migration.sql, QString::number(migration.number)));
-    } catch (const StoreError&) {
-        database.tryExecute(u"ROLLBACK"_s);
-        throw;
-    }
+    database.transaction([&] {
+        database.execute(migration.sql);
+        database.execute(u"PRAGMA user_version = %1;"_s.arg(migration.number));
+    });
     // A migration can rewrite the whole index, and the log would keep that size.
     database.tryExecute(u"PRAGMA wal_checkpoint(TRUNCATE)"_s);
 }

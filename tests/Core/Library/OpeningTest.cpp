@@ -231,7 +231,7 @@ void OpeningTest::readingCannotSave()
     HistoryStore reader(HistoryStore::ReadingOnly{folder.root()});
     QCOMPARE(failure<StoreError>(
                  [&reader] { reader.save(sampleMemory(u"A"_s), "jpeg").waitForFinished(); }),
-             u"attempt to write a readonly database"_s);
+             u"This library was opened for reading only."_s);
     QCOMPARE(names(folder.images()), QStringList{});
     QCOMPARE(names(folder.pending()), QStringList{});
 }

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Settling what saves that were cut short have left. The markers tell which those are, so the price
+// depends on their number and not on the library's size.
+#include "MossbankCore/Library/HistoryStore.h"
+
+#include <utility>
+
+namespace mossbank {
+
+using namespace Qt::StringLiterals;
+
+QFuture<qsizetype> HistoryStore::reconcile(double grace, Date now)
+{
+    return m_queue.run([this, grace, now] { return reconcileNow(grace, now); });
+}
+
+qsizetype HistoryStore::reconcileNow(double grace, Date now)
+{
+    requireWritable();
+    m_db.execute(u"DELETE FROM embeddings WHERE id NOT IN (SELECT id FROM memories);"_s);
+    const Date cutoff = now - grace;
+    std::optional<QStringList> inImages;
+    qsizetype removed = 0;
+    for (const QString& name : Files::filesIn(pending())) {
+        const QString marker = pending() + u'/' + name;
+        const auto began = Files::modified(marker);
+        // A save may still be under way, in this process or in another.
+        if (!began || *began >= cutoff)
+            continue;
+        // With its row the save got through, and only the marker is left over.
+        if (referencedFilenames(u"filename = ?"_s, {name}).isEmpty()) {
+            if (!inImages)
+                inImages = Files::filesIn(images());
+            removed += removePicture(name, *inImages);
+        }
+        Files::removeFile(marker);
+    }
+    return removed;
+}
+
+qsizetype HistoryStore::removePicture(const QString& filename, const QStringList& inImages) const
+{
+    qsizetype removed = 0;
+    for (const QString& name : inImages) {
+        // A write that was cut short has left its part under a name made from this one.
+        if (name != filename && !name.startsWith(filename + u'.'))
+            continue;
+        Files::removeFile(images() + u'/' + name);
+        ++removed;
+    }
+    return removed;
+}
+
+} // namespace mossbank
