@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench/BenchGrab.h"
+#include "bench/BenchLibrary.h"
 #include "bench/BenchRead.h"
 #include "bench/BenchSave.h"
 
@@ -22,6 +23,7 @@ constexpr const char* kUsage =
     "  read FILE... [--time]   the words in each picture, form feeds between; or how long that "
     "takes\n"
     "  save --rows N           one save into a library of N rows, beside its bare minimum\n"
+    "  library --rows N        what is asked of a library of N rows, beside the bare queries\n"
     "  grab                    one picture of the display, beside a bare grab of it\n";
 
 } // namespace
@@ -31,6 +33,7 @@ int main(int argc, char* argv[])
     const QCoreApplication application(argc, argv);
     const std::map<QString, std::function<int(const QStringList&)>> benchmarks = {
         {u"grab"_s, mossbank::benchGrab},
+        {u"library"_s, mossbank::benchLibrary},
         {u"read"_s, mossbank::benchRead},
         {u"save"_s, mossbank::benchSave},
     };
