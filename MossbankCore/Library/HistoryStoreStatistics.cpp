@@ -42,9 +42,17 @@ LibraryStats HistoryStore::statsNow()
 
 QHash<QString, QString> HistoryStore::bundles()
 {
-    // Of several the greatest, which is a real one rather than none.
-    Statement rows =
-        m_db.statement(u"SELECT app_name, max(bundle_id) FROM memories GROUP BY app_name"_s);
+    // From one name to the next, and for each the greatest of its identities, which is a real one
+    // rather than none: a look or two at memories_app for each name, where grouping by name would
+    // walk all of it.
+    Statement rows = m_db.statement(
+        u"WITH RECURSIVE names(name) AS (\n"
+        "  SELECT min(app_name) FROM memories\n"
+        "  UNION ALL\n"
+        "  SELECT (SELECT min(app_name) FROM memories WHERE app_name > name) FROM names\n"
+        "    WHERE name IS NOT NULL)\n"
+        "SELECT name, (SELECT max(bundle_id) FROM memories WHERE app_name = name) FROM names\n"
+        "  WHERE name IS NOT NULL"_s);
     QHash<QString, QString> bundles;
     while (rows.step())
         bundles.insert(rows.text(0), rows.text(1));
