@@ -77,15 +77,12 @@ bool AesGcm::open(const SymmetricKey& key, const char* nonce, QByteArrayView sea
     QByteArray tag = sealed.last(kTagSize).toByteArray();
     const Context context(EVP_CIPHER_CTX_new());
     int written = 0;
-    const bool isOpened =
-        context && cipher() &&
-        EVP_DecryptInit_ex2(context.get(), cipher(), key.bytes().data(), in(nonce), nullptr) == 1 &&
-        putThrough(EVP_DecryptUpdate, context.get(), ciphertext, plain) &&
-        EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, kTagSize, tag.data()) == 1 &&
-        EVP_DecryptFinal_ex(context.get(), out(plain + ciphertext.size()), &written) == 1;
-    // A refusal is an ordinary answer here, and no complaint for whoever asks next.
-    OpenSslFailure::forgetEarlier();
-    return isOpened;
+    return context && cipher() &&
+           EVP_DecryptInit_ex2(context.get(), cipher(), key.bytes().data(), in(nonce), nullptr) ==
+               1 &&
+           putThrough(EVP_DecryptUpdate, context.get(), ciphertext, plain) &&
+           EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, kTagSize, tag.data()) == 1 &&
+           EVP_DecryptFinal_ex(context.get(), out(plain + ciphertext.size()), &written) == 1;
 }
 
 } // namespace mossbank

@@ -5,8 +5,6 @@
 
 #include <QByteArrayView>
 
-#include <span>
-
 namespace mossbank {
 
 /// AES-256-GCM without additional data, as OpenSSL has it.
@@ -29,6 +27,9 @@ public:
     /// holds at least a tag.
     static bool open(const SymmetricKey& key, const char* nonce, QByteArrayView sealed,
                      char* plain);
+
+    /// Throws StoreError unless the cipher gives what is published for it. Before it is relied on.
+    static void check();
 };
 
 } // namespace mossbank

@@ -98,6 +98,8 @@ const QList<Rule>& rules()
 
         {u"."_s, u"^(?:MossbankCore/Library/|tests/Core/Library/|bench/)"_s,
          including(u"sqlite3(?:ext)?\\.h"_s), u"only the library knows its database"_s},
+        {u"."_s, u"^(?:MossbankCore/Library/|tests/Core/Library/|bench/)"_s,
+         including(u"openssl/"_s), u"only the library knows its cipher"_s},
         {u"."_s, u"^MossbankCore/Support/Characters\\.(?:h|cpp)$"_s, including(u"unicode/"_s),
          u"only Characters reckons with characters"_s},
         {u"^(?:MossbankCore|Mossbank/Model)/"_s,
