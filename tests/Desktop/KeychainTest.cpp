@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The keyring as it is on a bad day: locked, missing, stopped, with too many keys in it, and with
+// somebody else at it.
+#include "Mossbank/Platform/Linux/KeyringTurn.h"
+#include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
+#include "MossbankCore/Library/VaultKey.h"
+#include "tests/Contract/Contract.h"
+#include "tests/Desktop/TestKeyring.h"
+#include "tests/Desktop/VirtualDesktop.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSet>
+#include <QTest>
+
+#include <dlfcn.h>
+#include <libsecret/secret.h>
+
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// Done by somebody else just before an item is made.
+std::function<void()> beforeCreating;
+bool manglesSecrets = false;
+
+} // namespace
+
+// These stand before libsecret's own for everything in this program.
+extern "C" SecretItem* secret_item_create_sync(SecretCollection* collection,
+                                               const SecretSchema* schema, GHashTable* attributes,
+                                               const gchar* label, SecretValue* value,
+                                               SecretItemCreateFlags flags,
+                                               GCancellable* cancellable, GError** error)
+{
+    if (const auto meanwhile = std::exchange(beforeCreating, {}))
+        meanwhile();
+    const auto original = reinterpret_cast<decltype(&secret_item_create_sync)>(
+        ::dlsym(RTLD_NEXT, "secret_item_create_sync"));
+    return original(collection, schema, attributes, label, value, flags, cancellable, error);
+}
+
+extern "C" SecretValue* secret_value_new(const gchar* secret, gssize length, const gchar* type)
+{
+    const auto original =
+        reinterpret_cast<decltype(&secret_value_new)>(::dlsym(RTLD_NEXT, "secret_value_new"));
+    return original(secret, manglesSecrets ? length - 1 : length, type);
+}
+
+using namespace Qt::StringLiterals;
+using namespace mossbank;
+using namespace mossbank::test;
+using Status = Keychain::Status;
+
+namespace {
+
+const QString kService = VaultKey::kService;
+const QString kAccount = VaultKey::kAccount;
+const QByteArray kSecret(SymmetricKey::kSize, 'k');
+
+constexpr SecretServiceKeychain::Patience kShort = {.service = std::chrono::milliseconds(700),
+                                                    .user = std::chrono::milliseconds(700)};
+constexpr int kShortEnough = 5000;
+
+QString refusalOf(Keychain& keychain)
+{
+    return failureOf([&] { VaultKey::load(keychain, kService, kAccount); });
+}
+
+} // namespace
+
+class KeychainTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        beforeCreating = {};
+        manglesSecrets = false;
+    }
+
+    void theItemIsBytesWithALabelForThePerson()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain;
+        const SymmetricKey key = VaultKey::load(keychain, kService, kAccount);
+        QCOMPARE(desktop.secrets().size(), 1);
+        QCOMPARE(desktop.secrets().first(),
+                 QByteArray(reinterpret_cast<const char*>(key.bytes().data()), 32));
+        QCOMPARE(desktop.label(), u"Mossbank"_s);
+    }
+
+    void aTextThatSomebodyPutThereIsAKeyOfTheWrongSize()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        QVERIFY(desktop.put("a passphrase"));
+        SecretServiceKeychain keychain;
+        QVERIFY(
+            refusalOf(keychain).startsWith(u"The keychain's encryption key is the wrong size, "_s));
+        QCOMPARE(desktop.secrets(), QList<QByteArray>{"a passphrase"});
+    }
+
+    void severalKeysAreAFailureAndNoneIsTouched()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        QVERIFY(desktop.put(kSecret));
+        QVERIFY(desktop.put(QByteArray(32, 'l')));
+        SecretServiceKeychain keychain;
+        QCOMPARE(refusalOf(keychain),
+                 u"The keychain would not give up the encryption key (3). There are several "
+                 "encryption keys in the keyring."_s);
+        QCOMPARE(keychain.add(kService, kAccount, kSecret).number,
+                 int(SecretServiceKeychain::Ambiguous));
+        QCOMPARE(desktop.secrets().size(), 2);
+    }
+
+    void aLockedKeyringIsToldAndNoSecondKeyIsMade_data()
+    {
+        QTest::addColumn<bool>("hasKey");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("with the key in it") << true << u"The keyring is locked."_s;
+        QTest::newRow("with no key in it")
+            << false << u"A keyring is locked, and there may be an encryption key in it."_s;
+    }
+    void aLockedKeyringIsToldAndNoSecondKeyIsMade()
+    {
+        QFETCH(bool, hasKey);
+        QFETCH(QString, reason);
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        if (hasKey)
+            QVERIFY(desktop.put(kSecret));
+        QVERIFY(desktop.lock());
+        SecretServiceKeychain keychain;
+        QCOMPARE(refusalOf(keychain),
+                 u"The keychain would not give up the encryption key (2). "_s + reason);
+        QCOMPARE(keychain.add(kService, kAccount, kSecret), (Status{2, reason}));
+        QCOMPARE(desktop.secrets().size(), hasKey ? 1 : 0);
+    }
+
+    void withoutAKeyringServiceItSaysSo()
+    {
+        TestKeyring desktop({.hasService = false, .hasDefault = false});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain;
+        QCOMPARE(refusalOf(keychain), u"The keychain would not give up the encryption key (1). "
+                                      "No keyring is running on this desktop."_s);
+        QCOMPARE(keychain.add(kService, kAccount, kSecret).number, 1);
+    }
+
+    void withoutAKeyringForNewItemsItSaysSo_data()
+    {
+        QTest::addColumn<bool>("hasDefault");
+        QTest::newRow("none has ever been made") << false;
+        QTest::newRow("new items go where they are forgotten") << true;
+    }
+    void withoutAKeyringForNewItemsItSaysSo()
+    {
+        QFETCH(bool, hasDefault);
+        TestKeyring desktop({.hasService = true, .hasDefault = hasDefault});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        if (hasDefault)
+            QVERIFY(desktop.makeSessionTheDefault());
+        SecretServiceKeychain keychain;
+        QCOMPARE(refusalOf(keychain),
+                 u"The keychain would not keep the encryption key (1). There is no keyring yet; "
+                 "your desktop's program for passwords can make one."_s);
+        QCOMPARE(desktop.secrets().size(), 0);
+    }
+
+    void aKeyringThatStandsStillIsNotWaitedForLong()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain(kShort);
+        desktop.standStill();
+        QElapsedTimer timer;
+        timer.start();
+        const Status read = keychain.read(kService, kAccount).status;
+        const Status added = keychain.add(kService, kAccount, kSecret);
+        const qint64 waited = timer.elapsed();
+        desktop.goOn();
+        const Status silent = {SecretServiceKeychain::Silent,
+                               u"The keyring did not answer in time."_s};
+        QCOMPARE(read, silent);
+        QCOMPARE(added, silent);
+        QVERIFY2(waited >= 1400 && waited < kShortEnough, qPrintable(QString::number(waited)));
+        QCOMPARE(desktop.secrets().size(), 0);
+    }
+
+    void aBusThatStandsStillIsNotWaitedForLong()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain(kShort);
+        desktop.busStandsStill();
+        QElapsedTimer timer;
+        timer.start();
+        const Status read = keychain.read(kService, kAccount).status;
+        const qint64 waited = timer.elapsed();
+        desktop.busGoesOn();
+        QCOMPARE(read.number, int(SecretServiceKeychain::Silent));
+        QVERIFY2(waited < kShortEnough, qPrintable(QString::number(waited)));
+    }
+
+    void aKeyringThatWasKilledIsToldAsMissing()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain;
+        QCOMPARE(keychain.read(kService, kAccount).status.number, Status::kNotFound);
+        desktop.killService();
+        QCOMPARE(keychain.read(kService, kAccount).status.number,
+                 int(SecretServiceKeychain::Unavailable));
+    }
+
+    void programsThatAddTakeTurns()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const GObjectOwned<GDBusConnection> bus(
+            g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+        const CallLimit limit(std::chrono::seconds(10));
+        auto turn = std::make_unique<KeyringTurn>(bus.get(), limit);
+        Status status;
+        std::jthread other([&] {
+            SecretServiceKeychain keychain;
+            status = keychain.add(kService, kAccount, QByteArray(32, 'o'));
+        });
+        QTest::qWait(300);
+        QCOMPARE(desktop.secrets().size(), 0);
+        QVERIFY(desktop.put(kSecret));
+        turn.reset();
+        other.join();
+        QCOMPARE(status, Status{Status::kDuplicate});
+        QCOMPARE(desktop.secrets(), QList<QByteArray>{kSecret});
+    }
+
+    void whoeverNeverEndsHisTurnIsNotWaitedForLong()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const GObjectOwned<GDBusConnection> bus(
+            g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+        const CallLimit limit(std::chrono::seconds(10));
+        const KeyringTurn turn(bus.get(), limit);
+        SecretServiceKeychain keychain(kShort);
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(keychain.add(kService, kAccount, kSecret).number,
+                 int(SecretServiceKeychain::Silent));
+        QVERIFY(timer.elapsed() < kShortEnough);
+        QCOMPARE(desktop.secrets().size(), 0);
+    }
+
+    void ofTwoKeysMadeAtOnceTheOtherOneStays()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain;
+        beforeCreating = [&] {
+            QVERIFY(desktop.put(kSecret));
+        };
+        QCOMPARE(keychain.add(kService, kAccount, QByteArray(32, 'o')), Status{Status::kDuplicate});
+        QCOMPARE(desktop.secrets(), QList<QByteArray>{kSecret});
+
+        // And so the vault goes on with it.
+        const SymmetricKey key = VaultKey::load(keychain, kService, kAccount);
+        QVERIFY(key == *SymmetricKey::fromBytes(kSecret));
+    }
+
+    void aKeyringThatKeepsSomethingElseIsNotTrustedWithAKey()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        SecretServiceKeychain keychain;
+        manglesSecrets = true;
+        const QString refusal = refusalOf(keychain);
+        manglesSecrets = false;
+        QCOMPARE(refusal, u"The keychain would not keep the encryption key (5). The keyring does "
+                          "not keep a key as it was given."_s);
+        QCOMPARE(desktop.secrets().size(), 0);
+    }
+
+    void manyStartersEndUpOnOneKey()
+    {
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        constexpr int kStarters = 8;
+        constexpr int kRounds = 4;
+        for (int round = 0; round < kRounds; ++round) {
+            const QString account = u"round %1"_s.arg(round);
+            std::vector<std::unique_ptr<QProcess>> starters;
+            for (int number = 0; number < kStarters; ++number) {
+                starters.push_back(std::make_unique<QProcess>());
+                starters.back()->start(QStringLiteral(MOSSBANK_KEYCHAIN_STARTER), {account});
+            }
+            QSet<QByteArray> keys;
+            for (const auto& starter : starters) {
+                QVERIFY(starter->waitForFinished());
+                QVERIFY2(starter->exitCode() == 0, starter->readAllStandardError().constData());
+                keys.insert(QByteArray::fromHex(starter->readAllStandardOutput().trimmed()));
+            }
+            QCOMPARE(keys.size(), 1);
+            QCOMPARE(desktop.secrets(account), keys.values());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(KeychainTest)
+#include "KeychainTest.moc"
