@@ -69,7 +69,7 @@ int run(const Platform& platform, const QString& library)
                     .addresses = *platform.addresses,
                     .recognizer = *platform.recognizer,
                     .preferences = preferences},
-                   OpenedLibrary::at(library));
+                   OpenedLibrary::at(library, platform.keychain.get()));
     const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
     const TerminationSignals signals;
     QObject::connect(&signals, &TerminationSignals::received, &model, &AppModel::prepareToQuit);

@@ -3,6 +3,8 @@
 
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
+#include "MossbankCore/Library/AesGcm.h"
+#include "MossbankCore/Library/VaultKey.h"
 #include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Failure.h"
 
@@ -10,13 +12,34 @@
 
 namespace mossbank {
 
-OpenedLibrary OpenedLibrary::at(const QString& root)
+namespace {
+
+/// Before the cipher is known to work, no key is asked for.
+ImageVault openVault(Keychain& keychain)
 {
+    AesGcm::check();
+    return ImageVault(VaultKey::load(keychain, VaultKey::kService, VaultKey::kAccount));
+}
+
+} // namespace
+
+OpenedLibrary OpenedLibrary::at(const QString& root, Keychain* keychain)
+{
+    OpenedLibrary library;
     try {
-        return {std::make_unique<HistoryStore>(HistoryStore::Writing{.root = root}), {}};
+        if (keychain)
+            library.vault = openVault(*keychain);
     } catch (const Failure& failure) {
-        return {nullptr, localized("History is unavailable: %1").arg(failure.message())};
+        library.errorMessage =
+            localized("Screenshots will be saved unencrypted: %1").arg(failure.message());
     }
+    try {
+        library.store = std::make_unique<HistoryStore>(
+            HistoryStore::Writing{.root = root, .vault = library.vault});
+    } catch (const Failure& failure) {
+        library.errorMessage = localized("History is unavailable: %1").arg(failure.message());
+    }
+    return library;
 }
 
 AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* parent)
@@ -24,6 +47,7 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_clock(surroundings.clock)
     , m_preferences(surroundings.preferences)
     , m_store(std::move(library.store))
+    , m_vault(std::move(library.vault))
     , m_recorder(std::move(surroundings),
                  {.pauses = m_pauses, .afterSave = m_afterSave, .store = m_store.get()})
 {

@@ -5,6 +5,7 @@
 #include "Mossbank/Model/PauseControl.h"
 #include "Mossbank/Model/Recorder.h"
 #include "MossbankCore/Library/HistoryStore.h"
+#include "MossbankCore/Library/ImageVault.h"
 
 #include <QObject>
 #include <QString>
@@ -14,15 +15,21 @@
 
 namespace mossbank {
 
+class Keychain;
+
 /// A library that was opened, or the reason why not.
 struct OpenedLibrary {
     /// Absent when the library could not be opened.
     std::unique_ptr<HistoryStore> store;
+    /// What pictures are sealed with. Absent when the keychain gave no key; then they lie plain.
+    std::optional<ImageVault> vault;
     /// What the user is to be told.
     std::optional<QString> errorMessage;
 
-    /// Opens the library for writing. Throws nothing.
-    static OpenedLibrary at(const QString& root);
+    /// Opens the library for writing, with the key from `keychain`. Without a keychain pictures
+    /// lie plain, and nothing is said of it. Waits for the keychain, and with it perhaps for the
+    /// user. Throws nothing.
+    static OpenedLibrary at(const QString& root, Keychain* keychain);
 };
 
 /// The one application object, alive from launch to exit. It is made of parts, each with the
@@ -40,6 +47,8 @@ public:
     Recorder& recorder() { return m_recorder; }
     /// Absent when the library could not be opened.
     HistoryStore* store() { return m_store.get(); }
+    /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.
+    const std::optional<ImageVault>& vault() const { return m_vault; }
 
     /// What is done once everything is up: recording starts if the user asked for that.
     void finishedLaunching();
@@ -57,6 +66,7 @@ private:
     Clock& m_clock;
     Preferences& m_preferences;
     std::unique_ptr<HistoryStore> m_store;
+    std::optional<ImageVault> m_vault;
     NoPauses m_pauses;
     NothingAfterSave m_afterSave;
     Recorder m_recorder;

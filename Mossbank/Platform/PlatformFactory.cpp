@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/PlatformFactory.h"
 
+#include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/TesseractRecognizer.h"
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
@@ -51,6 +52,7 @@ Platform makePlatform(const QString& ownBundleID)
     platform.addresses = std::make_unique<NullAddressSource>(
         u"This version cannot ask browsers on Linux for the address of a page."_s);
     platform.recognizer = makeTextRecognizer();
+    platform.keychain = std::make_unique<SecretServiceKeychain>();
     return platform;
 }
 

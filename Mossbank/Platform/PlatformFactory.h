@@ -6,6 +6,7 @@
 #include "Mossbank/Ports/Screen.h"
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
+#include "MossbankCore/Ports/Keychain.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
 #include <QString>
@@ -22,6 +23,7 @@ struct Platform {
     std::unique_ptr<SecureInput> secureInput;
     std::unique_ptr<AddressSource> addresses;
     std::unique_ptr<TextRecognizer> recognizer;
+    std::unique_ptr<Keychain> keychain;
 };
 
 /// Chooses the adapters for this machine. `ownBundleID` is this program's identity.

@@ -3,9 +3,31 @@
 // The application object: how it comes up with and without a library, and how it goes.
 #include "Mossbank/Model/AppModel.h"
 
+#include "MossbankCore/Library/VaultKey.h"
+#include "tests/Fakes/FakeKeychain.h"
 #include "tests/Model/RecorderRig.h"
 
 #include <QSignalSpy>
+
+#include <dlfcn.h>
+
+namespace {
+
+bool isCipherWrong = false;
+
+} // namespace
+
+// Stands before OpenSSL's own for everything in this program.
+extern "C" int EVP_EncryptUpdate(void* context, unsigned char* out, int* written,
+                                 const unsigned char* in, int length)
+{
+    using Function = int (*)(void*, unsigned char*, int*, const unsigned char*, int);
+    const auto original = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "EVP_EncryptUpdate"));
+    const int status = original(context, out, written, in, length);
+    if (isCipherWrong)
+        out[0] ^= 1U;
+    return status;
+}
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -24,8 +46,9 @@ private Q_SLOTS:
     {
         QFETCH(bool, recordsAtLaunch);
         RecorderRig rig(false);
+        FakeKeychain keychain;
         rig.preferences.setRecordsAtLaunch(recordsAtLaunch);
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QVERIFY(model.store());
         QVERIFY(!model.recorder().isRecording());
         model.finishedLaunching();
@@ -36,10 +59,11 @@ private Q_SLOTS:
     void aLibraryThatCannotBeOpenedIsToldAndNothingIsRecorded()
     {
         RecorderRig rig(false);
+        FakeKeychain keychain;
         QFile blocking(rig.libraryRoot());
         QVERIFY(blocking.open(QIODevice::WriteOnly));
         rig.preferences.setRecordsAtLaunch(true);
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         model.finishedLaunching();
         QVERIFY(!model.store());
         QVERIFY(!model.recorder().isRecording());
@@ -51,21 +75,104 @@ private Q_SLOTS:
     void aDamagedDatabaseIsToldInSqlitesWords()
     {
         RecorderRig rig(false);
+        FakeKeychain keychain;
         QVERIFY(QDir().mkpath(rig.libraryRoot()));
         QFile database(rig.libraryRoot() + u"/history.sqlite"_s);
         QVERIFY(database.open(QIODevice::WriteOnly));
         database.write(QByteArray(8192, 'x'));
         database.close();
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QCOMPARE(model.recorder().errorMessage(),
                  std::optional(u"History is unavailable: file is not a database"_s));
         QCOMPARE(database.size(), 8192);
     }
 
+    void theKeyInTheKeychainSealsWhatIsSaved()
+    {
+        RecorderRig rig(false);
+        FakeKeychain keychain;
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
+        QVERIFY(!model.recorder().errorMessage());
+        QVERIFY(model.vault());
+        QCOMPARE(keychain.calls, (QStringList{u"read"_s, u"add"_s}));
+        const QByteArray bytes = onlyPictureOf(model);
+        QVERIFY(ImageVault::isSealed(bytes));
+        const auto key =
+            SymmetricKey::fromBytes(keychain.items.at({VaultKey::kService, VaultKey::kAccount}));
+        const auto jpeg = ImageVault(*key).opened(bytes);
+        QVERIFY(jpeg);
+        QVERIFY(jpeg->startsWith(QByteArray::fromHex("ffd8ff")));
+        QVERIFY(model.vault()->opened(bytes) == jpeg);
+    }
+
+    void withoutAKeyItSaysSoAndSavesPlain_data()
+    {
+        QTest::addColumn<Keychain::Status>("status");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("a number") << Keychain::Status{-25308}
+                                  << u"Screenshots will be saved unencrypted: The keychain would "
+                                     "not give up the encryption key (-25308)."_s;
+        QTest::newRow("and why") << Keychain::Status{2, u"The keyring is locked."_s}
+                                 << u"Screenshots will be saved unencrypted: The keychain would "
+                                    "not give up the encryption key (2). The keyring is locked."_s;
+    }
+    void withoutAKeyItSaysSoAndSavesPlain()
+    {
+        QFETCH(Keychain::Status, status);
+        QFETCH(QString, message);
+        RecorderRig rig(false);
+        FakeKeychain keychain;
+        keychain.failures = {{1, status}};
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
+        QCOMPARE(model.recorder().errorMessage(), std::optional(message));
+        QVERIFY(!model.vault());
+        QVERIFY(model.store());
+        QVERIFY(onlyPictureOf(model).startsWith(QByteArray::fromHex("ffd8ff")));
+        // Nobody asks again in this run, and the line stays.
+        QCOMPARE(keychain.calls.size(), 1);
+        QCOMPARE(model.recorder().errorMessage(), std::optional(message));
+    }
+
+    void aCipherThatComputesSomethingElseIsNotGivenAKey()
+    {
+        RecorderRig rig(false);
+        FakeKeychain keychain;
+        isCipherWrong = true;
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
+        isCipherWrong = false;
+        QCOMPARE(model.recorder().errorMessage(),
+                 std::optional(u"Screenshots will be saved unencrypted: Encryption does not work "
+                               "as it should on this computer."_s));
+        QVERIFY(!model.vault());
+        QVERIFY(keychain.calls.isEmpty());
+        QVERIFY(onlyPictureOf(model).startsWith(QByteArray::fromHex("ffd8ff")));
+    }
+
+    void withoutAKeychainPicturesLiePlainAndNothingIsSaid()
+    {
+        RecorderRig rig(false);
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        QVERIFY(!model.recorder().errorMessage());
+        QVERIFY(!model.vault());
+        QVERIFY(onlyPictureOf(model).startsWith(QByteArray::fromHex("ffd8ff")));
+    }
+
+    void aLibraryThatCannotBeOpenedIsToldBeforeTheKey()
+    {
+        RecorderRig rig(false);
+        FakeKeychain keychain;
+        keychain.isLocked = true;
+        QFile blocking(rig.libraryRoot());
+        QVERIFY(blocking.open(QIODevice::WriteOnly));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
+        QVERIFY(model.recorder().errorMessage()->startsWith(u"History is unavailable: "_s));
+    }
+
     void isReadyToQuitAtOnceWhenNothingIsUnderWay()
     {
         RecorderRig rig(false);
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
+        FakeKeychain keychain;
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.prepareToQuit();
         QCOMPARE(ready.count(), 1);
@@ -74,8 +181,9 @@ private Q_SLOTS:
     void doesNotWaitForAScreenThatHasStoppedAnswering()
     {
         RecorderRig rig(false);
+        FakeKeychain keychain;
         rig.screen.holdsContent = true;
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.recorder().toggleRecording();
         QTRY_COMPARE(rig.screen.contentsAsked, 1);
@@ -92,9 +200,10 @@ private Q_SLOTS:
     void waitsForTheSaveUnderWayBeforeItQuits()
     {
         RecorderRig rig(false);
+        FakeKeychain keychain;
         QSemaphore reading;
         rig.recognizer.setHook([&] { reading.acquire(); });
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot()));
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.recorder().toggleRecording();
         QTRY_COMPARE(rig.recognizer.readings(), 1);
@@ -105,6 +214,21 @@ private Q_SLOTS:
         reading.release();
         QTRY_COMPARE(ready.count(), 1);
         QVERIFY(!model.recorder().isCapturing());
+    }
+
+private:
+    /// Records until a picture is saved. What lies on the disk then.
+    static QByteArray onlyPictureOf(AppModel& model)
+    {
+        model.recorder().toggleRecording();
+        const QDir images(model.store()->images());
+        const auto isSaved = [&] {
+            return model.recorder().status().startsWith(u"Saved at "_s);
+        };
+        if (!QTest::qWaitFor(isSaved) || images.entryList(QDir::Files).size() != 1)
+            return {};
+        QFile file(images.filePath(images.entryList(QDir::Files).first()));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 };
 
