@@ -65,6 +65,8 @@ QProcessEnvironment RunningMossbank::environment() const
     environment.insert(u"XDG_DATA_HOME"_s, m_home.filePath(u"data"_s));
     environment.insert(u"XDG_CONFIG_HOME"_s, m_home.filePath(u"config"_s));
     environment.insert(u"XDG_RUNTIME_DIR"_s, m_home.filePath(u"run"_s));
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s,
+                       m_sessionBus.isEmpty() ? u"unix:path=/nowhere/bus"_s : m_sessionBus);
     return environment;
 }
 

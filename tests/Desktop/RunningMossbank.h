@@ -22,6 +22,9 @@ public:
 
     /// Writes the user's choices. Before `start`.
     void choose(const QMap<QString, QString>& choices);
+    /// The session bus, and with it the keyring, that it finds. None unless told: a test never
+    /// meets the keyring of whoever runs it. Before `start`.
+    void setSessionBus(const QString& address) { m_sessionBus = address; }
     /// Starts the program on the display that DISPLAY names.
     bool start();
     /// Sends a signal and waits for the end. The exit status, or -1 when it does not end.
@@ -55,6 +58,7 @@ private:
                    const QProcessEnvironment& environment) const;
 
     QTemporaryDir m_home;
+    QString m_sessionBus;
     QProcess m_process;
     QString m_terminal;
 };

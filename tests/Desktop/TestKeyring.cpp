@@ -35,7 +35,7 @@ constexpr const char* kConfiguration = R"(<busconfig>
 )";
 
 const SecretSchema kSchema = {
-    "org.example.Any",
+    "org.freedesktop.Secret.Generic",
     SECRET_SCHEMA_DONT_MATCH_NAME,
     {{"service", SECRET_SCHEMA_ATTRIBUTE_STRING},
      {"account", SECRET_SCHEMA_ATTRIBUTE_STRING},

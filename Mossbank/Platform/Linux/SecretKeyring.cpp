@@ -108,7 +108,9 @@ void SecretKeyring::check(const GErrorOwned& error) const
     const auto isOf = [&error](int code) {
         return g_error_matches(error.get(), G_DBUS_ERROR, code);
     };
-    if (isOf(G_DBUS_ERROR_SERVICE_UNKNOWN) || isOf(G_DBUS_ERROR_NAME_HAS_NO_OWNER))
+    if (isOf(G_DBUS_ERROR_SERVICE_UNKNOWN) || isOf(G_DBUS_ERROR_NAME_HAS_NO_OWNER) ||
+        isOf(G_DBUS_ERROR_DISCONNECTED) ||
+        g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_CLOSED))
         refuse(SecretServiceKeychain::Unavailable, u"No keyring is running on this desktop."_s);
     g_dbus_error_strip_remote_error(error.get());
     refuse(SecretServiceKeychain::Refused,
