@@ -24,4 +24,10 @@ void giveWay()
 #endif
 }
 
+QThreadPool& poolForTheUser()
+{
+    static QThreadPool pool;
+    return pool;
+}
+
 } // namespace mossbank

@@ -24,4 +24,18 @@ template <typename Work>
                                                               std::move(givingWay));
 }
 
+/// The threads for what the user is waiting for. They give way to nothing, and nothing that may
+/// wait stands in their queue.
+QThreadPool& poolForTheUser();
+
+/// Does `work` in the background at once, because the user is waiting for it.
+///
+/// Threading: any thread.
+/// Errors: what the work throws comes out of the future.
+template <typename Work>
+[[nodiscard]] auto atOnce(Work work)
+{
+    return PoolTask<Work>::start(poolForTheUser(), std::move(work));
+}
+
 } // namespace mossbank
