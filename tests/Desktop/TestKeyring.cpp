@@ -11,6 +11,7 @@
 #include <QThread>
 
 #include <libsecret/secret.h>
+#include <sys/prctl.h>
 
 #include <csignal>
 
@@ -23,16 +24,16 @@ namespace {
 constexpr int kPatience = 10'000;
 
 /// Without the services that the machine starts on demand: a keyring is there when a test says so.
-constexpr const char* kConfiguration = R"(<busconfig>
+const QString kConfiguration = uR"(<busconfig>
   <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
+  <listen>unix:dir=%1</listen>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
     <allow own="*"/>
   </policy>
 </busconfig>
-)";
+)"_s;
 
 const SecretSchema kSchema = {
     "org.freedesktop.Secret.Generic",
@@ -86,6 +87,12 @@ void end(QProcess& process)
     // It may stand still.
     process.kill();
     process.waitForFinished(kPatience);
+}
+
+/// Has the process end with the test, also when that one crashes.
+void tie(QProcess& process)
+{
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
 }
 
 void signalTo(const QProcess& process, int signal)
@@ -151,9 +158,11 @@ bool TestKeyring::startBus()
     if (!m_problem.isEmpty())
         return false;
     QFile configuration(m_home.filePath(u"bus.conf"_s));
-    if (!configuration.open(QIODevice::WriteOnly) || configuration.write(kConfiguration) <= 0)
+    if (!configuration.open(QIODevice::WriteOnly) ||
+        configuration.write(kConfiguration.arg(m_home.path()).toUtf8()) <= 0)
         qFatal("cannot write %s", qPrintable(configuration.fileName()));
     configuration.close();
+    tie(m_bus);
     m_bus.start(u"dbus-daemon"_s, {u"--config-file"_s, configuration.fileName(), u"--nofork"_s,
                                    u"--print-address=1"_s});
     const QDeadlineTimer deadline(kPatience);
@@ -181,6 +190,7 @@ bool TestKeyring::startService(const Options& options)
     QStringList arguments = {u"--foreground"_s, u"--components=secrets"_s};
     if (options.hasDefault)
         arguments.append(u"--unlock"_s);
+    tie(m_service);
     m_service.start(u"gnome-keyring-daemon"_s, arguments);
     m_service.waitForStarted(kPatience);
     m_service.write("password of the tests");
