@@ -61,6 +61,8 @@ HistoryStore::HistoryStore(Writing options)
     , m_calendar(std::move(options.calendar))
     , m_db(openForWriting(m_root))
     , m_databaseFile(Files::identity(databasePath(m_root)))
+    // A crash may have come between a removal and the emptying of the log.
+    , m_owesPurge(!emptyLog(m_db))
     // Some builds of SQLite have no such option. They work as well, at the price of a rebuilt
     // index for every removal.
     , m_purgesDeletedTerms(m_db.tryExecute(

@@ -235,7 +235,10 @@ private:
     void remove(const QString& whereSQL, const QStringList& values);
     void deleteAllNow();
     void removePictures(const QStringList& filenames) const;
+    /// Empties the write-ahead log of what was removed, or throws and owes it to the next removal.
     void purgeLog();
+    /// False when it cannot be done at this moment.
+    static bool emptyLog(Database& database);
     QStringList referencedFilenames(const QString& whereSQL, const QStringList& values);
 
     qsizetype reconcileNow(double grace, Date now);
@@ -255,6 +258,8 @@ private:
     Database m_db;
     /// Which file the database was when it was opened.
     Files::Identity m_databaseFile;
+    /// Whether words of something removed may still stand in the log.
+    bool m_owesPurge = false;
     bool m_purgesDeletedTerms = false;
     int m_schemaVersion = 0;
     /// Last, so that it has finished before anything above goes.

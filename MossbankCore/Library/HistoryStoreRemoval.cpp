@@ -88,8 +88,12 @@ void HistoryStore::remove(const QString& whereSQL, const QStringList& values)
 {
     requireWritable();
     const QStringList filenames = referencedFilenames(whereSQL, values);
-    if (filenames.isEmpty())
+    if (filenames.isEmpty()) {
+        // The rows of a removal that failed at its very end are gone, their words may not be.
+        if (m_owesPurge)
+            purgeLog();
         return;
+    }
     removePictures(filenames);
 
     // The summary spares a walk over all rows.
@@ -124,11 +128,23 @@ void HistoryStore::removePictures(const QStringList& filenames) const
 
 void HistoryStore::purgeLog()
 {
+    m_owesPurge = true;
     // What was deleted stands in the log until that is emptied. Somebody reading at this moment
     // keeps it from being so, of which SQLite tells in the first column, not by failing.
     Statement emptied = m_db.statement(u"PRAGMA wal_checkpoint(TRUNCATE);"_s);
     if (emptied.step() && emptied.integer(0) != 0)
         throw StoreError(u"database is locked"_s);
+    m_owesPurge = false;
+}
+
+bool HistoryStore::emptyLog(Database& database)
+{
+    try {
+        Statement emptied = database.statement(u"PRAGMA wal_checkpoint(TRUNCATE);"_s);
+        return emptied.step() && emptied.integer(0) == 0;
+    } catch (const StoreError&) {
+        return false;
+    }
 }
 
 QStringList HistoryStore::referencedFilenames(const QString& whereSQL, const QStringList& values)

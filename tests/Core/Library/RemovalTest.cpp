@@ -30,6 +30,8 @@ private Q_SLOTS:
     void aRefusedTransactionKeepsTheRows();
     void aFailureWithinTheTransactionUndoesItAndPurgingGoesOn();
     void aReaderThatKeepsTheLogIsTold();
+    void wordsKeptInTheLogGoWithTheNextRemovalWhateverItMatches();
+    void wordsThatACrashLeftInTheLogGoWhenTheLibraryIsOpened();
     void namesThatLeadOutsideAreNotFollowed();
     void aReaderRemovesNothing();
     void allOfAnEmptyLibraryIsRemoved();
@@ -250,6 +252,39 @@ void RemovalTest::aReaderThatKeepsTheLogIsTold()
     reader.run(u"COMMIT"_s);
     QCOMPARE(deleted(u"2"_s), kNoFailure);
     QCOMPARE(contents(m_folder->database() + u"-wal"_s), QByteArray());
+}
+
+void RemovalTest::wordsKeptInTheLogGoWithTheNextRemovalWhateverItMatches()
+{
+    fill(*m_folder, 3);
+    RawSql reader(m_folder->database());
+    reader.run(u"BEGIN"_s);
+    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
+    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
+    // To try again is no success as long as they are there.
+    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
+    QVERIFY(contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
+    reader.run(u"COMMIT"_s);
+    QCOMPARE(deleted(u"1"_s), kNoFailure);
+    QCOMPARE(contents(m_folder->database() + u"-wal"_s), QByteArray());
+    m_watch->take();
+    QCOMPARE(deleted(u"1"_s), kNoFailure);
+    QCOMPARE(m_watch->take(), QStringList{u"SELECT filename FROM memories WHERE id = ?"_s});
+}
+
+void RemovalTest::wordsThatACrashLeftInTheLogGoWhenTheLibraryIsOpened()
+{
+    fill(*m_folder, 3);
+    // A reader that stays keeps the last writer from taking the log along.
+    RawSql reader(m_folder->database());
+    reader.run(u"BEGIN"_s);
+    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
+    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
+    m_store.reset();
+    reader.run(u"COMMIT"_s);
+    QVERIFY(contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
+    m_store = std::make_unique<HistoryStore>(HistoryStore::Writing{.root = m_folder->root()});
+    QVERIFY(!contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
 }
 
 void RemovalTest::namesThatLeadOutsideAreNotFollowed()
