@@ -163,7 +163,8 @@ public:
     /// pictures removed.
     QFuture<qsizetype> reconcile(double grace, Date now);
 
-    /// Seals up to `limit` pictures that lie as plain JPEG. How many it sealed; 0 without a vault.
+    /// Seals up to `limit` pictures that lie as plain JPEG, and takes away what earlier sealings
+    /// that were cut short have left. How many it sealed; 0 without a vault.
     QFuture<qsizetype> sealExistingPictures(qsizetype limit);
 
     /// Up to `limit` screenshots, held to 1 to 5,000, that `model` has not read yet, newest first.
@@ -245,6 +246,9 @@ private:
     qsizetype removePicture(const QString& filename, const QStringList& inImages) const;
 
     qsizetype sealNow(qsizetype limit);
+    /// Whether a file among the pictures is what a sealing that was cut short has left: no save
+    /// owns up to it, so nothing else would ever take it away.
+    bool isLeftover(const QString& name);
     void addBytes(const QString& filename, qint64 growth, qint64 bytes);
 
     QList<Unread> withoutEmbeddingNow(const QString& model, int limit);

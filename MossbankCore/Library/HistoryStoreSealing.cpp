@@ -41,6 +41,10 @@ qsizetype HistoryStore::sealNow(qsizetype limit)
     for (const QString& name : Files::filesIn(images())) {
         if (count >= limit)
             break;
+        if (isLeftover(name)) {
+            Files::removeFile(images() + u'/' + name);
+            continue;
+        }
         const QString path = images() + u'/' + name;
         const auto plain = plainPicture(path);
         if (!plain)
@@ -52,6 +56,13 @@ qsizetype HistoryStore::sealNow(qsizetype limit)
         ++count;
     }
     return count;
+}
+
+bool HistoryStore::isLeftover(const QString& name)
+{
+    const auto picture = Files::beingWritten(name);
+    return picture && referencedFilenames(u"filename = ?"_s, {name}).isEmpty() &&
+           !QFile::exists(pending() + u'/' + *picture);
 }
 
 void HistoryStore::addBytes(const QString& filename, qint64 growth, qint64 bytes)

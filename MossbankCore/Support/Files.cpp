@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -23,6 +24,9 @@ namespace {
 
 constexpr mode_t kFolderForUserAlone = 0700;
 constexpr mode_t kFileForUserAlone = 0600;
+/// What a file is called behind its name while it is being written; the system fills the letters
+/// in.
+constexpr char kMadeUp[] = ".XXXXXX";
 
 [[noreturn]] void refuse(const QString& path)
 {
@@ -108,7 +112,7 @@ void Files::createEmptyFile(const QString& path)
 void Files::writeAtomically(const QString& path, const QByteArray& bytes)
 {
     const QByteArray finalName = QFile::encodeName(path);
-    QByteArray name = finalName + ".XXXXXX";
+    QByteArray name = finalName + kMadeUp;
     Descriptor file(::mkostemp(name.data(), O_CLOEXEC));
     if (!file.isOpen())
         refuse(path);
@@ -121,6 +125,20 @@ void Files::writeAtomically(const QString& path, const QByteArray& bytes)
     nameGoes.dismiss();
     // A rename is on the disk only when the folder that holds the name is.
     syncFolder(QFileInfo(path).path());
+}
+
+std::optional<QString> Files::beingWritten(const QString& name)
+{
+    const qsizetype base = name.size() - static_cast<qsizetype>(sizeof(kMadeUp)) + 1;
+    if (base <= 0 || name.at(base) != u'.')
+        return std::nullopt;
+    const auto isMadeUp = [](QChar letter) {
+        return letter.unicode() < 0x80 && letter.isLetterOrNumber();
+    };
+    const QStringView end = QStringView(name).mid(base + 1);
+    if (!std::all_of(end.cbegin(), end.cend(), isMadeUp))
+        return std::nullopt;
+    return name.first(base);
 }
 
 QStringList Files::filesIn(const QString& folder)

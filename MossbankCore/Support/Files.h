@@ -41,6 +41,10 @@ public:
     /// is on the disk. Open to the user alone (0600).
     static void writeAtomically(const QString& path, const QByteArray& bytes);
 
+    /// The name of the file that one of this name would be the unfinished writing of, for what
+    /// `writeAtomically` may leave when the process is killed. Absent for a name of another form.
+    static std::optional<QString> beingWritten(const QString& name);
+
     /// The names of the ordinary files in a folder, hidden ones too, in no order. None for a folder
     /// that is not there. What vanishes meanwhile, or cannot be looked at, is left out.
     static QStringList filesIn(const QString& folder);

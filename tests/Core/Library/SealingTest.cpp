@@ -26,6 +26,7 @@ private Q_SLOTS:
     void rowAndSummaryGrowWithThePicture();
     void whatIsSealedIsNotWrittenAgain();
     void aFileWithoutARowIsSealedToo();
+    void whatAnEarlierSealingLeftIsTakenAway();
     void whatCannotBeReadIsPassedOver();
     void shortAndEmptyFilesAreSealed();
     void aPictureThatCannotBeWrittenIsToldAndStays();
@@ -134,6 +135,31 @@ void SealingTest::aFileWithoutARowIsSealedToo()
     QCOMPARE(m_vault->opened(contents(m_folder->images() + u"/stray.jpg"_s)),
              std::optional<QByteArray>("stray"));
     QCOMPARE(m_store->stats().result().count, 3);
+}
+
+void SealingTest::whatAnEarlierSealingLeftIsTakenAway()
+{
+    // Killed while it was writing: nothing yet, or a part. The picture of one was removed since.
+    for (const QString& left : {u"1.jpg.aB3x0z"_s, u"2.jpg.AAAAAA"_s, u"77.jpg.q1w2e3"_s})
+        QVERIFY(putFile(m_folder->images() + u'/' + left, left.startsWith(u'1') ? "" : "BRW1part"));
+    // A save under way owns up to its own; other names are of another form.
+    QVERIFY(putFile(m_folder->pending() + u"/5.jpg"_s, {}));
+    const QStringList stay = {u"5.jpg.aB3x0z"_s, u"6.jpg.aB3x0"_s,       u"6.jpg.aB3x0zz"_s,
+                              u"6.jpg.aB3.0z"_s, u"6.jpg.aB3x\u00e9z"_s, u".aB3x0z"_s};
+    for (const QString& name : stay)
+        QVERIFY(putFile(m_folder->images() + u'/' + name, "BRW1"));
+    // A screenshot may be called like that.
+    Memory odd = sampleMemory(u"odd"_s);
+    odd.filename = u"odd.abcdef"_s;
+    m_store->save(odd, "jpeg").waitForFinished();
+
+    QCOMPARE(sealed(99), 3);
+    QStringList expected = stay + QStringList{u"1.jpg"_s, u"2.jpg"_s, u"3.jpg"_s, odd.filename};
+    QStringList there = names(m_folder->images());
+    expected.sort();
+    there.sort();
+    QCOMPARE(there, expected);
+    QCOMPARE(m_store->picture(odd.filename).result(), std::optional<QByteArray>("jpeg"));
 }
 
 void SealingTest::whatCannotBeReadIsPassedOver()
