@@ -6,7 +6,7 @@
 #include "MossbankCore/Library/ImageVault.h"
 #include "MossbankCore/Library/StoreError.h"
 
-#include <QFile>
+#include <QFileInfo>
 #include <QSet>
 
 #include <utility>
@@ -38,6 +38,13 @@ Purge purgeFor(bool purgesDeletedTerms, qsizetype removed, qsizetype kept)
     if (removed * kHundredth < kept)
         return {};
     return {option.arg(0), rebuild + option.arg(1)};
+}
+
+/// Makes what went from a folder outlast a power cut. The folder may be gone altogether.
+void syncRemovals(const QString& folder)
+{
+    if (QFileInfo(folder).isDir())
+        Files::syncFolder(folder);
 }
 
 } // namespace
@@ -81,6 +88,8 @@ void HistoryStore::deleteAllNow()
     }
     for (const QString& name : Files::filesIn(pending()))
         Files::removeFile(pending() + u'/' + name);
+    syncRemovals(images());
+    syncRemovals(pending());
     purgeLog();
 }
 
@@ -116,14 +125,13 @@ void HistoryStore::remove(const QString& whereSQL, const QStringList& values)
 
 void HistoryStore::removePictures(const QStringList& filenames) const
 {
-    bool hasRemoved = false;
     for (const QString& name : filenames) {
         // A row that somebody else wrote may name anything. Nothing outside the folder is touched.
         if (isValidFilename(name))
-            hasRemoved |= Files::removeFile(images() + u'/' + name);
+            Files::removeFile(images() + u'/' + name);
     }
-    if (hasRemoved)
-        Files::syncFolder(images());
+    // Also where they were gone: a try before this may have failed at just this.
+    syncRemovals(images());
 }
 
 void HistoryStore::purgeLog()
