@@ -201,14 +201,15 @@ ssize_t badWriteAt64(int file, const void* bytes, std::size_t size, off_t at)
     return writeAtOrFail(file, bytes, size, at);
 }
 
+// The power stays on here, so what is written need not reach the disk.
 int badSync(int file)
 {
-    return isStruck("sync", file) ? strike() : static_cast<int>(::syscall(SYS_fsync, file));
+    return isStruck("sync", file) ? strike() : 0;
 }
 
 int badDataSync(int file)
 {
-    return isStruck("sync", file) ? strike() : static_cast<int>(::syscall(SYS_fdatasync, file));
+    return isStruck("sync", file) ? strike() : 0;
 }
 
 int badTruncate(int file, off_t size)

@@ -8,7 +8,8 @@ namespace mossbank {
 
 /// A disk that goes bad: stands before the calls with which this program, SQLite in it too,
 /// changes files (open, mkostemp, write, pwrite, fsync, fdatasync, ftruncate, rename, unlink), and
-/// counts those below one folder. A write that is struck has written half of its bytes.
+/// counts those below one folder. A write that is struck has written half of its bytes. A program
+/// with it syncs nothing: all of it survives the process, and nothing a power cut.
 ///
 /// Threading: made and taken away by one thread; counts the calls of all. One at a time.
 class BadDisk {
