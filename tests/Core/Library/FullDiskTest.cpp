@@ -4,6 +4,7 @@
 // process and goes with it.
 #include "tests/Core/Library/LibraryTesting.h"
 #include "tests/Core/Library/RawSql.h"
+#include "tests/Core/Library/Summary.h"
 
 #include <QRandomGenerator>
 
@@ -81,6 +82,10 @@ private Q_SLOTS:
     void savesUntilTheDiskIsFullAreWholeOrNothing();
     void aPictureThatDoesNotFitLeavesNothing();
     void aRowThatDoesNotFitTakesItsPictureAlong();
+    void removingManyWithoutRoomToDoItSaysSoAndHalvesNoRow();
+    void removingMakesItsOwnRoom_data();
+    void removingMakesItsOwnRoom();
+    void sealingWithoutRoomLeavesThePicturesWhole();
 
 private:
     QString root() const { return m_disk->filePath(u"library"_s); }
@@ -205,6 +210,83 @@ void FullDiskTest::aRowThatDoesNotFitTakesItsPictureAlong()
     expectWhole({u"A.jpg"_s, u"B.jpg"_s});
     QCOMPARE(ids(store.fetch({.query = wordy.text.section(u' ', 0, 0), .limit = 9}).result()),
              QStringList{u"B"_s});
+}
+
+void FullDiskTest::removingManyWithoutRoomToDoItSaysSoAndHalvesNoRow()
+{
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    constexpr int kScreenshots = 40;
+    QStringList pictures;
+    for (int number = 1; number <= kScreenshots; ++number) {
+        Memory memory = sampleMemory(QString::number(number));
+        memory.timestamp = {static_cast<double>(number)};
+        memory.text = manyWords(3000) + u"ending%1"_s.arg(number);
+        // Empty pictures give no room back.
+        QCOMPARE(save(store, memory, {}), QString());
+        if (number > kScreenshots / 2)
+            pictures.append(memory.filename);
+        // Or the log would fill the disk by itself.
+        RawSql(root() + u"/history.sqlite"_s).run(u"PRAGMA wal_checkpoint(TRUNCATE)"_s);
+    }
+    pictures.sort();
+    QVERIFY(leave(24 * kKilobyte));
+    const auto prune = [&store] {
+        store.prune({kScreenshots / 2 + 0.5}).waitForFinished();
+    };
+    QCOMPARE(failure<StoreError>(prune), u"database or disk is full"_s);
+    QCOMPARE(store.fetch({.limit = 999}).result().size(), kScreenshots);
+    QCOMPARE(ids(store.fetch({.query = u"ending7"_s, .limit = 9}).result()), QStringList{u"7"_s});
+    RawSql sql(root() + u"/history.sqlite"_s);
+    QCOMPARE(sql.value(u"PRAGMA integrity_check"_s), u"ok"_s);
+
+    QVERIFY(makeRoom());
+    QCOMPARE(failure<StoreError>(prune), kNoFailure);
+    expectWhole(pictures);
+    QVERIFY(store.fetch({.query = u"ending7"_s, .limit = 9}).result().isEmpty());
+    QCOMPARE(summary(sql), recount(sql));
+}
+
+void FullDiskTest::removingMakesItsOwnRoom_data()
+{
+    QTest::addColumn<bool>("isAll");
+    QTest::newRow("one") << false;
+    QTest::newRow("all") << true;
+}
+
+void FullDiskTest::removingMakesItsOwnRoom()
+{
+    QFETCH(bool, isAll);
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    const QByteArray picture = noise(200 * kKilobyte);
+    for (const QString& id : {u"A"_s, u"B"_s, u"C"_s})
+        QCOMPARE(save(store, sampleMemory(id), picture), QString());
+    QVERIFY(leave(0));
+    QCOMPARE(free(), 0);
+    const auto removing = isAll ? store.deleteAll() : store.deleteMemory(u"B"_s);
+    QCOMPARE(failure<Failure>([&] { QFuture<void>(removing).waitForFinished(); }), kNoFailure);
+    expectWhole(isAll ? QStringList() : QStringList{u"A.jpg"_s, u"C.jpg"_s});
+}
+
+void FullDiskTest::sealingWithoutRoomLeavesThePicturesWhole()
+{
+    HistoryStore store(HistoryStore::Writing{.root = root()});
+    const QByteArray picture = noise(300 * kKilobyte);
+    for (const QString& id : {u"A"_s, u"B"_s, u"C"_s})
+        QCOMPARE(save(store, sampleMemory(id), picture), QString());
+    const ImageVault vault(SymmetricKey::random());
+    store.setVault(vault).waitForFinished();
+    QVERIFY(leave(100 * kKilobyte));
+    const auto said =
+        failure<FileError>([&store] { store.sealExistingPictures(9).waitForFinished(); });
+    QVERIFY2(said.startsWith(u"No space left on device"_s), qPrintable(said));
+    expectWhole({u"A.jpg"_s, u"B.jpg"_s, u"C.jpg"_s});
+    for (const QString& name : names(images()))
+        QCOMPARE(contents(images() + u'/' + name), picture);
+
+    QVERIFY(makeRoom());
+    QCOMPARE(store.sealExistingPictures(9).result(), 3);
+    for (const QString& name : names(images()))
+        QCOMPARE(vault.opened(contents(images() + u'/' + name)), std::optional(picture));
 }
 
 int main(int argc, char** argv)
