@@ -234,6 +234,8 @@ private:
     QHash<QString, QString> bundles();
 
     void remove(const QString& whereSQL, const QStringList& values);
+    /// Whether there were any. Their words may still be in the log afterwards.
+    bool removeRows(const QString& whereSQL, const QStringList& values);
     void deleteAllNow();
     void removePictures(const QStringList& filenames) const;
     /// Empties the write-ahead log of what was removed, or throws and owes it to the next removal.

@@ -3,6 +3,7 @@
 // What models made of the screenshots. The store only keeps it, a row for each screenshot and
 // model.
 #include "MossbankCore/Library/HistoryStore.h"
+#include "MossbankCore/Library/StoreError.h"
 
 #include <algorithm>
 #include <utility>
@@ -41,7 +42,8 @@ QFuture<HistoryStore::EmbeddingProgress> HistoryStore::embeddingProgress(QString
             m_db.statement(u"SELECT (SELECT count(*) FROM embeddings WHERE model = ?), "
                            "(SELECT count(*) FROM memories)"_s);
         counts.bind({model});
-        counts.step();
+        if (!counts.step())
+            throw StoreError(m_db.errorMessage());
         return EmbeddingProgress{counts.integer(0), counts.integer(1)};
     });
 }

@@ -32,7 +32,11 @@ qsizetype HistoryStore::reconcileNow(double grace, Date now)
         if (referencedFilenames(u"filename = ?"_s, {name}).isEmpty()) {
             if (!inImages)
                 inImages = Files::filesIn(images());
-            removed += removePicture(name, *inImages);
+            const qsizetype gone = removePicture(name, *inImages);
+            // Before its marker goes: a picture that came back without one would stay for ever.
+            if (gone > 0)
+                Files::syncFolder(images());
+            removed += gone;
         }
         Files::removeFile(marker);
     }

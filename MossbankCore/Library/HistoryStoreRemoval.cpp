@@ -76,7 +76,7 @@ QFuture<void> HistoryStore::deleteAll()
 
 void HistoryStore::deleteAllNow()
 {
-    remove(kEveryRow, {});
+    removeRows(kEveryRow, {});
     // Also those whose row was lost earlier, and pictures that never had one: all means what is on
     // the disk.
     m_db.execute(u"DELETE FROM embeddings;"_s);
@@ -95,14 +95,17 @@ void HistoryStore::deleteAllNow()
 
 void HistoryStore::remove(const QString& whereSQL, const QStringList& values)
 {
+    // The rows of a removal that failed at its very end are gone, their words may not be.
+    if (removeRows(whereSQL, values) || m_owesPurge)
+        purgeLog();
+}
+
+bool HistoryStore::removeRows(const QString& whereSQL, const QStringList& values)
+{
     requireWritable();
     const QStringList filenames = referencedFilenames(whereSQL, values);
-    if (filenames.isEmpty()) {
-        // The rows of a removal that failed at its very end are gone, their words may not be.
-        if (m_owesPurge)
-            purgeLog();
-        return;
-    }
+    if (filenames.isEmpty())
+        return false;
     removePictures(filenames);
 
     // The summary spares a walk over all rows.
@@ -119,8 +122,9 @@ void HistoryStore::remove(const QString& whereSQL, const QStringList& values)
         rows.bind(values);
         rows.step();
     };
+    m_owesPurge = true;
     m_db.transaction(deleteRows, purge.opening, purge.closing);
-    purgeLog();
+    return true;
 }
 
 void HistoryStore::removePictures(const QStringList& filenames) const

@@ -231,6 +231,8 @@ SecretKeyring::Item SecretKeyring::create(QByteArrayView secret)
 
 void SecretKeyring::remove(SecretItem* item)
 {
+    // What has used the time up must not leave a second key behind.
+    m_limit.beginAnew(m_patience.service);
     // When this fails, two are there, and the next look says so.
     secret_item_delete_sync(item, m_limit.cancellable(), nullptr);
 }
@@ -238,19 +240,24 @@ void SecretKeyring::remove(SecretItem* item)
 Keychain::Status SecretKeyring::add(QByteArrayView given)
 {
     const Item made = create(given);
-    const Items found = search();
-    if (found.size() != 1 || pathOf(found.front()) != pathOf(made)) {
-        // Somebody who takes no turns. Theirs may be in use already; ours is not.
+    try {
+        const Items found = search();
+        if (found.size() != 1 || pathOf(found.front()) != pathOf(made)) {
+            // Somebody who takes no turns. Theirs may be in use already; ours is not.
+            remove(made.get());
+            return {Status::kDuplicate};
+        }
+        QByteArray kept = secret(found.front().get());
+        const bool isKept = kept == given;
+        explicit_bzero(kept.data(), static_cast<std::size_t>(kept.size()));
+        if (!isKept) {
+            refuse(SecretServiceKeychain::Refused,
+                   u"The keyring does not keep a key as it was given."_s);
+        }
+    } catch (const Refusal&) {
+        // A key that is not known to be kept is not used.
         remove(made.get());
-        return {Status::kDuplicate};
-    }
-    QByteArray kept = secret(found.front().get());
-    const bool isKept = kept == given;
-    explicit_bzero(kept.data(), static_cast<std::size_t>(kept.size()));
-    if (!isKept) {
-        remove(made.get());
-        refuse(SecretServiceKeychain::Refused,
-               u"The keyring does not keep a key as it was given."_s);
+        throw;
     }
     return {};
 }

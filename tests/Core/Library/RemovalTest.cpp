@@ -32,6 +32,7 @@ private Q_SLOTS:
     void aReaderThatKeepsTheLogIsTold();
     void wordsKeptInTheLogGoWithTheNextRemovalWhateverItMatches();
     void wordsThatACrashLeftInTheLogGoWhenTheLibraryIsOpened();
+    void allIsRemovedThoughAReaderKeepsTheLog();
     void namesThatLeadOutsideAreNotFollowed();
     void aReaderRemovesNothing();
     void allOfAnEmptyLibraryIsRemoved();
@@ -285,6 +286,25 @@ void RemovalTest::wordsThatACrashLeftInTheLogGoWhenTheLibraryIsOpened()
     QVERIFY(contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
     m_store = std::make_unique<HistoryStore>(HistoryStore::Writing{.root = m_folder->root()});
     QVERIFY(!contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
+}
+
+void RemovalTest::allIsRemovedThoughAReaderKeepsTheLog()
+{
+    fill(*m_folder, 3);
+    m_store->saveEmbeddings({{u"1"_s, Vector({1})}}, u"m"_s).waitForFinished();
+    QVERIFY(putFile(m_folder->images() + u"/stray.jpg"_s, "bytes"));
+    QVERIFY(putFile(m_folder->pending() + u"/stray.jpg"_s, "bytes"));
+    RawSql reader(m_folder->database());
+    reader.run(u"BEGIN"_s);
+    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
+    QCOMPARE(allDeleted(), u"database is locked"_s);
+    QCOMPARE(names(m_folder->images()), QStringList{});
+    QCOMPARE(names(m_folder->pending()), QStringList{});
+    QCOMPARE(rows(), 0);
+    QVERIFY(m_store->embeddings(u"m"_s).result().isEmpty());
+    reader.run(u"COMMIT"_s);
+    QCOMPARE(allDeleted(), kNoFailure);
+    QCOMPARE(contents(m_folder->database() + u"-wal"_s), QByteArray());
 }
 
 void RemovalTest::namesThatLeadOutsideAreNotFollowed()
