@@ -145,6 +145,62 @@ private Q_SLOTS:
         QCOMPARE(desktop.secrets().size(), hasKey ? 1 : 0);
     }
 
+    void theUserIsAskedToUnlockTheKeyring_data()
+    {
+        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<bool>("stops");
+        QTest::addColumn<QString>("message");
+        const QString locked =
+            u"The keychain would not give up the encryption key (2). The keyring is locked."_s;
+        const QString alone =
+            u"The keychain would not give up the encryption key (2). Nobody unlocked the keyring."_s;
+        const QStringList password = {u"type"_s, u"--args"_s, u"1"_s, TestKeyring::password(),
+                                      u"key"_s,  u"Return"_s};
+        const QStringList escape = {u"key"_s, u"Escape"_s};
+        QTest::newRow("and does") << password << false << QString();
+        QTest::newRow("and does not want to") << escape << false << locked;
+        QTest::newRow("and is not there") << QStringList() << false << alone;
+        QTest::newRow("and the keyring stops") << QStringList() << true << alone;
+    }
+    void theUserIsAskedToUnlockTheKeyring()
+    {
+        QFETCH(QStringList, keys);
+        QFETCH(bool, stops);
+        QFETCH(QString, message);
+        VirtualDesktop screen;
+        QVERIFY2(screen.problem().isEmpty(), qPrintable(screen.problem()));
+        TestKeyring desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        QVERIFY(desktop.put(kSecret));
+        QVERIFY(desktop.lock());
+        QVERIFY2(screen.start(u"/usr/libexec/gcr-prompter"_s, {}, u"gcr"_s),
+                 qPrintable(screen.problem()));
+        QTRY_VERIFY(desktop.hasOwner("org.gnome.keyring.SystemPrompter"));
+
+        // A program of its own: libsecret keeps what it asked with for as long as a program lives.
+        QProcess starter;
+        starter.start(QStringLiteral(MOSSBANK_KEYCHAIN_STARTER),
+                      {kAccount, keys.isEmpty() ? u"3"_s : u"20"_s});
+        const auto prompt = screen.run(
+            u"xdotool"_s, {u"search"_s, u"--sync"_s, u"--onlyvisible"_s, u"--name"_s, u"Unlock"_s},
+            u"xdotool"_s);
+        QVERIFY2(prompt.isSuccess, qPrintable(prompt.text));
+        if (stops)
+            desktop.standStill();
+        if (!keys.isEmpty()) {
+            // It takes the keyboard a moment after it shows.
+            QTest::qWait(1000);
+            QVERIFY(screen.run(u"xdotool"_s, keys, u"xdotool"_s).isSuccess);
+        }
+        constexpr int kNotForEver = 10'000;
+        QVERIFY(starter.waitForFinished(kNotForEver));
+        // GLib's own complaints stand before it.
+        const QString said = QString::fromLocal8Bit(starter.readAllStandardError());
+        QCOMPARE(said.section(u'\n', -1), message);
+        const QByteArray key = message.isEmpty() ? kSecret.toHex() : QByteArray();
+        QCOMPARE(starter.readAllStandardOutput().trimmed(), key);
+    }
+
     void withoutAKeyringServiceItSaysSo()
     {
         TestKeyring desktop({.hasService = false, .hasDefault = false});

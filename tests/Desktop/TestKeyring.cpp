@@ -193,7 +193,7 @@ bool TestKeyring::startService(const Options& options)
     tie(m_service);
     m_service.start(u"gnome-keyring-daemon"_s, arguments);
     m_service.waitForStarted(kPatience);
-    m_service.write("password of the tests");
+    m_service.write(password().toUtf8());
     m_service.waitForBytesWritten(kPatience);
     m_service.closeWriteChannel();
 
@@ -258,6 +258,17 @@ QString TestKeyring::label() const
     const QString text = QString::fromUtf8(label);
     g_free(label);
     return text;
+}
+
+bool TestKeyring::hasOwner(const char* name) const
+{
+    const GVariantOwned reply(g_dbus_connection_call_sync(
+        m_connection->bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner",
+        g_variant_new("(s)", name), nullptr, G_DBUS_CALL_FLAGS_NONE, kPatience, nullptr, nullptr));
+    gboolean hasOwner = FALSE;
+    if (reply)
+        g_variant_get(reply.get(), "(b)", &hasOwner);
+    return hasOwner;
 }
 
 bool TestKeyring::lock() const

@@ -42,6 +42,11 @@ public:
     /// What the one item is called.
     QString label() const;
 
+    /// What unlocks it.
+    static QString password() { return QStringLiteral("password of the tests"); }
+    /// Whether some program on the bus has this name.
+    bool hasOwner(const char* name) const;
+
     /// Locks the keyring, as the desktop does with the screen.
     bool lock() const;
     /// Has new items go into the keyring that lasts until logout.

@@ -24,9 +24,23 @@ bool CallLimit::hasPassed() const
     return g_cancellable_is_cancelled(m_cancellable);
 }
 
-void CallLimit::beginAnew(Patience patience)
+bool CallLimit::isOverdue() const
+{
+    constexpr std::chrono::seconds kGoodWhile(1);
+    const std::scoped_lock lock(m_mutex);
+    return hasPassed() && std::chrono::steady_clock::now() > m_end + kGoodWhile;
+}
+
+CallLimit::Whom CallLimit::whom() const
 {
     const std::scoped_lock lock(m_mutex);
+    return m_whom;
+}
+
+void CallLimit::beginAnew(Patience patience, Whom whom)
+{
+    const std::scoped_lock lock(m_mutex);
+    m_whom = whom;
     m_end = std::chrono::steady_clock::now() + patience;
     m_changed.notify_all();
 }

@@ -64,10 +64,17 @@ ListOwned lockedCollections(SecretService* service)
 
 } // namespace
 
-SecretKeyring::SecretKeyring(const SecretServiceKeychain::Patience& patience,
+Keychain::Status SecretKeyring::outOfPatience(const CallLimit& limit)
+{
+    if (limit.whom() == CallLimit::Whom::TheUser)
+        return {SecretServiceKeychain::Locked, u"Nobody unlocked the keyring."_s};
+    return {SecretServiceKeychain::Silent, u"The keyring did not answer in time."_s};
+}
+
+SecretKeyring::SecretKeyring(const SecretServiceKeychain::Patience& patience, CallLimit& limit,
                              const QString& service, const QString& account)
     : m_patience(patience)
-    , m_limit(patience.service)
+    , m_limit(limit)
     , m_attributes(secret_attributes_build(&kSchema, "service", service.toUtf8().constData(),
                                            "account", account.toUtf8().constData(), nullptr))
 {
@@ -100,7 +107,7 @@ void SecretKeyring::check(const GErrorOwned& error) const
 {
     if (m_limit.hasPassed() || g_error_matches(error.get(), G_DBUS_ERROR, G_DBUS_ERROR_NO_REPLY) ||
         g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT))
-        refuse(SecretServiceKeychain::Silent, u"The keyring did not answer in time."_s);
+        throw Refusal{outOfPatience(m_limit)};
     if (!error)
         return;
     if (g_error_matches(error.get(), SECRET_ERROR, SECRET_ERROR_IS_LOCKED))
@@ -174,14 +181,14 @@ SecretKeyring::Item SecretKeyring::item()
 void SecretKeyring::unlock(GList* objects)
 {
     // The user is asked, and may be looking for the password.
-    m_limit.beginAnew(m_patience.user);
+    m_limit.beginAnew(m_patience.user, CallLimit::Whom::TheUser);
     GErrorOwned error;
     secret_service_unlock_sync(m_service.get(), objects, m_limit.cancellable(), nullptr,
                                GErrorPlace(error));
     if (m_limit.hasPassed())
-        refuse(SecretServiceKeychain::Locked, u"Nobody unlocked the keyring."_s);
+        throw Refusal{outOfPatience(m_limit)};
     // A refusal or a prompt that cannot be shown is seen by what is still locked.
-    m_limit.beginAnew(m_patience.service);
+    m_limit.beginAnew(m_patience.service, CallLimit::Whom::TheCalled);
     open();
 }
 
@@ -231,10 +238,10 @@ SecretKeyring::Item SecretKeyring::create(QByteArrayView secret)
 
 void SecretKeyring::remove(SecretItem* item)
 {
-    // What has used the time up must not leave a second key behind.
-    m_limit.beginAnew(m_patience.service);
-    // When this fails, two are there, and the next look says so.
-    secret_item_delete_sync(item, m_limit.cancellable(), nullptr);
+    // With a limit of its own: what has used the time up must not leave a key behind.
+    const CallLimit limit(m_patience.service);
+    // When this fails, it is there, and the next look says so.
+    secret_item_delete_sync(item, limit.cancellable(), nullptr);
 }
 
 Keychain::Status SecretKeyring::add(QByteArrayView given)

@@ -23,8 +23,12 @@ public:
     };
     using Item = GObjectOwned<SecretItem>;
 
-    SecretKeyring(const SecretServiceKeychain::Patience& patience, const QString& service,
-                  const QString& account);
+    /// What to say when the limit has passed.
+    static Keychain::Status outOfPatience(const CallLimit& limit);
+
+    /// `limit` outlives it, and holds for each call to the service.
+    SecretKeyring(const SecretServiceKeychain::Patience& patience, CallLimit& limit,
+                  const QString& service, const QString& account);
 
     /// The one item there is, unlocked. None when there is none for certain.
     Item item();
@@ -53,7 +57,7 @@ private:
     void check(const GErrorOwned& error) const;
 
     SecretServiceKeychain::Patience m_patience;
-    CallLimit m_limit;
+    CallLimit& m_limit;
     std::unique_ptr<GHashTable, GlibFree<g_hash_table_unref>> m_attributes;
     GObjectOwned<GDBusConnection> m_bus;
     GObjectOwned<SecretService> m_service;

@@ -8,66 +8,54 @@
 #include <future>
 #include <memory>
 #include <thread>
+#include <type_traits>
 #include <utility>
-
-using namespace Qt::StringLiterals;
 
 namespace mossbank {
 
 namespace {
 
-/// What `work` hands back, or `silent` when that takes too long.
+using Status = Keychain::Status;
+
+/// What `ask` gets from the keyring, or the status it is refused with.
 ///
-/// Each call to the keyring has a limit of its own, but libsecret does not keep it everywhere: a
-/// prompt that nobody completes, or whose service is gone, is waited for without end, cancelled or
-/// not. So the work has a thread that can be left behind, and nothing in it that is anybody else's.
-template <typename Result, typename Work>
-Result answered(const SecretServiceKeychain::Patience& patience, Work work, Result silent)
+/// It asks in a thread that can be left behind. When libsecret is told to stop while the user is
+/// being asked, it does so in a way of its own, and may never come back (seen with 0.20.5).
+template <typename Ask>
+auto answerOf(const SecretServiceKeychain::Patience& patience, const QString& service,
+              const QString& account, Ask ask)
 {
-    // The user is asked once; a few calls come before and after.
-    constexpr int kCalls = 4;
-    std::promise<Result> promise;
-    std::future<Result> result = promise.get_future();
-    std::thread([promise = std::move(promise), work = std::move(work)]() mutable {
-        promise.set_value(work());
+    using Answer = std::invoke_result_t<Ask, SecretKeyring&>;
+    const auto limit = std::make_shared<CallLimit>(patience.service);
+    std::promise<Answer> promise;
+    std::future<Answer> answer = promise.get_future();
+    std::thread([=, promise = std::move(promise)]() mutable {
+        try {
+            SecretKeyring keyring(patience, *limit, service, account);
+            promise.set_value(ask(keyring));
+        } catch (const SecretKeyring::Refusal& refusal) {
+            promise.set_value(Answer{refusal.status});
+        }
     }).detach();
-    if (result.wait_for(patience.user + kCalls * patience.service) != std::future_status::ready)
-        return silent;
-    return result.get();
-}
-
-Keychain::Status silence()
-{
-    return {SecretServiceKeychain::Silent, u"The keyring did not answer in time."_s};
-}
-
-Keychain::Answer readNow(const SecretServiceKeychain::Patience& patience, const QString& service,
-                         const QString& account)
-{
-    try {
-        SecretKeyring keyring(patience, service, account);
-        const SecretKeyring::Item item = keyring.item();
-        if (!item)
-            return {{Keychain::Status::kNotFound}};
-        return {{}, keyring.secret(item.get())};
-    } catch (const SecretKeyring::Refusal& refusal) {
-        return {refusal.status};
+    constexpr std::chrono::milliseconds kGlance(2);
+    while (answer.wait_for(kGlance) != std::future_status::ready) {
+        if (limit->isOverdue())
+            return Answer{SecretKeyring::outOfPatience(*limit)};
     }
+    return answer.get();
 }
 
-Keychain::Status addNow(const SecretServiceKeychain::Patience& patience, const QString& service,
-                        const QString& account, QByteArrayView secret)
-{
-    try {
-        SecretKeyring keyring(patience, service, account);
-        const KeyringTurn turn(keyring.bus(), keyring.limit());
-        if (keyring.item())
-            return {Keychain::Status::kDuplicate};
-        return keyring.add(secret);
-    } catch (const SecretKeyring::Refusal& refusal) {
-        return refusal.status;
+/// A secret that is wiped.
+struct Secret {
+    QByteArray bytes;
+
+    explicit Secret(QByteArrayView given)
+        : bytes(given.toByteArray())
+    {
     }
-}
+    ~Secret() { wipe(bytes); }
+    Q_DISABLE_COPY_MOVE(Secret)
+};
 
 } // namespace
 
@@ -78,22 +66,20 @@ SecretServiceKeychain::SecretServiceKeychain(Patience patience)
 
 Keychain::Answer SecretServiceKeychain::read(const QString& service, const QString& account)
 {
-    const auto read = [patience = m_patience, service, account] {
-        return readNow(patience, service, account);
-    };
-    return answered(m_patience, read, Answer{silence()});
+    return answerOf(m_patience, service, account, [](SecretKeyring& keyring) {
+        const SecretKeyring::Item item = keyring.item();
+        return item ? Answer{{}, keyring.secret(item.get())} : Answer{{Status::kNotFound}};
+    });
 }
 
 Keychain::Status SecretServiceKeychain::add(const QString& service, const QString& account,
                                             QByteArrayView secret)
 {
-    const auto add = [patience = m_patience, service, account,
-                      own = QByteArray(secret.data(), secret.size())]() mutable {
-        const Status status = addNow(patience, service, account, own);
-        wipe(own);
-        return status;
-    };
-    return answered(m_patience, add, silence());
+    const auto copy = std::make_shared<const Secret>(secret);
+    return answerOf(m_patience, service, account, [copy](SecretKeyring& keyring) {
+        const KeyringTurn turn(keyring.bus(), keyring.limit());
+        return keyring.item() ? Status{Status::kDuplicate} : keyring.add(copy->bytes);
+    });
 }
 
 } // namespace mossbank
