@@ -42,6 +42,8 @@ std::optional<Vector> Vector::fromData(const QByteArray& data)
 
 QByteArray Vector::data() const
 {
+    if (m_values.isEmpty())
+        return {};
     QList<qfloat16> halves(m_values.size());
     qFloatToFloat16(halves.data(), m_values.constData(), m_values.size());
     QByteArray data(halves.size() * kBytes, Qt::Uninitialized);
