@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Library/Database.h"
 
+#include "MossbankCore/Library/CleanPages.h"
 #include "MossbankCore/Library/StoreError.h"
 
 #include <QFile>
@@ -101,7 +102,7 @@ std::optional<Database> Database::open(const QString& path, Access access)
                                                    : SQLITE_OPEN_READONLY);
     sqlite3* handle = nullptr;
     const int result =
-        sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, flags, nullptr);
+        sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, flags, CleanPages::vfs());
     std::unique_ptr<sqlite3, Close> connection(handle);
     if (result != SQLITE_OK)
         return std::nullopt;

@@ -192,8 +192,8 @@ QString CrashTest::afterTheKill(const Said& said)
     const auto files = filesOnDisk(*m_folder);
     if (const QStringList plain = plainPictures(files); !plain.isEmpty())
         return u"plain pictures in "_s + plain.join(u' ');
-    if (const QSet<int> words = numbersInLog(files) & said.removed; !words.isEmpty())
-        return u"removed, and words are in the log: "_s + listed(words);
+    if (const QSet<int> words = numbersOnDisk(files) & said.removed; !words.isEmpty())
+        return u"removed, and words are on the disk: "_s + listed(words);
 
     HistoryStore store(HistoryStore::Writing{.root = m_folder->root(), .vault = ImageVault(m_key)});
     if (const QString broken = whileUnsettled(store); !broken.isEmpty())

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void removedWordsAreNowhereOnTheDisk_data();
     void removedWordsAreNowhereOnTheDisk();
     void titlesAddressesAndVectorsGoToo();
+    void whatSomebodysReadingKeptGoesWithTheNextTry();
 
 private:
     /// Everything in every file of the library.
@@ -44,6 +45,7 @@ void ForgettingTest::removedWordsAreNowhereOnTheDisk_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("removed");
     // Two more are removed with them. Up to nine of a thousand are taken out where they stand.
+    QTest::newRow("one of a few") << 50 << 1;
     QTest::newRow("a few") << 1000 << 1;
     QTest::newRow("less than a hundredth") << 1000 << 7;
     QTest::newRow("a hundredth") << 1000 << 8;
@@ -106,6 +108,27 @@ void ForgettingTest::titlesAddressesAndVectorsGoToo()
     store.deleteMemory(memory.id).waitForFinished();
     for (const QByteArray& trace : traces)
         QVERIFY2(!onDisk(folder).contains(trace), trace.toHex().constData());
+}
+
+void ForgettingTest::whatSomebodysReadingKeptGoesWithTheNextTry()
+{
+    const LibraryFolder folder;
+    HistoryStore store(HistoryStore::Writing{.root = folder.root()});
+    fill(folder, 200, textWith);
+    {
+        RawSql reader(folder.database());
+        reader.run(u"BEGIN; SELECT count(*) FROM memories"_s);
+        QCOMPARE(failure<StoreError>([&] { store.prune({3.5}).waitForFinished(); }),
+                 u"database is locked"_s);
+    }
+    QVERIFY(onDisk(folder).contains(traceOf(1)));
+    // There is nothing to remove any more.
+    store.prune({3.5}).waitForFinished();
+    const QByteArray left = onDisk(folder);
+    for (const int number : {1, 2, 3})
+        QVERIFY(!left.contains(traceOf(number)));
+    QVERIFY(left.contains(traceOf(4)));
+    QCOMPARE(disagreement(folder), QString());
 }
 
 QTEST_GUILESS_MAIN(ForgettingTest)

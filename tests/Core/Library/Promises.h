@@ -66,18 +66,20 @@ inline QStringList plainPictures(const QMap<QString, QByteArray>& files)
     return found;
 }
 
-/// The numbers of the screenshots of whose words something stands in the write-ahead log.
-inline QSet<int> numbersInLog(const QMap<QString, QByteArray>& files)
+/// The numbers of the screenshots of whose words something stands in any of the files.
+inline QSet<int> numbersOnDisk(const QMap<QString, QByteArray>& files)
 {
     constexpr int kDigits = 6;
     static const QByteArrayMatcher kBeginning(traceOf(0).chopped(kDigits));
-    const QByteArray log = files.value(QStringLiteral("history.sqlite-wal"));
     QSet<int> numbers;
-    for (qsizetype at = kBeginning.indexIn(log); at >= 0; at = kBeginning.indexIn(log, at + 1)) {
-        bool isNumber = false;
-        const int number = log.mid(at + kBeginning.pattern().size(), kDigits).toInt(&isNumber);
-        if (isNumber)
-            numbers.insert(number);
+    for (const QByteArray& file : files) {
+        for (qsizetype at = kBeginning.indexIn(file); at >= 0;
+             at = kBeginning.indexIn(file, at + 1)) {
+            bool isNumber = false;
+            const int number = file.mid(at + kBeginning.pattern().size(), kDigits).toInt(&isNumber);
+            if (isNumber)
+                numbers.insert(number);
+        }
     }
     return numbers;
 }
@@ -111,8 +113,8 @@ struct Allowed {
 };
 
 /// What of a settled library is not as it was promised: index, summary and rows agree, each row
-/// has its picture, sealed so that it opens, there is nothing else in the folders, and the log
-/// holds no word of a screenshot that has no row. Empty when all is well.
+/// has its picture, sealed so that it opens, there is nothing else in the folders, and nowhere on
+/// the disk is a word of a screenshot that has no row. Empty when all is well.
 inline QString brokenPromise(const LibraryFolder& folder, HistoryStore& store,
                              const Allowed& allowed = {})
 {
@@ -136,8 +138,8 @@ inline QString brokenPromise(const LibraryFolder& folder, HistoryStore& store,
     const auto files = filesOnDisk(folder);
     if (const QStringList plain = plainPictures(files); !allowed.mayBePlain && !plain.isEmpty())
         return QStringLiteral("plain pictures in %1").arg(plain.join(u' '));
-    if (const QSet<int> lost = numbersInLog(files) - rows; !lost.isEmpty())
-        return QStringLiteral("words of %1 are in the log").arg(listed(lost));
+    if (const QSet<int> lost = numbersOnDisk(files) - rows; !lost.isEmpty())
+        return QStringLiteral("words of %1 are on the disk").arg(listed(lost));
     return {};
 }
 
