@@ -220,8 +220,12 @@ private:
     QList<Memory> candidatesNow(const CandidatesRequest& request);
     QMap<Date, qsizetype> dayCountsNow(const DayCountsRequest& request);
     QList<Memory> memoriesNow(const QStringList& ids);
+    /// How the rows that match are brought in order.
+    enum class Walk { AlongTheTimes, WhicheverIsQuicker };
     /// The rows that hold what was typed. False when nothing can.
-    static bool addQuery(Conditions& conditions, const QString& query);
+    bool addQuery(Conditions& conditions, const QString& query, Walk walk);
+    /// False when it is sure that an expression matches few screenshots.
+    bool mayMatchMany(const QString& expression);
     void addDay(Conditions& conditions, const std::optional<Date>& date) const;
     static void addApp(Conditions& conditions, const std::optional<QString>& app);
     bool hasTitles() const;

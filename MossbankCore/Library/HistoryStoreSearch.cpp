@@ -5,6 +5,8 @@
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/Schema.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <utility>
 
@@ -26,7 +28,7 @@ QString HistoryStore::Conditions::whereSQL() const
     return clauses.isEmpty() ? QString() : u" WHERE "_s + joined();
 }
 
-bool HistoryStore::addQuery(Conditions& conditions, const QString& query)
+bool HistoryStore::addQuery(Conditions& conditions, const QString& query, Walk walk)
 {
     if (query.trimmed().isEmpty())
         return true;
@@ -35,10 +37,31 @@ bool HistoryStore::addQuery(Conditions& conditions, const QString& query)
         return false;
     // The plus keeps SQLite from looking every match up by its rowid and sorting them all: it
     // walks memories_time instead and stops at the limit.
+    const bool alongTheTimes = walk == Walk::AlongTheTimes || mayMatchMany(*expression);
     conditions.clauses.append(
-        u"+rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ?)"_s);
+        (alongTheTimes ? u"+"_s : QString()) +
+        u"rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ?)"_s);
     conditions.values.append(*expression);
     return true;
+}
+
+bool HistoryStore::mayMatchMany(const QString& expression)
+{
+    // Looking up and sorting so many takes as long as a walk along the times of a large library.
+    constexpr int kMany = 2'000;
+    const auto areMany = [this](const QString& asked) {
+        Statement matches = m_db.statement(
+            u"SELECT 1 FROM memory_search WHERE memory_search MATCH ? LIMIT 1 OFFSET %1"_s.arg(
+                kMany - 1));
+        matches.bind({asked});
+        return matches.step();
+    };
+    // All that begins with a few letters is gathered before the first match is known, which takes
+    // longest where it is much. So whole words are asked for first, and a beginning of one or two
+    // letters is much in any library that is large.
+    static const QRegularExpression kShortBeginning(u"\"..?\"\\*"_s);
+    return kShortBeginning.match(expression).hasMatch() ||
+           areMany(QString(expression).remove(u'*')) || areMany(expression);
 }
 
 void HistoryStore::addDay(Conditions& conditions, const std::optional<Date>& date) const
@@ -108,7 +131,9 @@ QList<Memory> HistoryStore::fetchNow(const FetchRequest& request)
 {
     constexpr int kMostRows = 86'400;
     Conditions conditions;
-    if (!addQuery(conditions, request.query))
+    // A day is a short walk already.
+    if (!addQuery(conditions, request.query,
+                  request.day ? Walk::AlongTheTimes : Walk::WhicheverIsQuicker))
         return {};
     addDay(conditions, request.day);
     addApp(conditions, request.app);
@@ -153,7 +178,7 @@ QFuture<QMap<Date, qsizetype>> HistoryStore::dayCounts(DayCountsRequest request)
 QMap<Date, qsizetype> HistoryStore::dayCountsNow(const DayCountsRequest& request)
 {
     Conditions conditions;
-    if (!addQuery(conditions, request.query))
+    if (!addQuery(conditions, request.query, Walk::AlongTheTimes))
         return {};
     addApp(conditions, request.app);
     Statement rows = m_db.statement(

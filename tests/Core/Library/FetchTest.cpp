@@ -3,6 +3,9 @@
 #include "tests/Core/Library/RawSql.h"
 #include "tests/Core/Library/SqlWatch.h"
 
+#include <algorithm>
+#include <functional>
+
 using namespace mossbank;
 using namespace Qt::StringLiterals;
 
@@ -35,12 +38,15 @@ private Q_SLOTS:
     void applicationsAreComparedToTheLetter();
     void conditionsAreJoined();
     void theLimitIsHeldWithinBounds();
-    void aWordIsSearchedAlongTheTimesWithoutSorting();
+    void theWayToTheRowsIsTheQuickerOne();
+    void fewAndManyComeInTheSameOrder();
     void aFailingQueryIsSqlitesSentence();
 
 private:
     void save(const QString& id, double time, const QString& text,
               const QString& app = u"Editor"_s);
+    /// Puts so many rows of that text into the library, one a second.
+    void fillWith(const QString& text, int count);
     QStringList found(HistoryStore::FetchRequest request)
     {
         return ids(m_store->fetch(std::move(request)).result());
@@ -237,30 +243,68 @@ void FetchTest::theLimitIsHeldWithinBounds()
         QCOMPARE(found({.limit = few}), QStringList{u"86405"_s});
 }
 
-void FetchTest::aWordIsSearchedAlongTheTimesWithoutSorting()
+void FetchTest::fillWith(const QString& text, int count)
+{
+    RawSql(m_folder->database())
+        .rows(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
+              "INSERT INTO memories SELECT ?1 || i, i, 'Editor', '', ?1, i || '.jpg', 1, '', '' "
+              "FROM n"_s.arg(count),
+              {text});
+}
+
+void FetchTest::theWayToTheRowsIsTheQuickerOne()
 {
     m_store.reset();
     SqlWatch watch;
     m_store = std::make_unique<HistoryStore>(
         HistoryStore::Writing{.root = m_folder->root(), .calendar = berlin});
-    save(u"A"_s, 1, u"moss"_s);
+    fillWith(u"moss fern"_s, 2000);
+    fillWith(u"bark leaf"_s, 1999);
+    fillWith(u"mossy"_s, 1);
+    fillWith(u"oak"_s, 1);
     const auto planOf = [this, &watch](HistoryStore::FetchRequest request) {
         watch.take();
         m_store->fetch(std::move(request)).waitForFinished();
         const QStringList asked = watch.take();
-        return asked.isEmpty() ? QString() : m_store->queryPlan(asked.first()).result();
+        return asked.isEmpty() ? QString() : m_store->queryPlan(asked.last()).result();
     };
     const Date day = *berlin().startOfDay(2024, 5, 17);
-    for (const QString& plan : {planOf({.limit = 500}), planOf({.query = u"moss"_s, .limit = 500}),
-                                planOf({.query = u"moss"_s, .day = day, .limit = 500}),
-                                planOf({.query = u"moss fern"_s, .limit = 500, .withText = true}),
-                                planOf({.day = day, .limit = 500})}) {
+    const QList<HistoryStore::FetchRequest> alongTheTimes = {
+        {.limit = 500},
+        {.query = u"moss"_s, .limit = 500},
+        {.query = u"mos"_s, .limit = 500},
+        {.query = u"fern moss"_s, .limit = 500, .withText = true},
+        {.query = u"o"_s, .limit = 500},
+        {.day = day, .limit = 500},
+        {.query = u"oak"_s, .day = day, .limit = 500},
+    };
+    for (const HistoryStore::FetchRequest& request : alongTheTimes) {
+        const QString plan = planOf(request);
         QVERIFY2(plan.contains(u"memories USING INDEX memories_time"_s), qPrintable(plan));
         QVERIFY2(!plan.contains(u"TEMP B-TREE"_s), qPrintable(plan));
+    }
+    // Few matches are looked up one by one: a walk would pass everything else.
+    for (const QString& few : {u"oak"_s, u"bark"_s, u"leaf bark"_s, u"mossy"_s, u"moss oak"_s}) {
+        const QString plan = planOf({.query = few, .limit = 500});
+        QVERIFY2(plan.contains(u"memories USING INTEGER PRIMARY KEY"_s), qPrintable(plan));
     }
     // An index is there for the application alone; whichever SQLite takes, it reads no whole table.
     const QString byApp = planOf({.app = u"Editor"_s, .limit = 500});
     QVERIFY2(byApp.contains(u"USING INDEX memories_"_s), qPrintable(byApp));
+}
+
+void FetchTest::fewAndManyComeInTheSameOrder()
+{
+    fillWith(u"moss fern"_s, 2000);
+    fillWith(u"bark"_s, 1999);
+    for (const QString& word : {u"moss"_s, u"bark"_s}) {
+        const QList<Memory> all = m_store->fetch({.query = word, .limit = 5000}).result();
+        const bool isMany = word == u"moss";
+        QCOMPARE(all.size(), isMany ? 2000 : 1999);
+        QCOMPARE(all.first().id, isMany ? u"moss fern2000"_s : u"bark1999"_s);
+        QVERIFY(std::ranges::is_sorted(all, std::greater(), &Memory::timestamp));
+        QCOMPARE(found({.query = word, .limit = 3}), ids(all.first(3)));
+    }
 }
 
 void FetchTest::aFailingQueryIsSqlitesSentence()
