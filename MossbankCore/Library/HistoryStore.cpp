@@ -61,8 +61,6 @@ HistoryStore::HistoryStore(Writing options)
     , m_calendar(std::move(options.calendar))
     , m_db(openForWriting(m_root))
     , m_databaseFile(Files::identity(databasePath(m_root)))
-    // A crash may have come between a removal and the emptying of the log.
-    , m_owesPurge(!emptyLog(m_db))
     // Some builds of SQLite have no such option. They work as well, at the price of a rebuilt
     // index for every removal.
     , m_purgesDeletedTerms(m_db.tryExecute(
@@ -72,6 +70,12 @@ HistoryStore::HistoryStore(Writing options)
 {
     // Only now are the log and its index sure to be there.
     tightenDatabasePermissions(m_root);
+    try {
+        // A crash may have come between a removal and this.
+        emptyLog();
+    } catch (const StoreError&) {
+        // The next removal tries again. Whoever is in the way does not keep the library shut.
+    }
 }
 
 HistoryStore::HistoryStore(ReadingOnly options)

@@ -243,9 +243,7 @@ private:
     void deleteAllNow();
     void removePictures(const QStringList& filenames) const;
     /// Empties the write-ahead log of what was removed, or throws and owes it to the next removal.
-    void purgeLog();
-    /// False when it cannot be done at this moment.
-    static bool emptyLog(Database& database);
+    void emptyLog();
     QStringList referencedFilenames(const QString& whereSQL, const QStringList& values);
 
     qsizetype reconcileNow(double grace, Date now);
@@ -269,7 +267,7 @@ private:
     /// Which file the database was when it was opened.
     Files::Identity m_databaseFile;
     /// Whether words of something removed may still stand in the log.
-    bool m_owesPurge = false;
+    bool m_owesEmptyLog = false;
     bool m_purgesDeletedTerms = false;
     int m_schemaVersion = 0;
     /// Last, so that it has finished before anything above goes.

@@ -90,14 +90,14 @@ void HistoryStore::deleteAllNow()
         Files::removeFile(pending() + u'/' + name);
     syncRemovals(images());
     syncRemovals(pending());
-    purgeLog();
+    emptyLog();
 }
 
 void HistoryStore::remove(const QString& whereSQL, const QStringList& values)
 {
     // The rows of a removal that failed at its very end are gone, their words may not be.
-    if (removeRows(whereSQL, values) || m_owesPurge)
-        purgeLog();
+    if (removeRows(whereSQL, values) || m_owesEmptyLog)
+        emptyLog();
 }
 
 bool HistoryStore::removeRows(const QString& whereSQL, const QStringList& values)
@@ -122,7 +122,7 @@ bool HistoryStore::removeRows(const QString& whereSQL, const QStringList& values
         rows.bind(values);
         rows.step();
     };
-    m_owesPurge = true;
+    m_owesEmptyLog = true;
     m_db.transaction(deleteRows, purge.opening, purge.closing);
     return true;
 }
@@ -138,25 +138,15 @@ void HistoryStore::removePictures(const QStringList& filenames) const
     syncRemovals(images());
 }
 
-void HistoryStore::purgeLog()
+void HistoryStore::emptyLog()
 {
-    m_owesPurge = true;
+    m_owesEmptyLog = true;
     // What was deleted stands in the log until that is emptied. Somebody reading at this moment
     // keeps it from being so, of which SQLite tells in the first column, not by failing.
     Statement emptied = m_db.statement(u"PRAGMA wal_checkpoint(TRUNCATE);"_s);
     if (emptied.step() && emptied.integer(0) != 0)
         throw StoreError(u"database is locked"_s);
-    m_owesPurge = false;
-}
-
-bool HistoryStore::emptyLog(Database& database)
-{
-    try {
-        Statement emptied = database.statement(u"PRAGMA wal_checkpoint(TRUNCATE);"_s);
-        return emptied.step() && emptied.integer(0) == 0;
-    } catch (const StoreError&) {
-        return false;
-    }
+    m_owesEmptyLog = false;
 }
 
 QStringList HistoryStore::referencedFilenames(const QString& whereSQL, const QStringList& values)

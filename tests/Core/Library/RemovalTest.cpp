@@ -29,10 +29,6 @@ private Q_SLOTS:
     void aPictureThatCannotBeRemovedKeepsTheRows();
     void aRefusedTransactionKeepsTheRows();
     void aFailureWithinTheTransactionUndoesItAndPurgingGoesOn();
-    void aReaderThatKeepsTheLogIsTold();
-    void wordsKeptInTheLogGoWithTheNextRemovalWhateverItMatches();
-    void wordsThatACrashLeftInTheLogGoWhenTheLibraryIsOpened();
-    void allIsRemovedThoughAReaderKeepsTheLog();
     void namesThatLeadOutsideAreNotFollowed();
     void aReaderRemovesNothing();
     void allOfAnEmptyLibraryIsRemoved();
@@ -239,72 +235,6 @@ void RemovalTest::aFailureWithinTheTransactionUndoesItAndPurgingGoesOn()
     QCOMPARE(deleted(u"200"_s), kNoFailure);
     m_store.reset();
     QVERIFY(!contents(m_folder->database()).contains(traceOf(200)));
-}
-
-void RemovalTest::aReaderThatKeepsTheLogIsTold()
-{
-    fill(*m_folder, 3);
-    RawSql reader(m_folder->database());
-    reader.run(u"BEGIN"_s);
-    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
-    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
-    // The row is gone all the same.
-    QCOMPARE(rows(), 2);
-    reader.run(u"COMMIT"_s);
-    QCOMPARE(deleted(u"2"_s), kNoFailure);
-    QCOMPARE(contents(m_folder->database() + u"-wal"_s), QByteArray());
-}
-
-void RemovalTest::wordsKeptInTheLogGoWithTheNextRemovalWhateverItMatches()
-{
-    fill(*m_folder, 3);
-    RawSql reader(m_folder->database());
-    reader.run(u"BEGIN"_s);
-    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
-    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
-    // To try again is no success as long as they are there.
-    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
-    QVERIFY(contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
-    reader.run(u"COMMIT"_s);
-    QCOMPARE(deleted(u"1"_s), kNoFailure);
-    QCOMPARE(contents(m_folder->database() + u"-wal"_s), QByteArray());
-    m_watch->take();
-    QCOMPARE(deleted(u"1"_s), kNoFailure);
-    QCOMPARE(m_watch->take(), QStringList{u"SELECT filename FROM memories WHERE id = ?"_s});
-}
-
-void RemovalTest::wordsThatACrashLeftInTheLogGoWhenTheLibraryIsOpened()
-{
-    fill(*m_folder, 3);
-    // A reader that stays keeps the last writer from taking the log along.
-    RawSql reader(m_folder->database());
-    reader.run(u"BEGIN"_s);
-    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
-    QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
-    m_store.reset();
-    reader.run(u"COMMIT"_s);
-    QVERIFY(contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
-    m_store = std::make_unique<HistoryStore>(HistoryStore::Writing{.root = m_folder->root()});
-    QVERIFY(!contents(m_folder->database() + u"-wal"_s).contains(traceOf(1)));
-}
-
-void RemovalTest::allIsRemovedThoughAReaderKeepsTheLog()
-{
-    fill(*m_folder, 3);
-    m_store->saveEmbeddings({{u"1"_s, Vector({1})}}, u"m"_s).waitForFinished();
-    QVERIFY(putFile(m_folder->images() + u"/stray.jpg"_s, "bytes"));
-    QVERIFY(putFile(m_folder->pending() + u"/stray.jpg"_s, "bytes"));
-    RawSql reader(m_folder->database());
-    reader.run(u"BEGIN"_s);
-    QCOMPARE(reader.value(u"SELECT count(*) FROM memories"_s), u"3"_s);
-    QCOMPARE(allDeleted(), u"database is locked"_s);
-    QCOMPARE(names(m_folder->images()), QStringList{});
-    QCOMPARE(names(m_folder->pending()), QStringList{});
-    QCOMPARE(rows(), 0);
-    QVERIFY(m_store->embeddings(u"m"_s).result().isEmpty());
-    reader.run(u"COMMIT"_s);
-    QCOMPARE(allDeleted(), kNoFailure);
-    QCOMPARE(contents(m_folder->database() + u"-wal"_s), QByteArray());
 }
 
 void RemovalTest::namesThatLeadOutsideAreNotFollowed()
