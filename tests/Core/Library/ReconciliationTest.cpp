@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/Core/Library/FilledLibrary.h"
+#include "tests/Fakes/BadDisk.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -34,7 +35,9 @@ private Q_SLOTS:
     void severalMarkersAreSettledAtOnce();
     void aMissingFolderOfMarkersIsNone();
     void aFolderAmongTheMarkersIsNone();
-    void aPictureThatCannotBeRemovedKeepsItsMarker();
+    void picturesThatCannotBeListedKeepTheirMarkers();
+    void whatCannotBeRemovedIsToldAndSettledLater_data();
+    void whatCannotBeRemovedIsToldAndSettledLater();
     void aLockedLibraryIsToldAndSettledLater();
 
 private:
@@ -190,7 +193,7 @@ void ReconciliationTest::aFolderAmongTheMarkersIsNone()
     QVERIFY(QFile::exists(m_folder->images() + u"/1.jpg"_s));
 }
 
-void ReconciliationTest::aPictureThatCannotBeRemovedKeepsItsMarker()
+void ReconciliationTest::picturesThatCannotBeListedKeepTheirMarkers()
 {
     // Where the pictures should be is something else.
     QVERIFY(QDir().rename(m_folder->images(), m_folder->beside(u"pictures"_s)));
@@ -198,6 +201,59 @@ void ReconciliationTest::aPictureThatCannotBeRemovedKeepsItsMarker()
     putMarker(u"9.jpg"_s);
     QCOMPARE(failure<FileError>([this] { reconciled(); }), refusal(ENOTDIR, m_folder->images()));
     QCOMPARE(markers(), QStringList{u"9.jpg"_s});
+}
+
+void ReconciliationTest::whatCannotBeRemovedIsToldAndSettledLater_data()
+{
+    QTest::addColumn<QStringList>("unfinished");
+    QTest::addColumn<bool>("isMarker");
+    QTest::addColumn<int>("nth");
+    QTest::addColumn<qsizetype>("picturesLeft");
+    QTest::addColumn<qsizetype>("markersLeft");
+    // After each marker's pictures their folder is synced, which counts as well.
+    const QStringList two = {u"8.jpg"_s, u"9.jpg"_s};
+    const QStringList written = {u"9.jpg"_s, u"9.jpg.aB3x0z"_s};
+    const auto row = [](const char* name, const QStringList& unfinished, bool isMarker, int nth,
+                        qsizetype picturesLeft, qsizetype markersLeft) {
+        QTest::newRow(name) << unfinished << isMarker << nth << picturesLeft << markersLeft;
+    };
+    row("a picture", {u"9.jpg"_s}, false, 1, 1, 1);
+    row("the picture of the second marker", two, false, 3, 1, 1);
+    row("one of a picture's two files", written, false, 2, 1, 1);
+    row("a marker", {u"9.jpg"_s}, true, 1, 0, 1);
+    row("the second marker", two, true, 2, 0, 1);
+}
+
+void ReconciliationTest::whatCannotBeRemovedIsToldAndSettledLater()
+{
+    QFETCH(QStringList, unfinished);
+    QFETCH(bool, isMarker);
+    QFETCH(int, nth);
+    QFETCH(qsizetype, picturesLeft);
+    QFETCH(qsizetype, markersLeft);
+    for (const QString& name : std::as_const(unfinished)) {
+        putPicture(name);
+        if (name.endsWith(u".jpg"_s))
+            putMarker(name);
+    }
+    const QStringList rows = {u"1.jpg"_s, u"2.jpg"_s, u"3.jpg"_s};
+    const QString where = isMarker ? m_folder->pending() : m_folder->images();
+    QString told;
+    QString struck;
+    {
+        const BadDisk disk(where, nth, BadDisk::Then::FailOnce, EACCES);
+        told = failure<FileError>([this] { reconciled(); });
+        struck = QString::fromUtf8(BadDisk::struck());
+    }
+    QVERIFY2(struck.startsWith(u"unlink "_s), qPrintable(struck));
+    QCOMPARE(told, refusal(EACCES, where + u'/' + struck.section(u' ', 1)));
+    // What came before it is done, and what comes after it is not begun.
+    QCOMPARE(pictures().size(), rows.size() + picturesLeft);
+    QCOMPARE(markers().size(), markersLeft);
+    QVERIFY(QFile::exists(where + u'/' + struck.section(u' ', 1)));
+    QCOMPARE(reconciled(), picturesLeft);
+    QCOMPARE(pictures(), rows);
+    QCOMPARE(markers(), QStringList{});
 }
 
 void ReconciliationTest::aLockedLibraryIsToldAndSettledLater()
