@@ -10,6 +10,7 @@
 #include "MossbankCore/Support/Files.h"
 #include "MossbankCore/Support/SerialQueue.h"
 
+#include <QByteArrayList>
 #include <QFuture>
 #include <QList>
 #include <QString>
@@ -247,7 +248,7 @@ private:
     QStringList referencedFilenames(const QString& whereSQL, const QStringList& values);
 
     qsizetype reconcileNow(double grace, Date now);
-    qsizetype removePicture(const QString& filename, const QStringList& inImages) const;
+    qsizetype removePicture(const QByteArray& filename, const QByteArrayList& inImages) const;
 
     qsizetype sealNow(qsizetype limit);
     /// Whether a file among the pictures is what a sealing that was cut short has left: no save

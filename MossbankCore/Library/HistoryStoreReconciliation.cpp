@@ -4,6 +4,8 @@
 // depends on their number and not on the library's size.
 #include "MossbankCore/Library/HistoryStore.h"
 
+#include <QFile>
+
 #include <utility>
 
 namespace mossbank {
@@ -20,16 +22,15 @@ qsizetype HistoryStore::reconcileNow(double grace, Date now)
     requireWritable();
     m_db.execute(u"DELETE FROM embeddings WHERE id NOT IN (SELECT id FROM memories);"_s);
     const Date cutoff = now - grace;
-    std::optional<QStringList> inImages;
+    std::optional<QByteArrayList> inImages;
     qsizetype removed = 0;
-    for (const QString& name : Files::filesIn(pending())) {
-        const QString marker = pending() + u'/' + name;
-        const auto began = Files::modified(marker);
+    for (const QByteArray& name : Files::filesIn(pending())) {
+        const auto began = Files::modified(pending(), name);
         // A save may still be under way, in this process or in another.
         if (!began || *began >= cutoff)
             continue;
         // With its row the save got through, and only the marker is left over.
-        if (referencedFilenames(u"filename = ?"_s, {name}).isEmpty()) {
+        if (referencedFilenames(u"filename = ?"_s, {QFile::decodeName(name)}).isEmpty()) {
             if (!inImages)
                 inImages = Files::filesIn(images());
             const qsizetype gone = removePicture(name, *inImages);
@@ -38,19 +39,20 @@ qsizetype HistoryStore::reconcileNow(double grace, Date now)
                 Files::syncFolder(images());
             removed += gone;
         }
-        Files::removeFile(marker);
+        Files::removeFile(pending(), name);
     }
     return removed;
 }
 
-qsizetype HistoryStore::removePicture(const QString& filename, const QStringList& inImages) const
+qsizetype HistoryStore::removePicture(const QByteArray& filename,
+                                      const QByteArrayList& inImages) const
 {
     qsizetype removed = 0;
-    for (const QString& name : inImages) {
+    for (const QByteArray& name : inImages) {
         // A write that was cut short has left its part under a name made from this one.
-        if (name != filename && !name.startsWith(filename + u'.'))
+        if (name != filename && !name.startsWith(filename + '.'))
             continue;
-        Files::removeFile(images() + u'/' + name);
+        Files::removeFile(images(), name);
         ++removed;
     }
     return removed;

@@ -6,6 +6,7 @@
 #include "MossbankCore/Library/ImageVault.h"
 #include "MossbankCore/Library/StoreError.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSet>
 
@@ -81,13 +82,15 @@ void HistoryStore::deleteAllNow()
     // the disk.
     m_db.execute(u"DELETE FROM embeddings;"_s);
     const QStringList referenced = referencedFilenames(kEveryRow, {});
-    const QSet<QString> stay(referenced.cbegin(), referenced.cend());
-    for (const QString& name : Files::filesIn(images())) {
+    QSet<QByteArray> stay;
+    for (const QString& name : referenced)
+        stay.insert(QFile::encodeName(name));
+    for (const QByteArray& name : Files::filesIn(images())) {
         if (!stay.contains(name))
-            Files::removeFile(images() + u'/' + name);
+            Files::removeFile(images(), name);
     }
-    for (const QString& name : Files::filesIn(pending()))
-        Files::removeFile(pending() + u'/' + name);
+    for (const QByteArray& name : Files::filesIn(pending()))
+        Files::removeFile(pending(), name);
     syncRemovals(images());
     syncRemovals(pending());
     emptyLog();

@@ -38,9 +38,10 @@ qsizetype HistoryStore::sealNow(qsizetype limit)
         return 0;
     requireWritable();
     qsizetype count = 0;
-    for (const QString& name : Files::filesIn(images())) {
+    for (const QByteArray& onDisk : Files::filesIn(images())) {
         if (count >= limit)
             break;
+        const QString name = QFile::decodeName(onDisk);
         if (isLeftover(name)) {
             Files::removeFile(images() + u'/' + name);
             continue;

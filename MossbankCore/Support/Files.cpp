@@ -39,6 +39,20 @@ bool isFolder(const QByteArray& path)
     return ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+QByteArray pathOf(const QString& folder, const QByteArray& name)
+{
+    return QFile::encodeName(folder) + '/' + name;
+}
+
+bool remove(const QByteArray& path)
+{
+    if (::unlink(path.constData()) == 0)
+        return true;
+    if (errno != ENOENT)
+        refuse(QFile::decodeName(path));
+    return false;
+}
+
 /// An open file or folder.
 class Descriptor {
 public:
@@ -141,14 +155,14 @@ std::optional<QString> Files::beingWritten(const QString& name)
     return name.first(base);
 }
 
-QStringList Files::filesIn(const QString& folder)
+QByteArrayList Files::filesIn(const QString& folder)
 {
     const std::unique_ptr<DIR, CloseFolder> open(::opendir(QFile::encodeName(folder).constData()));
     if (!open && errno == ENOENT)
         return {};
     if (!open)
         refuse(folder);
-    QStringList names;
+    QByteArrayList names;
     errno = 0;
     while (const dirent* entry = ::readdir(open.get())) {
         const char* const name = static_cast<const char*>(entry->d_name);
@@ -156,7 +170,7 @@ QStringList Files::filesIn(const QString& folder)
         const bool isKnown =
             ::fstatat(::dirfd(open.get()), name, &status, AT_SYMLINK_NOFOLLOW) == 0;
         if (isKnown && S_ISREG(status.st_mode))
-            names.append(QFile::decodeName(name));
+            names.append(name);
         errno = 0;
     }
     if (errno != 0)
@@ -164,10 +178,10 @@ QStringList Files::filesIn(const QString& folder)
     return names;
 }
 
-std::optional<Date> Files::modified(const QString& path)
+std::optional<Date> Files::modified(const QString& folder, const QByteArray& name)
 {
     struct stat status = {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+    if (::stat(pathOf(folder, name).constData(), &status) != 0)
         return std::nullopt;
     constexpr double kNanosecond = 1e-9;
     return Date{static_cast<double>(status.st_mtim.tv_sec) +
@@ -176,11 +190,12 @@ std::optional<Date> Files::modified(const QString& path)
 
 bool Files::removeFile(const QString& path)
 {
-    if (::unlink(QFile::encodeName(path).constData()) == 0)
-        return true;
-    if (errno != ENOENT)
-        refuse(path);
-    return false;
+    return remove(QFile::encodeName(path));
+}
+
+bool Files::removeFile(const QString& folder, const QByteArray& name)
+{
+    return remove(pathOf(folder, name));
 }
 
 void Files::syncFolder(const QString& path)

@@ -4,8 +4,8 @@
 #include "MossbankCore/Support/Date.h"
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -45,15 +45,17 @@ public:
     /// `writeAtomically` may leave when the process is killed. Absent for a name of another form.
     static std::optional<QString> beingWritten(const QString& name);
 
-    /// The names of the ordinary files in a folder, hidden ones too, in no order. None for a folder
-    /// that is not there. What vanishes meanwhile, or cannot be looked at, is left out.
-    static QStringList filesIn(const QString& folder);
+    /// The names of the ordinary files in a folder, hidden ones too, in no order, as they stand on
+    /// the disk: a name need not be UTF-8, and as text it would then name another file. None for a
+    /// folder that is not there. What vanishes meanwhile, or cannot be looked at, is left out.
+    static QByteArrayList filesIn(const QString& folder);
 
     /// When a file was last written to, in seconds since 1970. Absent when that cannot be told.
-    static std::optional<Date> modified(const QString& path);
+    static std::optional<Date> modified(const QString& folder, const QByteArray& name);
 
     /// Removes a file. One that is not there counts as removed. Whether it was there.
     static bool removeFile(const QString& path);
+    static bool removeFile(const QString& folder, const QByteArray& name);
 
     /// Makes what was added to a folder and removed from it outlast a power cut.
     static void syncFolder(const QString& path);

@@ -13,6 +13,8 @@
 
 #include <sys/stat.h>
 
+#include <cstdio>
+
 namespace mossbank {
 
 /// A folder that goes with the test, with the path of a library in it that is not yet there.
@@ -90,6 +92,19 @@ inline bool putFile(const QString& path, const QByteArray& bytes)
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
            file.write(bytes) == bytes.size() && file.flush();
+}
+
+/// Lays an empty file of a name that is no UTF-8, which Qt itself can neither make nor see.
+inline bool putNamelessFile(const QString& folder, const QByteArray& name)
+{
+    std::FILE* const file = std::fopen((QFile::encodeName(folder) + '/' + name).constData(), "w");
+    return file && std::fclose(file) == 0;
+}
+
+inline bool isNamelessFile(const QString& folder, const QByteArray& name)
+{
+    struct stat status = {};
+    return ::lstat((QFile::encodeName(folder) + '/' + name).constData(), &status) == 0;
 }
 
 inline QStringList ids(const QList<Memory>& memories)

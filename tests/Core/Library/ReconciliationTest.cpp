@@ -31,6 +31,8 @@ private Q_SLOTS:
     void aYoungMarkerIsLeft_data();
     void aYoungMarkerIsLeft();
     void whatAnInterruptedWriteLeftGoesToo();
+    void whatAnInterruptedWriteLeftNeedNotHaveANameThatIsText();
+    void aMarkerWhoseNameIsNoTextIsSettled();
     void otherPicturesAreNotTouched();
     void severalMarkersAreSettledAtOnce();
     void aMissingFolderOfMarkersIsNone();
@@ -154,6 +156,30 @@ void ReconciliationTest::whatAnInterruptedWriteLeftGoesToo()
     QCOMPARE(reconciled(), 2);
     QCOMPARE(pictures(),
              (QStringList{u"1.jpg"_s, u"19.jpg.tmp"_s, u"2.jpg"_s, u"3.jpg"_s, u"9.jpgx"_s}));
+}
+
+void ReconciliationTest::whatAnInterruptedWriteLeftNeedNotHaveANameThatIsText()
+{
+    const QByteArray left = "9.jpg.\xe9";
+    QVERIFY(putNamelessFile(m_folder->images(), left));
+    putMarker(u"9.jpg"_s);
+    QCOMPARE(reconciled(), 1);
+    QVERIFY(!isNamelessFile(m_folder->images(), left));
+}
+
+void ReconciliationTest::aMarkerWhoseNameIsNoTextIsSettled()
+{
+    const QByteArray name = "caf\xe9.jpg";
+    const QByteArray another = "caf\xe8.jpg";
+    QVERIFY(putNamelessFile(m_folder->images(), name));
+    QVERIFY(putNamelessFile(m_folder->images(), another));
+    QVERIFY(putNamelessFile(m_folder->pending(), name));
+    const Date now = {static_cast<double>(QDateTime::currentSecsSinceEpoch())};
+    QCOMPARE(m_store->reconcile(kGrace, now + 2 * kGrace).result(), 1);
+    QVERIFY(!isNamelessFile(m_folder->images(), name));
+    QVERIFY(!isNamelessFile(m_folder->pending(), name));
+    // The test's folder would stay with it.
+    QVERIFY(Files::removeFile(m_folder->images(), another));
 }
 
 void ReconciliationTest::otherPicturesAreNotTouched()

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void aReaderRemovesNothing();
     void allOfAnEmptyLibraryIsRemoved();
     void allMeansStrayFilesToo();
+    void allMeansNamesThatAreNoTextToo();
     void aFolderAmongThePicturesIsLeftAlone();
     void aFolderOfPicturesThatIsGoneKeepsNothing();
 
@@ -285,6 +286,18 @@ void RemovalTest::allMeansStrayFilesToo()
     QCOMPARE(m_store->stats().result(), LibraryStats());
     m_store->save(sampleMemory(u"A"_s), "jpeg").waitForFinished();
     QCOMPARE(rows(), 1);
+}
+
+void RemovalTest::allMeansNamesThatAreNoTextToo()
+{
+    fill(*m_folder, 1);
+    const QByteArray name = "caf\xe9.jpg";
+    QVERIFY(putNamelessFile(m_folder->images(), name));
+    QVERIFY(putNamelessFile(m_folder->pending(), name));
+    QVERIFY(isNamelessFile(m_folder->images(), name) && isNamelessFile(m_folder->pending(), name));
+    QCOMPARE(allDeleted(), kNoFailure);
+    QVERIFY(!isNamelessFile(m_folder->images(), name));
+    QVERIFY(!isNamelessFile(m_folder->pending(), name));
 }
 
 void RemovalTest::aFolderAmongThePicturesIsLeftAlone()
