@@ -18,12 +18,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-void removeQuietly(const QString& path)
+/// Lets a failure pass: what is being reported already matters more.
+template <typename Action>
+void quietly(Action&& action)
 {
     try {
-        Files::removeFile(path);
+        action();
     } catch (const FileError&) {
-        // What is being reported already matters more.
     }
 }
 
@@ -54,13 +55,23 @@ void HistoryStore::saveNow(const Memory& memory, const QByteArray& jpeg)
     Files::createFolder(pending());
     const QString marker = pending() + u'/' + memory.filename;
     Files::createEmptyFile(marker);
-    const auto markerGoesLast = qScopeGuard([&] { removeQuietly(marker); });
+    const auto markerGoesLast = qScopeGuard([&] { quietly([&] { Files::removeFile(marker); }); });
+    // Or a power cut could leave the picture with neither its marker nor its row, and nothing would
+    // ever take it away. One more wait for the disk, so only where the picture's does not do.
+    if (!Files::syncsInOrder(pending()))
+        Files::syncFolder(pending());
 
     // The marker holds no bytes and the picture is sealed before it is written, so a crash never
     // leaves a plain picture behind.
     const QByteArray bytes = m_vault ? m_vault->sealed(jpeg) : jpeg;
     // The name was free, so whatever has it when this fails is this picture.
-    auto pictureGoes = qScopeGuard([&] { removeQuietly(picture); });
+    auto pictureGoes = qScopeGuard([&] {
+        quietly([&] {
+            Files::removeFile(picture);
+            // Before its marker goes, for the same reason.
+            Files::syncFolder(images());
+        });
+    });
     Files::writeAtomically(picture, bytes);
     insertRow(memory, bytes.size());
     pictureGoes.dismiss();

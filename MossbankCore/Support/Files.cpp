@@ -11,6 +11,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <linux/magic.h>
+#include <sys/vfs.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -196,6 +200,19 @@ bool Files::removeFile(const QString& path)
 bool Files::removeFile(const QString& folder, const QByteArray& name)
 {
     return remove(pathOf(folder, name));
+}
+
+bool Files::syncsInOrder(const QString& path)
+{
+#ifdef __linux__
+    // These have one journal for all names, and write it in order. Others, Btrfs for one, put the
+    // changes to what is synced on the disk and leave the rest for later.
+    struct statfs status = {};
+    return ::statfs(QFile::encodeName(path).constData(), &status) == 0 &&
+           (status.f_type == EXT4_SUPER_MAGIC || status.f_type == XFS_SUPER_MAGIC);
+#else
+    return false;
+#endif
 }
 
 void Files::syncFolder(const QString& path)

@@ -59,6 +59,10 @@ public:
 
     /// Makes what was added to a folder and removed from it outlast a power cut.
     static void syncFolder(const QString& path);
+
+    /// Whether on the file system of `path` what is synced takes along all that was done before it
+    /// to any name. False also when that is not known.
+    static bool syncsInOrder(const QString& path);
 };
 
 } // namespace mossbank

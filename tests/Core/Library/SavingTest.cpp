@@ -6,28 +6,7 @@
 #include "tests/Core/Library/Summary.h"
 #include "tests/Fakes/NonceHook.h"
 
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <atomic>
 #include <cerrno>
-
-namespace {
-
-/// The call of fsync that fails next, counted from 1; 0 for none.
-std::atomic<int> failingSync = 0;
-
-} // namespace
-
-// Stands before the system's own for everything in this program.
-extern "C" int fsync(int file)
-{
-    if (failingSync > 0 && --failingSync == 0) {
-        errno = EIO;
-        return -1;
-    }
-    return static_cast<int>(::syscall(SYS_fsync, file));
-}
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -58,8 +37,6 @@ private Q_SLOTS:
     void aRefusalToSealLeavesNothing();
     void aPictureThatCannotBeWrittenLeavesNothing();
     void aNameTooLongForItsTemporaryLeavesNothing();
-    void aPictureNotSureToBeOnTheDiskIsNoPicture_data();
-    void aPictureNotSureToBeOnTheDiskIsNoPicture();
     void aMissingFolderOfMarkersIsMadeAgain();
     void withoutAFolderOfMarkersNothingIsSaved();
     void aMarkerThatCannotBeWrittenStopsTheSave();
@@ -89,7 +66,6 @@ void SavingTest::init()
 
 void SavingTest::cleanup()
 {
-    failingSync = 0;
     m_store.reset();
     NonceHook::remove();
     // Whatever a case did: index and summary agree with the rows.
@@ -291,26 +267,6 @@ void SavingTest::aNameTooLongForItsTemporaryLeavesNothing()
     QCOMPARE(names(m_folder->images()), QStringList{});
     QCOMPARE(names(m_folder->pending()), QStringList{});
     QCOMPARE(rows(), QStringList{});
-}
-
-void SavingTest::aPictureNotSureToBeOnTheDiskIsNoPicture_data()
-{
-    QTest::addColumn<int>("nthSync");
-    QTest::addColumn<QString>("about");
-    QTest::newRow("the picture's bytes") << 1 << u"/A.jpg"_s;
-    QTest::newRow("the folder with its name") << 2 << u""_s;
-}
-
-void SavingTest::aPictureNotSureToBeOnTheDiskIsNoPicture()
-{
-    QFETCH(int, nthSync);
-    QFETCH(QString, about);
-    failingSync = nthSync;
-    QCOMPARE(save<FileError>(sampleMemory(u"A"_s)), refusal(EIO, m_folder->images() + about));
-    QCOMPARE(names(m_folder->images()), QStringList{});
-    QCOMPARE(names(m_folder->pending()), QStringList{});
-    QCOMPARE(rows(), QStringList{});
-    QCOMPARE(save(sampleMemory(u"A"_s)), kNoFailure);
 }
 
 void SavingTest::aMissingFolderOfMarkersIsMadeAgain()
