@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/Core/Library/FilledLibrary.h"
+#include "tests/Core/Library/OldLibraries.h"
 #include "tests/Core/Library/SqlWatch.h"
 
 using namespace mossbank;
@@ -23,6 +24,10 @@ private Q_SLOTS:
     void progressCountsBoth();
     void theWidestModelIsTheOneThatReadMost();
     void whatIsNoVectorIsPassedOver();
+    void aReaderOfAnOlderLibraryIsToldThatThereAreNone_data();
+    void aReaderOfAnOlderLibraryIsToldThatThereAreNone();
+    void aReaderHandsOutTitlesWhereThereAreSome_data();
+    void aReaderHandsOutTitlesWhereThereAreSome();
 
 private:
     void save(const QStringList& ids, const QString& model, const QList<float>& values = {1})
@@ -164,6 +169,65 @@ void EmbeddingsTest::whatIsNoVectorIsPassedOver()
     sql.run(u"INSERT INTO embeddings VALUES ('2', 'm', x''), ('3', 'm', x'003c00')"_s);
     QCOMPARE(m_store->embeddings(u"m"_s).result().size(), 1);
     QCOMPARE(sql.value(u"SELECT count(*) FROM embeddings"_s), u"3"_s);
+}
+
+void EmbeddingsTest::aReaderOfAnOlderLibraryIsToldThatThereAreNone_data()
+{
+    QTest::addColumn<int>("version");
+    for (const int version : {0, 2, 3, 4})
+        QTest::addRow("version %d", version) << version;
+}
+
+void EmbeddingsTest::aReaderOfAnOlderLibraryIsToldThatThereAreNone()
+{
+    QFETCH(int, version);
+    const LibraryFolder folder;
+    QVERIFY(putOldDatabase(version, folder));
+    HistoryStore reader(HistoryStore::ReadingOnly{.root = folder.root()});
+    QCOMPARE(reader.schemaVersion(), version);
+    const QString none = u"no such table: embeddings"_s;
+    QCOMPARE(failure<StoreError>([&] { reader.withoutEmbedding(u"m"_s, 9).waitForFinished(); }),
+             none);
+    QCOMPARE(failure<StoreError>([&] { reader.embeddingProgress(u"m"_s).waitForFinished(); }),
+             none);
+    QCOMPARE(failure<StoreError>([&] { reader.widestEmbeddingModel().waitForFinished(); }), none);
+    QCOMPARE(failure<StoreError>([&] { reader.embeddings(u"m"_s).waitForFinished(); }), none);
+    QCOMPARE(failure<StoreError>([&] {
+                 reader.saveEmbeddings({{u"A1"_s, Vector({1})}}, u"m"_s).waitForFinished();
+             }),
+             u"This library was opened for reading only."_s);
+    // It goes on as a reader, and the library is as it was.
+    QCOMPARE(reader.fetch({.limit = 9, .withText = true}).result(), oldMemories(version));
+    QCOMPARE(RawSql(folder.database()).userVersion(), version);
+}
+
+void EmbeddingsTest::aReaderHandsOutTitlesWhereThereAreSome_data()
+{
+    aReaderOfAnOlderLibraryIsToldThatThereAreNone_data();
+}
+
+void EmbeddingsTest::aReaderHandsOutTitlesWhereThereAreSome()
+{
+    QFETCH(int, version);
+    const LibraryFolder folder;
+    QVERIFY(putOldDatabase(version, folder));
+    // Some other program's, of a table that older libraries do not have.
+    RawSql(folder.database())
+        .run(u"CREATE TABLE embeddings (id TEXT NOT NULL, model TEXT NOT NULL, "
+             "vector BLOB NOT NULL, PRIMARY KEY (id, model)) WITHOUT ROWID;"
+             "INSERT INTO embeddings VALUES ('A4', 'm', x'003c')"_s);
+    HistoryStore reader(HistoryStore::ReadingOnly{.root = folder.root()});
+    QList<HistoryStore::Unread> expected;
+    for (const Memory& memory : oldMemories(version)) {
+        if (memory.id != u"A4")
+            expected.append({memory.id, memory.text, memory.title});
+    }
+    QCOMPARE(reader.withoutEmbedding(u"m"_s, 9).result(), expected);
+    QCOMPARE(reader.embeddingProgress(u"m"_s).result(), (HistoryStore::EmbeddingProgress{1, 6}));
+    QCOMPARE(reader.widestEmbeddingModel().result(), std::optional(u"m"_s));
+    QCOMPARE(reader.embeddings(u"m"_s).result(),
+             (QList<HistoryStore::Embedding>{
+                 {u"A4"_s, *Vector::fromData(QByteArray::fromHex("003c"))}}));
 }
 
 QTEST_GUILESS_MAIN(EmbeddingsTest)
