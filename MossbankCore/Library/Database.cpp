@@ -106,7 +106,12 @@ std::optional<Database> Database::open(const QString& path, Access access)
     std::unique_ptr<sqlite3, Close> connection(handle);
     if (result != SQLITE_OK)
         return std::nullopt;
-    return Database(std::move(connection));
+    Database database(std::move(connection));
+    // What is being sorted, and what could be undone, has words in it. SQLite would put them into a
+    // file of its own in the folder for temporary ones, where nothing is ever overwritten.
+    if (!database.tryExecute(u"PRAGMA temp_store=MEMORY;"_s))
+        return std::nullopt;
+    return database;
 }
 
 void Database::execute(const QString& sql)

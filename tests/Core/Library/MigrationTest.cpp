@@ -155,9 +155,9 @@ void MigrationTest::openingAgainRunsNoMigration()
     QVERIFY(statements.filter(u"user_version ="_s).isEmpty());
     // FTS5 of older SQLite asks for more by itself.
     QCOMPARE(statements.filter(QRegularExpression(u"^PRAGMA (?!'main')"_s)),
-             (QStringList{u"PRAGMA journal_mode=WAL;"_s, u"PRAGMA secure_delete=ON;"_s,
-                          u"PRAGMA user_version"_s, u"PRAGMA user_version"_s,
-                          u"PRAGMA wal_checkpoint"_s}));
+             (QStringList{u"PRAGMA temp_store=MEMORY;"_s, u"PRAGMA journal_mode=WAL;"_s,
+                          u"PRAGMA secure_delete=ON;"_s, u"PRAGMA user_version"_s,
+                          u"PRAGMA user_version"_s, u"PRAGMA wal_checkpoint"_s}));
     RawSql sql(folder.database());
     QCOMPARE(schemaOf(sql) + sql.value(u"PRAGMA schema_version"_s), shape);
     QCOMPARE(ids(store.fetch({.limit = 9}).result()), QStringList{u"A"_s});
