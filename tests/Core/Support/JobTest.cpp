@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Support/Job.h"
 
-#include "MossbankCore/Library/StoreError.h"
 #include "tests/Fakes/FakeClock.h"
 
-#include <QProcess>
 #include <QStringList>
 #include <QTest>
 
@@ -16,8 +14,6 @@ namespace mossbank {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-constexpr auto kEscapeVariable = "MOSSBANK_TEST_ESCAPING_FAILURE";
 
 void turn()
 {
@@ -61,18 +57,6 @@ QCoro::Task<> letGoOf(FakeClock* clock, std::optional<Job>* own, QStringList* lo
     co_await clock->sleep(60, cancellation);
     own->reset();
     *log += cancellation.isRequested() ? u"unwanted"_s : u"wanted"_s;
-}
-
-QCoro::Task<> throwFailure(Cancellation)
-{
-    throw StoreError(u"It was too much."_s);
-    co_return;
-}
-
-QCoro::Task<> throwNumber(Cancellation)
-{
-    throw 5;
-    co_return;
 }
 
 /// One whose work starts its successor.
@@ -137,8 +121,6 @@ private Q_SLOTS:
     void aJobIsRunningUntilItsWorkHasEnded();
     void cancellationReachesTheInnermostCoroutine();
     void workThatDoesNotSleepSeesThatItIsUnwanted();
-    void aFailureThatEscapesEndsTheProgram_data();
-    void aFailureThatEscapesEndsTheProgram();
 };
 
 void JobTest::workStartsOnTheNextTurn()
@@ -354,52 +336,7 @@ void JobTest::workThatDoesNotSleepSeesThatItIsUnwanted()
     kept = Cancellation();
 }
 
-void JobTest::aFailureThatEscapesEndsTheProgram_data()
-{
-    QTest::addColumn<QString>("escape");
-    QTest::addColumn<QString>("sentence");
-    QTest::newRow("a failure") << u"failure"_s << u"It was too much."_s;
-    QTest::newRow("anything else") << u"number"_s << u"An unknown failure."_s;
-}
-
-void JobTest::aFailureThatEscapesEndsTheProgram()
-{
-    QFETCH(QString, escape);
-    QFETCH(QString, sentence);
-    QProcess program;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QString::fromLatin1(kEscapeVariable), escape);
-    program.setProcessEnvironment(environment);
-    program.start(QCoreApplication::applicationFilePath(), {});
-    QVERIFY(program.waitForFinished(20'000));
-    const QString said = QString::fromUtf8(program.readAllStandardError());
-    QCOMPARE(program.exitStatus(), QProcess::CrashExit);
-    QVERIFY2(said.contains(u"A background job let a failure escape: "_s + sentence),
-             qPrintable(said));
-}
-
-namespace {
-
-/// The program that a failure is to end.
-int letEscape(QCoreApplication& program, const QString& escape)
-{
-    const Job job = escape == u"failure" ? Job::start(throwFailure) : Job::start(throwNumber);
-    QMetaObject::invokeMethod(&program, &QCoreApplication::quit, Qt::QueuedConnection);
-    return QCoreApplication::exec();
-}
-
-} // namespace
-
 } // namespace mossbank
 
-int main(int argc, char** argv)
-{
-    QCoreApplication program(argc, argv);
-    const QString escape = qEnvironmentVariable(mossbank::kEscapeVariable);
-    if (!escape.isEmpty())
-        return mossbank::letEscape(program, escape);
-    mossbank::JobTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_GUILESS_MAIN(mossbank::JobTest)
 #include "JobTest.moc"
