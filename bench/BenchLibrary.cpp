@@ -36,24 +36,10 @@ constexpr qsizetype kKilobyte = 1024;
 const QString kColumns =
     u"id, timestamp, app_name, bundle_id, text, filename, bytes, title, link"_s;
 
-void print(const char* what, const PairedTimes& paired)
+template <typename Times>
+void print(const char* what, const Times& times)
 {
-    printFigures({
-        {u"bench"_s, u"library"_s},
-        {u"what"_s, QString::fromUtf8(what)},
-        {u"median_ms"_s, rounded(median(paired.times))},
-        {u"baseline_median_ms"_s, rounded(median(paired.baseline))},
-        {u"ratio"_s, rounded(paired.ratio())},
-    });
-}
-
-void print(const char* what, const std::vector<double>& times)
-{
-    printFigures({
-        {u"bench"_s, u"library"_s},
-        {u"what"_s, QString::fromUtf8(what)},
-        {u"median_ms"_s, rounded(median(times))},
-    });
+    printTimes({{u"bench"_s, u"library"_s}, {u"what"_s, QString::fromUtf8(what)}}, times);
 }
 
 /// The times of one that has no plain form to set beside it.
