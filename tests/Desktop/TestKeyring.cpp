@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/Desktop/TestKeyring.h"
 
-#include "Mossbank/Platform/Linux/GlibOwned.h"
+#include "Mossbank/Platform/Linux/KeyringItems.h"
 #include "MossbankCore/Library/VaultKey.h"
 #include "tests/Desktop/VirtualDesktop.h"
 
@@ -10,7 +10,6 @@
 #include <QFile>
 #include <QThread>
 
-#include <libsecret/secret.h>
 #include <sys/prctl.h>
 
 #include <csignal>
@@ -35,31 +34,6 @@ const QString kConfiguration = uR"(<busconfig>
 </busconfig>
 )"_s;
 
-const SecretSchema kSchema = {
-    "org.freedesktop.Secret.Generic",
-    SECRET_SCHEMA_DONT_MATCH_NAME,
-    {{"service", SECRET_SCHEMA_ATTRIBUTE_STRING},
-     {"account", SECRET_SCHEMA_ATTRIBUTE_STRING},
-     {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
-    0,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-};
-
-using Attributes = std::unique_ptr<GHashTable, GlibFree<g_hash_table_unref>>;
-
-Attributes attributes(const QString& account)
-{
-    return Attributes(secret_attributes_build(&kSchema, "service",
-                                              VaultKey::kService.toUtf8().constData(), "account",
-                                              account.toUtf8().constData(), nullptr));
-}
-
 /// A service that knows nothing from before.
 GObjectOwned<SecretService> freshService()
 {
@@ -67,15 +41,10 @@ GObjectOwned<SecretService> freshService()
         SECRET_TYPE_SERVICE, nullptr, SECRET_SERVICE_OPEN_SESSION, nullptr, nullptr));
 }
 
-struct FreeItems {
-    void operator()(GList* list) const { g_list_free_full(list, g_object_unref); }
-};
-using ListOwned = std::unique_ptr<GList, FreeItems>;
-
-ListOwned search(SecretService* service, const QString& account)
+ObjectList search(SecretService* service, const QString& account)
 {
-    return ListOwned(secret_service_search_sync(
-        service, &kSchema, attributes(account).get(),
+    return ObjectList(secret_service_search_sync(
+        service, &kKeyringSchema, keyringAttributes(VaultKey::kService, account).get(),
         static_cast<SecretSearchFlags>(SECRET_SEARCH_ALL | SECRET_SEARCH_LOAD_SECRETS), nullptr,
         nullptr));
 }
@@ -219,7 +188,7 @@ QList<QByteArray> TestKeyring::secrets(const QString& account) const
 {
     QList<QByteArray> secrets;
     const auto service = freshService();
-    const ListOwned items = search(service.get(), account);
+    const ObjectList items = search(service.get(), account);
     for (const GList* element = items.get(); element; element = element->next) {
         SecretValue* const value = secret_item_get_secret(static_cast<SecretItem*>(element->data));
         if (!value) {
@@ -243,7 +212,8 @@ bool TestKeyring::put(const QByteArray& secret) const
         return false;
     SecretValue* const value = secret_value_new(secret.constData(), secret.size(), "text/plain");
     const GObjectOwned<SecretItem> item(secret_item_create_sync(
-        into.get(), &kSchema, attributes(VaultKey::kAccount).get(), "made by a test", value,
+        into.get(), &kKeyringSchema,
+        keyringAttributes(VaultKey::kService, VaultKey::kAccount).get(), "made by a test", value,
         SECRET_ITEM_CREATE_NONE, nullptr, nullptr));
     secret_value_unref(value);
     return item != nullptr;
@@ -252,12 +222,31 @@ bool TestKeyring::put(const QByteArray& secret) const
 QString TestKeyring::label() const
 {
     const auto service = freshService();
-    const ListOwned items = search(service.get(), VaultKey::kAccount);
+    const ObjectList items = search(service.get(), VaultKey::kAccount);
     gchar* const label =
         items ? secret_item_get_label(static_cast<SecretItem*>(items->data)) : nullptr;
     const QString text = QString::fromUtf8(label);
     g_free(label);
     return text;
+}
+
+QMap<QString, QString> TestKeyring::attributes() const
+{
+    QMap<QString, QString> attributes;
+    const auto service = freshService();
+    const ObjectList items = search(service.get(), VaultKey::kAccount);
+    if (!items)
+        return attributes;
+    const KeyringAttributes table(
+        secret_item_get_attributes(static_cast<SecretItem*>(items->data)));
+    GHashTableIter iterator;
+    g_hash_table_iter_init(&iterator, table.get());
+    gpointer name = nullptr;
+    gpointer value = nullptr;
+    while (g_hash_table_iter_next(&iterator, &name, &value))
+        attributes.insert(QString::fromUtf8(static_cast<const char*>(name)),
+                          QString::fromUtf8(static_cast<const char*>(value)));
+    return attributes;
 }
 
 bool TestKeyring::hasOwner(const char* name) const

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
@@ -41,6 +42,8 @@ public:
     bool put(const QByteArray& secret) const;
     /// What the one item is called.
     QString label() const;
+    /// What it is found by.
+    QMap<QString, QString> attributes() const;
 
     /// What unlocks it.
     static QString password() { return QStringLiteral("password of the tests"); }

@@ -20,27 +20,6 @@ constexpr const char* kContentType = "application/octet-stream";
     throw SecretKeyring::Refusal{{failure, reason}};
 }
 
-/// What is known of items is found by these two, and by nothing else that somebody may add.
-const SecretSchema kSchema = {
-    "org.freedesktop.Secret.Generic",
-    SECRET_SCHEMA_DONT_MATCH_NAME,
-    {{"service", SECRET_SCHEMA_ATTRIBUTE_STRING},
-     {"account", SECRET_SCHEMA_ATTRIBUTE_STRING},
-     {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
-    0,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
-};
-
-struct FreeItems {
-    void operator()(GList* list) const { g_list_free_full(list, g_object_unref); }
-};
-using ListOwned = std::unique_ptr<GList, FreeItems>;
 using Value = std::unique_ptr<SecretValue, GlibFree<secret_value_unref>>;
 
 /// What the service knows an item or a keyring by.
@@ -50,16 +29,16 @@ QByteArray pathOf(const GObjectOwned<Proxy>& proxy)
     return g_dbus_proxy_get_object_path(G_DBUS_PROXY(proxy.get()));
 }
 
-ListOwned lockedCollections(SecretService* service)
+ObjectList lockedCollections(SecretService* service)
 {
-    const ListOwned all(secret_service_get_collections(service));
+    const ObjectList all(secret_service_get_collections(service));
     GList* locked = nullptr;
     for (const GList* element = all.get(); element; element = element->next) {
         auto* const collection = static_cast<SecretCollection*>(element->data);
         if (secret_collection_get_locked(collection))
             locked = g_list_prepend(locked, g_object_ref(collection));
     }
-    return ListOwned(locked);
+    return ObjectList(locked);
 }
 
 } // namespace
@@ -75,8 +54,7 @@ SecretKeyring::SecretKeyring(const SecretServiceKeychain::Patience& patience, Ca
                              const QString& service, const QString& account)
     : m_patience(patience)
     , m_limit(limit)
-    , m_attributes(secret_attributes_build(&kSchema, "service", service.toUtf8().constData(),
-                                           "account", account.toUtf8().constData(), nullptr))
+    , m_attributes(keyringAttributes(service, account))
 {
     GErrorOwned error;
     m_bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, m_limit.cancellable(), GErrorPlace(error)));
@@ -128,9 +106,9 @@ SecretKeyring::Items SecretKeyring::search()
 {
     GErrorOwned error;
     // Without asking for anything to be unlocked: that hides what stays locked.
-    const ListOwned list(secret_service_search_sync(m_service.get(), &kSchema, m_attributes.get(),
-                                                    SECRET_SEARCH_ALL, m_limit.cancellable(),
-                                                    GErrorPlace(error)));
+    const ObjectList list(secret_service_search_sync(m_service.get(), &kKeyringSchema,
+                                                     m_attributes.get(), SECRET_SEARCH_ALL,
+                                                     m_limit.cancellable(), GErrorPlace(error)));
     check(error);
     Items found;
     for (const GList* element = list.get(); element; element = element->next)
@@ -147,7 +125,7 @@ bool SecretKeyring::unlockEverything()
         check(error);
         return lockedCollections(m_service.get());
     };
-    const ListOwned before = locked();
+    const ObjectList before = locked();
     if (!before)
         return false;
     unlock(before.get());
@@ -227,7 +205,7 @@ SecretKeyring::Item SecretKeyring::create(QByteArrayView secret)
     const Value value(
         secret_value_new(secret.data(), static_cast<gssize>(secret.size()), kContentType));
     // Not in the place of another: whose that is, is not known.
-    Item item(secret_item_create_sync(collection.get(), &kSchema, m_attributes.get(), kLabel,
+    Item item(secret_item_create_sync(collection.get(), &kKeyringSchema, m_attributes.get(), kLabel,
                                       value.get(), SECRET_ITEM_CREATE_NONE, m_limit.cancellable(),
                                       GErrorPlace(error)));
     check(error);

@@ -3,6 +3,7 @@
 
 #include "Mossbank/Platform/Linux/CallLimit.h"
 #include "Mossbank/Platform/Linux/GlibOwned.h"
+#include "Mossbank/Platform/Linux/KeyringItems.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 
 #include <libsecret/secret.h>
@@ -58,7 +59,7 @@ private:
 
     SecretServiceKeychain::Patience m_patience;
     CallLimit& m_limit;
-    std::unique_ptr<GHashTable, GlibFree<g_hash_table_unref>> m_attributes;
+    KeyringAttributes m_attributes;
     GObjectOwned<GDBusConnection> m_bus;
     GObjectOwned<SecretService> m_service;
 };
