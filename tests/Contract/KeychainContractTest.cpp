@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Null/NullKeychain.h"
-#include "MossbankCore/Library/VaultKey.h"
 #include "tests/Contract/Contract.h"
-#include "tests/Desktop/TestKeyring.h"
+#include "tests/Desktop/KeyringTest.h"
 #include "tests/Fakes/FakeKeychain.h"
 
 #include <QTest>
@@ -16,9 +15,6 @@ using namespace mossbank::test;
 using Status = Keychain::Status;
 
 namespace {
-
-const QString kService = VaultKey::kService;
-const QString kAccount = VaultKey::kAccount;
 
 /// Every byte there is, and so no text.
 QByteArray everyByte()
@@ -38,17 +34,15 @@ bool isFailure(const Status& status)
 } // namespace
 
 /// What every keychain holds to.
-class KeychainContractTest final : public QObject {
+class KeychainContractTest final : public KeyringTest {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_desktop = std::make_unique<TestKeyring>();
-        QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
+        KeyringTest::init();
         m_fake = nullptr;
     }
-    void cleanup() { m_desktop.reset(); }
 
     void anEmptyOneFindsNothing_data() { kinds(); }
     void anEmptyOneFindsNothing()
@@ -133,7 +127,7 @@ private Q_SLOTS:
     {
         const auto keychain = make();
         QCOMPARE(keychain->add(kService, kAccount, "0123456789abcdef"), Status());
-        const QString message = failureOf([&] { VaultKey::load(*keychain, kService, kAccount); });
+        const QString message = refusalOf(*keychain);
         QVERIFY2(message.startsWith(u"The keychain's encryption key is the wrong size, "_s),
                  qPrintable(message));
         QCOMPARE(keychain->read(kService, kAccount).secret, QByteArray("0123456789abcdef"));
@@ -149,7 +143,7 @@ private Q_SLOTS:
         const Status added = keychain.add(kService, kAccount, "secret");
         QVERIFY(isFailure(added));
         QCOMPARE(added.reason, kReason);
-        QCOMPARE(failureOf([&] { VaultKey::load(keychain, kService, kAccount); }),
+        QCOMPARE(refusalOf(keychain),
                  u"The keychain would not give up the encryption key (1). "_s + kReason);
     }
 
@@ -176,10 +170,9 @@ private:
         if (m_fake)
             m_fake->isLocked = true;
         else
-            QVERIFY(m_desktop->lock());
+            QVERIFY(keyring().lock());
     }
 
-    std::unique_ptr<TestKeyring> m_desktop;
     FakeKeychain* m_fake = nullptr;
 };
 

@@ -4,9 +4,7 @@
 // somebody else at it.
 #include "Mossbank/Platform/Linux/KeyringTurn.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
-#include "MossbankCore/Library/VaultKey.h"
-#include "tests/Contract/Contract.h"
-#include "tests/Desktop/TestKeyring.h"
+#include "tests/Desktop/KeyringTest.h"
 #include "tests/Desktop/VirtualDesktop.h"
 
 #include <QElapsedTimer>
@@ -58,22 +56,15 @@ using Status = Keychain::Status;
 
 namespace {
 
-const QString kService = VaultKey::kService;
-const QString kAccount = VaultKey::kAccount;
 const QByteArray kSecret(SymmetricKey::kSize, 'k');
 
 constexpr SecretServiceKeychain::Patience kShort = {.service = std::chrono::milliseconds(700),
                                                     .user = std::chrono::milliseconds(700)};
 constexpr int kShortEnough = 5000;
 
-QString refusalOf(Keychain& keychain)
-{
-    return failureOf([&] { VaultKey::load(keychain, kService, kAccount); });
-}
-
 } // namespace
 
-class KeychainTest : public QObject {
+class KeychainTest : public KeyringTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -81,44 +72,44 @@ private Q_SLOTS:
     {
         beforeCreating = {};
         manglesSecrets = false;
+        KeyringTest::cleanup();
     }
 
     void theItemIsBytesWithALabelForThePerson()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         SecretServiceKeychain keychain;
         const SymmetricKey key = VaultKey::load(keychain, kService, kAccount);
-        QCOMPARE(desktop.secrets().size(), 1);
-        QCOMPARE(desktop.secrets().first(),
+        QCOMPARE(keyring().secrets().size(), 1);
+        QCOMPARE(keyring().secrets().first(),
                  QByteArray(reinterpret_cast<const char*>(key.bytes().data()), 32));
-        QCOMPARE(desktop.label(), u"Mossbank"_s);
+        QCOMPARE(keyring().label(), u"Mossbank"_s);
+        const QMap<QString, QString> attributes = {
+            {u"service"_s, u"local.burrow.desktop.images"_s},
+            {u"account"_s, u"library"_s},
+            {u"xdg:schema"_s, u"org.freedesktop.Secret.Generic"_s}};
+        QCOMPARE(keyring().attributes(), attributes);
     }
 
     void aTextThatSomebodyPutThereIsAKeyOfTheWrongSize()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
-        QVERIFY(desktop.put("a passphrase"));
+        QVERIFY(keyring().put("a passphrase"));
         SecretServiceKeychain keychain;
         QVERIFY(
             refusalOf(keychain).startsWith(u"The keychain's encryption key is the wrong size, "_s));
-        QCOMPARE(desktop.secrets(), QList<QByteArray>{"a passphrase"});
+        QCOMPARE(keyring().secrets(), QList<QByteArray>{"a passphrase"});
     }
 
     void severalKeysAreAFailureAndNoneIsTouched()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
-        QVERIFY(desktop.put(kSecret));
-        QVERIFY(desktop.put(QByteArray(32, 'l')));
+        QVERIFY(keyring().put(kSecret));
+        QVERIFY(keyring().put(QByteArray(32, 'l')));
         SecretServiceKeychain keychain;
         QCOMPARE(refusalOf(keychain),
                  u"The keychain would not give up the encryption key (3). There are several "
                  "encryption keys in the keyring."_s);
         QCOMPARE(keychain.add(kService, kAccount, kSecret).number,
                  int(SecretServiceKeychain::Ambiguous));
-        QCOMPARE(desktop.secrets().size(), 2);
+        QCOMPARE(keyring().secrets().size(), 2);
     }
 
     void aLockedKeyringIsToldAndNoSecondKeyIsMade_data()
@@ -133,16 +124,14 @@ private Q_SLOTS:
     {
         QFETCH(bool, hasKey);
         QFETCH(QString, reason);
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         if (hasKey)
-            QVERIFY(desktop.put(kSecret));
-        QVERIFY(desktop.lock());
+            QVERIFY(keyring().put(kSecret));
+        QVERIFY(keyring().lock());
         SecretServiceKeychain keychain;
         QCOMPARE(refusalOf(keychain),
                  u"The keychain would not give up the encryption key (2). "_s + reason);
         QCOMPARE(keychain.add(kService, kAccount, kSecret), (Status{2, reason}));
-        QCOMPARE(desktop.secrets().size(), hasKey ? 1 : 0);
+        QCOMPARE(keyring().secrets().size(), hasKey ? 1 : 0);
     }
 
     void theUserIsAskedToUnlockTheKeyring_data()
@@ -169,13 +158,11 @@ private Q_SLOTS:
         QFETCH(QString, message);
         VirtualDesktop screen;
         QVERIFY2(screen.problem().isEmpty(), qPrintable(screen.problem()));
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
-        QVERIFY(desktop.put(kSecret));
-        QVERIFY(desktop.lock());
+        QVERIFY(keyring().put(kSecret));
+        QVERIFY(keyring().lock());
         QVERIFY2(screen.start(u"/usr/libexec/gcr-prompter"_s, {}, u"gcr"_s),
                  qPrintable(screen.problem()));
-        QTRY_VERIFY(desktop.hasOwner("org.gnome.keyring.SystemPrompter"));
+        QTRY_VERIFY(keyring().hasOwner("org.gnome.keyring.SystemPrompter"));
 
         // A program of its own: libsecret keeps what it asked with for as long as a program lives.
         QProcess starter;
@@ -186,7 +173,7 @@ private Q_SLOTS:
             u"xdotool"_s);
         QVERIFY2(prompt.isSuccess, qPrintable(prompt.text));
         if (stops)
-            desktop.standStill();
+            keyring().standStill();
         if (!keys.isEmpty()) {
             // It takes the keyboard a moment after it shows.
             QTest::qWait(1000);
@@ -203,8 +190,7 @@ private Q_SLOTS:
 
     void withoutAKeyringServiceItSaysSo()
     {
-        TestKeyring desktop({.hasService = false, .hasDefault = false});
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        startKeyring({.hasService = false, .hasDefault = false});
         SecretServiceKeychain keychain;
         QCOMPARE(refusalOf(keychain), u"The keychain would not give up the encryption key (1). "
                                       "No keyring is running on this desktop."_s);
@@ -220,67 +206,58 @@ private Q_SLOTS:
     void withoutAKeyringForNewItemsItSaysSo()
     {
         QFETCH(bool, hasDefault);
-        TestKeyring desktop({.hasService = true, .hasDefault = hasDefault});
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        startKeyring({.hasService = true, .hasDefault = hasDefault});
         if (hasDefault)
-            QVERIFY(desktop.makeSessionTheDefault());
+            QVERIFY(keyring().makeSessionTheDefault());
         SecretServiceKeychain keychain;
         QCOMPARE(refusalOf(keychain),
                  u"The keychain would not keep the encryption key (1). There is no keyring yet; "
                  "your desktop's program for passwords can make one."_s);
-        QCOMPARE(desktop.secrets().size(), 0);
+        QCOMPARE(keyring().secrets().size(), 0);
     }
 
     void aKeyringThatStandsStillIsNotWaitedForLong()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         SecretServiceKeychain keychain(kShort);
-        desktop.standStill();
+        keyring().standStill();
         QElapsedTimer timer;
         timer.start();
         const Status read = keychain.read(kService, kAccount).status;
         const Status added = keychain.add(kService, kAccount, kSecret);
         const qint64 waited = timer.elapsed();
-        desktop.goOn();
+        keyring().goOn();
         const Status silent = {SecretServiceKeychain::Silent,
                                u"The keyring did not answer in time."_s};
         QCOMPARE(read, silent);
         QCOMPARE(added, silent);
         QVERIFY2(waited >= 1400 && waited < kShortEnough, qPrintable(QString::number(waited)));
-        QCOMPARE(desktop.secrets().size(), 0);
+        QCOMPARE(keyring().secrets().size(), 0);
     }
 
     void aBusThatStandsStillIsNotWaitedForLong()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         SecretServiceKeychain keychain(kShort);
-        desktop.busStandsStill();
+        keyring().busStandsStill();
         QElapsedTimer timer;
         timer.start();
         const Status read = keychain.read(kService, kAccount).status;
         const qint64 waited = timer.elapsed();
-        desktop.busGoesOn();
+        keyring().busGoesOn();
         QCOMPARE(read.number, int(SecretServiceKeychain::Silent));
         QVERIFY2(waited < kShortEnough, qPrintable(QString::number(waited)));
     }
 
     void aKeyringThatWasKilledIsToldAsMissing()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         SecretServiceKeychain keychain;
         QCOMPARE(keychain.read(kService, kAccount).status.number, Status::kNotFound);
-        desktop.killService();
+        keyring().killService();
         QCOMPARE(keychain.read(kService, kAccount).status.number,
                  int(SecretServiceKeychain::Unavailable));
     }
 
     void programsThatAddTakeTurns()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         const GObjectOwned<GDBusConnection> bus(
             g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
         const CallLimit limit(std::chrono::seconds(10));
@@ -291,18 +268,16 @@ private Q_SLOTS:
             status = keychain.add(kService, kAccount, QByteArray(32, 'o'));
         });
         QTest::qWait(300);
-        QCOMPARE(desktop.secrets().size(), 0);
-        QVERIFY(desktop.put(kSecret));
+        QCOMPARE(keyring().secrets().size(), 0);
+        QVERIFY(keyring().put(kSecret));
         turn.reset();
         other.join();
         QCOMPARE(status, Status{Status::kDuplicate});
-        QCOMPARE(desktop.secrets(), QList<QByteArray>{kSecret});
+        QCOMPARE(keyring().secrets(), QList<QByteArray>{kSecret});
     }
 
     void whoeverNeverEndsHisTurnIsNotWaitedForLong()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         const GObjectOwned<GDBusConnection> bus(
             g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
         const CallLimit limit(std::chrono::seconds(10));
@@ -313,19 +288,17 @@ private Q_SLOTS:
         QCOMPARE(keychain.add(kService, kAccount, kSecret).number,
                  int(SecretServiceKeychain::Silent));
         QVERIFY(timer.elapsed() < kShortEnough);
-        QCOMPARE(desktop.secrets().size(), 0);
+        QCOMPARE(keyring().secrets().size(), 0);
     }
 
     void ofTwoKeysMadeAtOnceTheOtherOneStays()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         SecretServiceKeychain keychain;
         beforeCreating = [&] {
-            QVERIFY(desktop.put(kSecret));
+            QVERIFY(keyring().put(kSecret));
         };
         QCOMPARE(keychain.add(kService, kAccount, QByteArray(32, 'o')), Status{Status::kDuplicate});
-        QCOMPARE(desktop.secrets(), QList<QByteArray>{kSecret});
+        QCOMPARE(keyring().secrets(), QList<QByteArray>{kSecret});
 
         // And so the vault goes on with it.
         const SymmetricKey key = VaultKey::load(keychain, kService, kAccount);
@@ -334,21 +307,17 @@ private Q_SLOTS:
 
     void aKeyringThatKeepsSomethingElseIsNotTrustedWithAKey()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         SecretServiceKeychain keychain;
         manglesSecrets = true;
         const QString refusal = refusalOf(keychain);
         manglesSecrets = false;
         QCOMPARE(refusal, u"The keychain would not keep the encryption key (5). The keyring does "
                           "not keep a key as it was given."_s);
-        QCOMPARE(desktop.secrets().size(), 0);
+        QCOMPARE(keyring().secrets().size(), 0);
     }
 
     void manyStartersEndUpOnOneKey()
     {
-        TestKeyring desktop;
-        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
         constexpr int kStarters = 8;
         constexpr int kRounds = 4;
         for (int round = 0; round < kRounds; ++round) {
@@ -365,7 +334,7 @@ private Q_SLOTS:
                 keys.insert(QByteArray::fromHex(starter->readAllStandardOutput().trimmed()));
             }
             QCOMPARE(keys.size(), 1);
-            QCOMPARE(desktop.secrets(account), keys.values());
+            QCOMPARE(keyring().secrets(account), keys.values());
         }
     }
 };
