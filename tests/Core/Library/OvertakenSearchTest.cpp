@@ -25,22 +25,19 @@ private:
         return m_store->candidates({.question = u"moss fern bark leaf root"_s, .limit = 200});
     }
 
+    static inline const QString kWords = u"mo fe ba le ro"_s;
+
     LibraryFolder m_folder;
     std::unique_ptr<HistoryStore> m_store;
-    qint64 m_wholeSearch = 0;
 };
 
 void OvertakenSearchTest::initTestCase()
 {
     m_store = std::make_unique<HistoryStore>(HistoryStore::Writing{.root = m_folder.root()});
     RawSql(m_folder.database())
-        .run(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 40000) "
+        .run(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 200000) "
              "INSERT INTO memories SELECT i, i, 'Editor', '', "
              "'moss fern bark leaf root stem seed ' || i, i || '.jpg', 1, '', '' FROM n"_s);
-    QElapsedTimer watch;
-    watch.start();
-    QCOMPARE(slowSearch().result().size(), 200);
-    m_wholeSearch = watch.elapsed();
 }
 
 void OvertakenSearchTest::aRunningSearchEndsSoon_data()
@@ -54,30 +51,33 @@ void OvertakenSearchTest::aRunningSearchEndsSoon_data()
 void OvertakenSearchTest::aRunningSearchEndsSoon()
 {
     QFETCH(int, kind);
-    // One that is not given up shows how long the queue would be held.
-    std::vector<QFuture<void>> searches;
-    for (int round = 0; round < 50; ++round) {
+    const auto begin = [&]() -> QFuture<void> {
         switch (kind) {
         case 0:
-            searches.emplace_back(slowSearch());
-            break;
+            return QFuture<void>(slowSearch());
         case 1:
-            searches.emplace_back(m_store->dayCounts({.query = u"mo fe ba le ro"_s}));
-            break;
+            return QFuture<void>(m_store->dayCounts({.query = kWords}));
         default:
-            searches.emplace_back(
-                m_store->fetch({.query = u"mo fe ba le ro"_s, .limit = 86'400, .withText = true}));
+            return QFuture<void>(
+                m_store->fetch({.query = kWords, .limit = 86'400, .withText = true}));
         }
-    }
-    QTest::qSleep(5);
+    };
     QElapsedTimer watch;
     watch.start();
-    for (QFuture<void>& search : searches)
+    begin().waitForFinished();
+    const qint64 whole = watch.elapsed();
+    // At several moments of it.
+    for (const qint64 part : {10, 4, 2}) {
+        QFuture<void> search = begin();
+        QTest::qSleep(static_cast<int>(whole / part));
+        watch.start();
         search.cancel();
-    m_store->memories({u"1"_s}).waitForFinished();
-    const qint64 until = watch.elapsed();
-    QVERIFY(searches.back().isCanceled());
-    QVERIFY2(until < std::max<qint64>(m_wholeSearch, 50), qPrintable(QString::number(until)));
+        m_store->memories({u"1"_s}).waitForFinished();
+        const qint64 until = watch.elapsed();
+        // On a busy machine everything takes its time; what is left of the search takes longer.
+        const qint64 most = std::max<qint64>(50, whole / 3);
+        QVERIFY2(until <= most, qPrintable(u"%1 ms of %2"_s.arg(until).arg(whole)));
+    }
 }
 
 void OvertakenSearchTest::aWaitingSearchIsNotBegun()
