@@ -17,6 +17,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -25,6 +26,8 @@ namespace {
 /// Done by somebody else just before an item is made.
 std::function<void()> beforeCreating;
 bool manglesSecrets = false;
+/// How many searches still find what is there.
+std::optional<int> truthfulSearches;
 
 } // namespace
 
@@ -40,6 +43,17 @@ extern "C" SecretItem* secret_item_create_sync(SecretCollection* collection,
     const auto original = reinterpret_cast<decltype(&secret_item_create_sync)>(
         ::dlsym(RTLD_NEXT, "secret_item_create_sync"));
     return original(collection, schema, attributes, label, value, flags, cancellable, error);
+}
+
+extern "C" GList* secret_service_search_sync(SecretService* service, const SecretSchema* schema,
+                                             GHashTable* attributes, SecretSearchFlags flags,
+                                             GCancellable* cancellable, GError** error)
+{
+    if (truthfulSearches && (*truthfulSearches)-- <= 0)
+        return nullptr;
+    const auto original = reinterpret_cast<decltype(&secret_service_search_sync)>(
+        ::dlsym(RTLD_NEXT, "secret_service_search_sync"));
+    return original(service, schema, attributes, flags, cancellable, error);
 }
 
 extern "C" SecretValue* secret_value_new(const gchar* secret, gssize length, const gchar* type)
@@ -72,6 +86,7 @@ private Q_SLOTS:
     {
         beforeCreating = {};
         manglesSecrets = false;
+        truthfulSearches.reset();
         KeyringTest::cleanup();
     }
 
@@ -132,6 +147,18 @@ private Q_SLOTS:
                  u"The keychain would not give up the encryption key (2). "_s + reason);
         QCOMPARE(keychain.add(kService, kAccount, kSecret), (Status{2, reason}));
         QCOMPARE(keyring().secrets().size(), hasKey ? 1 : 0);
+    }
+
+    void aKeyThatIsNoLongerToldIsNotTakenForNone()
+    {
+        QVERIFY(keyring().put(kSecret));
+        QVERIFY(keyring().lock());
+        SecretServiceKeychain keychain;
+        truthfulSearches = 1;
+        QCOMPARE(refusalOf(keychain), u"The keychain would not give up the encryption key (2). The "
+                                      "keyring is locked."_s);
+        truthfulSearches.reset();
+        QCOMPARE(keyring().secrets().size(), 1);
     }
 
     void theUserIsAskedToUnlockTheKeyring_data()

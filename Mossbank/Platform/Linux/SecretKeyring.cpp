@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/SecretKeyring.h"
 
+#include "MossbankCore/Library/SymmetricKey.h"
+
 #include <cstring>
 #include <utility>
 
@@ -146,7 +148,8 @@ SecretKeyring::Item SecretKeyring::item()
         GList only = {found.front().get(), nullptr, nullptr};
         unlock(&only);
         found = search();
-        if (!found.empty() && secret_item_get_locked(found.front().get()))
+        // The key was there a moment ago: where it is not told now, it is no less there.
+        if (found.empty() || secret_item_get_locked(found.front().get()))
             refuse(SecretServiceKeychain::Locked, u"The keyring is locked."_s);
     }
     if (found.size() > 1) {
@@ -234,7 +237,7 @@ Keychain::Status SecretKeyring::add(QByteArrayView given)
         }
         QByteArray kept = secret(found.front().get());
         const bool isKept = kept == given;
-        explicit_bzero(kept.data(), static_cast<std::size_t>(kept.size()));
+        wipe(kept);
         if (!isKept) {
             refuse(SecretServiceKeychain::Refused,
                    u"The keyring does not keep a key as it was given."_s);

@@ -37,7 +37,7 @@ auto answerOf(const SecretServiceKeychain::Patience& patience, const QString& se
             promise.set_value(Answer{refusal.status});
         }
     }).detach();
-    constexpr std::chrono::milliseconds kGlance(2);
+    constexpr std::chrono::milliseconds kGlance(50);
     while (answer.wait_for(kGlance) != std::future_status::ready) {
         if (limit->isOverdue())
             return Answer{SecretKeyring::outOfPatience(*limit)};
