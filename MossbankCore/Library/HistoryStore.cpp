@@ -34,6 +34,7 @@ Database openForWriting(const QString& root)
     try {
         Schema::prepare(*opened);
         Schema::upgrade(*opened);
+        Schema::makeIndexReadable(*opened);
     } catch (const StoreError&) {
         opened.reset();
         HistoryStore::tightenDatabasePermissions(root);
@@ -61,8 +62,8 @@ HistoryStore::HistoryStore(Writing options)
     , m_calendar(std::move(options.calendar))
     , m_db(openForWriting(m_root))
     , m_databaseFile(Files::identity(databasePath(m_root)))
-    // Some builds of SQLite have no such option. They work as well, at the price of a rebuilt
-    // index for every removal.
+    // Some builds of SQLite have no such option, and somebody may be in the way of setting it. All
+    // works as well, at the price of a rebuilt index for every removal.
     , m_purgesDeletedTerms(m_db.tryExecute(
           u"INSERT INTO memory_search(memory_search, rank) VALUES('secure-delete', 1)"_s))
     , m_schemaVersion(Schema::userVersion(m_db))
@@ -83,7 +84,6 @@ HistoryStore::HistoryStore(ReadingOnly options)
     , m_calendar(std::move(options.calendar))
     , m_mayWrite(false)
     , m_db(openForReading(m_root))
-    , m_databaseFile(Files::identity(databasePath(m_root)))
     , m_schemaVersion(Schema::userVersion(m_db))
     , m_queue(u"HistoryStore"_s)
 {

@@ -128,6 +128,19 @@ void Schema::upgrade(Database& database)
     }
 }
 
+void Schema::makeIndexReadable(Database& database)
+{
+    const bool isReadable =
+        database.tryExecute(u"SELECT 1 FROM memory_search WHERE memory_search MATCH 'a' LIMIT 1"_s);
+    if (isReadable || !database.errorMessage().startsWith(u"invalid fts5 file format"_s))
+        return;
+    // It is not even built anew as long as it does not say that it has the form known here.
+    database.transaction([&] {
+        database.execute(u"UPDATE memory_search_config SET v = 4 WHERE k = 'version';"
+                         "INSERT INTO memory_search(memory_search) VALUES('rebuild')"_s);
+    });
+}
+
 int Schema::userVersion(Database& database)
 {
     try {

@@ -29,6 +29,10 @@ public:
     /// no trace, and the next open tries again.
     static void upgrade(Database& database);
 
+    /// Builds the search index anew where a newer SQLite has left it in a form that this one does
+    /// not read, as those from 3.42 on do once they have taken words out of it. Throws StoreError.
+    static void makeIndexReadable(Database& database);
+
     /// The database's `user_version`, and 0 when it has none to tell. Never fails.
     static int userVersion(Database& database);
 
