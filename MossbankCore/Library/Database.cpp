@@ -126,14 +126,12 @@ bool Database::tryExecute(const QString& sql)
            SQLITE_OK;
 }
 
-void Database::transaction(const std::function<void()>& work, const QString& opening,
-                           const QString& closing)
+void Database::transaction(const std::function<void()>& work)
 {
     execute(u"BEGIN IMMEDIATE;"_s);
     try {
-        execute(opening);
         work();
-        execute(closing + u"COMMIT;"_s);
+        execute(u"COMMIT;"_s);
     } catch (...) {
         tryExecute(u"ROLLBACK"_s);
         throw;

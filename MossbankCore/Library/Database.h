@@ -67,10 +67,7 @@ public:
     bool tryExecute(const QString& sql);
 
     /// Does `work` within a transaction. When it throws, or the end fails, all of it is undone.
-    ///
-    /// `opening` and `closing` go into the transaction too; each may be several statements.
-    void transaction(const std::function<void()>& work, const QString& opening = {},
-                     const QString& closing = {});
+    void transaction(const std::function<void()>& work);
 
     Statement statement(const QString& sql);
 

@@ -142,8 +142,8 @@ public:
     /// Those of the first 500 of `ids` that there are, in the order of `ids`.
     QFuture<QList<Memory>> memories(QStringList ids);
 
-    /// The summary of the library, whatever its size at the same price. A screenshot counts for
-    /// the day that the quarter of an hour it was taken in begins in.
+    /// The summary of the library, at a price that grows with the hours recorded and not with the
+    /// screenshots. One counts for the day that the quarter of an hour it was taken in begins in.
     QFuture<LibraryStats> stats();
 
     /// The picture of that name, opened. Absent when it cannot be had, for whatever reason.
@@ -154,14 +154,14 @@ public:
     /// This and the two below take the pictures away first, so that a failure never leaves one
     /// that was said to be gone, and fail when the words may still be somewhere on the disk.
     QFuture<void> deleteMemory(QString id);
-    /// Removes every screenshot taken before `date`.
+    /// Removes every screenshot taken before `date`; none when that is no finite number.
     QFuture<void> prune(Date date);
     /// Removes every screenshot, and every file in the folders of pictures and markers.
     QFuture<void> deleteAll();
 
-    /// Settles what saves that were cut short have left: a picture without its row goes. Only
-    /// saves that began more than `grace` seconds before `now` count as cut short. The number of
-    /// pictures removed.
+    /// Settles what saves that were cut short have left: a picture without its row goes, and so do
+    /// vectors of screenshots that are no more. Only saves that began more than `grace` seconds
+    /// before `now` count as cut short. The number of pictures removed.
     QFuture<qsizetype> reconcile(double grace, Date now);
 
     /// Seals up to `limit` pictures that lie as plain JPEG, and takes away what earlier sealings
@@ -252,7 +252,7 @@ private:
 
     qsizetype sealNow(qsizetype limit);
     /// Whether a file among the pictures is what a sealing that was cut short has left: no save
-    /// owns up to it, so nothing else would ever take it away.
+    /// owns up to it, so it would stay until everything is removed.
     bool isLeftover(const QString& name);
     void addBytes(const QString& filename, qint64 growth, qint64 bytes);
 

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <cmath>
 #include <utility>
 
 namespace mossbank {
@@ -66,8 +67,11 @@ QFuture<void> HistoryStore::deleteMemory(QString id)
 
 QFuture<void> HistoryStore::prune(Date date)
 {
-    return m_queue.run(
-        [this, date] { remove(u"timestamp < ?"_s, {decimalText(date.secondsSince1970)}); });
+    return m_queue.run([this, date] {
+        // What is no number is written as a word, and SQLite has every number before every word.
+        if (std::isfinite(date.secondsSince1970))
+            remove(u"timestamp < ?"_s, {decimalText(date.secondsSince1970)});
+    });
 }
 
 QFuture<void> HistoryStore::deleteAll()
@@ -119,14 +123,16 @@ bool HistoryStore::removeRows(const QString& whereSQL, const QStringList& values
     sum.reset();
     const qsizetype removed = filenames.size();
     const Purge purge = purgeFor(m_purgesDeletedTerms, removed, total - removed);
-    const auto deleteRows = [&] {
+    m_owesEmptyLog = true;
+    m_db.transaction([&] {
+        m_db.execute(purge.opening);
         // The triggers see to the index, the summary and the vectors.
         Statement rows = m_db.statement(u"DELETE FROM memories WHERE "_s + whereSQL);
         rows.bind(values);
         rows.step();
-    };
-    m_owesEmptyLog = true;
-    m_db.transaction(deleteRows, purge.opening, purge.closing);
+        rows.reset();
+        m_db.execute(purge.closing);
+    });
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <limits>
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void anUnknownIdentityOpensNoTransaction();
     void aMissingPictureDoesNotKeepItsRow();
     void aRowStampedExactlyAtTheDateStays();
+    void aDateThatIsNoNumberRemovesNothing();
     void theWayWordsLeaveDependsOnHowManyGo_data();
     void theWayWordsLeaveDependsOnHowManyGo();
     void theLastRowsOfALibraryGo();
@@ -148,6 +150,17 @@ void RemovalTest::aRowStampedExactlyAtTheDateStays()
     QCOMPARE(rows(), 0);
 }
 
+void RemovalTest::aDateThatIsNoNumberRemovesNothing()
+{
+    fill(*m_folder, 2);
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
+    for (const double date : {std::numeric_limits<double>::quiet_NaN(), kInfinite, -kInfinite}) {
+        QCOMPARE(pruned(date), kNoFailure);
+        QCOMPARE(rows(), 2);
+    }
+    QVERIFY(QFile::exists(m_folder->images() + u"/1.jpg"_s));
+}
+
 void RemovalTest::theWayWordsLeaveDependsOnHowManyGo_data()
 {
     QTest::addColumn<int>("count");
@@ -216,6 +229,8 @@ void RemovalTest::aRefusedTransactionKeepsTheRows()
     other.run(u"BEGIN IMMEDIATE"_s);
     QCOMPARE(deleted(u"1"_s), u"database is locked"_s);
     QCOMPARE(rows(), 2);
+    // A picture that was said to go is gone all the same.
+    QVERIFY(!QFile::exists(m_folder->images() + u"/1.jpg"_s));
     other.run(u"ROLLBACK"_s);
     QCOMPARE(deleted(u"1"_s), kNoFailure);
     QCOMPARE(rows(), 1);
