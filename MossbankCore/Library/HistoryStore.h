@@ -241,6 +241,8 @@ private:
     void remove(const QString& whereSQL, const QStringList& values);
     /// Whether there were any. Their words may still be in the log afterwards.
     bool removeRows(const QString& whereSQL, const QStringList& values);
+    /// Within a transaction. `count`: how many there are.
+    void deleteRows(const QString& whereSQL, const QStringList& values, qsizetype count);
     void deleteAllNow();
     void removePictures(const QStringList& filenames) const;
     /// Empties the write-ahead log of what was removed, or throws and owes it to the next removal.

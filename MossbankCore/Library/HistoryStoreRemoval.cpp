@@ -126,14 +126,26 @@ bool HistoryStore::removeRows(const QString& whereSQL, const QStringList& values
     m_owesEmptyLog = true;
     m_db.transaction([&] {
         m_db.execute(purge.opening);
-        // The triggers see to the index, the summary and the vectors.
-        Statement rows = m_db.statement(u"DELETE FROM memories WHERE "_s + whereSQL);
-        rows.bind(values);
-        rows.step();
-        rows.reset();
+        deleteRows(whereSQL, values, removed);
         m_db.execute(purge.closing);
     });
     return true;
+}
+
+void HistoryStore::deleteRows(const QString& whereSQL, const QStringList& values, qsizetype count)
+{
+    // SQLite keeps in memory what a statement changes until that is done, so one for all could keep
+    // the whole database.
+    constexpr int kAtOnce = 200;
+    // The triggers see to the index, the summary and the vectors.
+    Statement rows = m_db.statement(
+        u"DELETE FROM memories WHERE rowid IN (SELECT rowid FROM memories WHERE %1 LIMIT %2)"_s.arg(
+            whereSQL, QString::number(kAtOnce)));
+    rows.bind(values);
+    for (qsizetype left = count; left > 0; left -= kAtOnce) {
+        rows.step();
+        rows.reset();
+    }
 }
 
 void HistoryStore::removePictures(const QStringList& filenames) const
