@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A process at work on a library is killed over and over: at random moments, and at each call in
-// turn with which it changes a file. MOSSBANK_CRASH_ROUNDS asks for more of it than usual,
-// MOSSBANK_SEED for a run as an earlier one.
+// turn with which it changes a file.
 #include "tests/Core/Library/Promises.h"
+#include "tests/Core/RandomRounds.h"
 
 #include <QProcess>
 
@@ -30,13 +30,6 @@ struct Said {
     QString failure;
     int last = 0;
 };
-
-int number(const char* variable, int otherwise)
-{
-    bool isNumber = false;
-    const int value = qEnvironmentVariableIntValue(variable, &isNumber);
-    return isNumber ? value : otherwise;
-}
 
 Said parse(const QByteArray& output)
 {
@@ -214,11 +207,8 @@ QString CrashTest::afterTheKill(const Said& said)
 
 void CrashTest::whatWasPromisedHoldsAfterEveryKill()
 {
-    const int rounds = number("MOSSBANK_CRASH_ROUNDS", kRounds);
-    const auto seed = static_cast<quint32>(
-        number("MOSSBANK_SEED", QRandomGenerator::global()->bounded(1, 1'000'000'000)));
-    qInfo("seed %u, %d rounds", seed, rounds);
-    m_random.seed(seed);
+    const int rounds = randomRounds(kRounds);
+    m_random.seed(randomSeed());
     qsizetype saved = 0;
     qsizetype removed = 0;
     for (int round = 0; round < rounds; ++round) {
@@ -228,8 +218,7 @@ void CrashTest::whatWasPromisedHoldsAfterEveryKill()
         }
         const Said said = workAndDie(round);
         const QString wrong = afterTheKill(said);
-        QVERIFY2(wrong.isEmpty(),
-                 qPrintable(u"seed %1, round %2: %3"_s.arg(seed).arg(round).arg(wrong)));
+        QVERIFY2(wrong.isEmpty(), qPrintable(u"round %1: %2"_s.arg(round).arg(wrong)));
         saved += said.saved.size();
         removed += said.removed.size();
     }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A database with its log, damaged in every way that comes to mind, and everything that a store
-// can be asked: no crash, no hang, and a sentence where it cannot be done. MOSSBANK_DAMAGE_ROUNDS
-// asks for more of it than usual, MOSSBANK_SEED for a run as an earlier one.
+// can be asked: no crash, no hang, and a sentence where it cannot be done.
 #include "tests/Core/Library/Promises.h"
+#include "tests/Core/RandomRounds.h"
 #include "tests/Fakes/BadDisk.h"
 
 #include <QElapsedTimer>
@@ -77,13 +77,6 @@ void fillPageWithNoise(QByteArray& bytes)
     for (char& byte : noise)
         byte = static_cast<char>(g_random.bounded(256));
     putPage(bytes, noise);
-}
-
-int number(const char* variable, int otherwise)
-{
-    bool isNumber = false;
-    const int value = qEnvironmentVariableIntValue(variable, &isNumber);
-    return isNumber ? value : otherwise;
 }
 
 /// Asks for everything that changes nothing. The number of refusals; -1 for one without words.
@@ -173,9 +166,7 @@ void DamagedDatabaseTest::initTestCase()
     m_log = contents(folder.database() + u"-wal"_s);
     QVERIFY(m_database.size() > 4 * kPage);
     QVERIFY(m_log.size() > 4 * kPage);
-    m_seed = static_cast<quint32>(
-        number("MOSSBANK_SEED", QRandomGenerator::global()->bounded(1, 1'000'000'000)));
-    qInfo("seed %u", m_seed);
+    m_seed = randomSeed();
 }
 
 void DamagedDatabaseTest::whateverIsAskedOfADamagedDatabaseIsAnsweredOrRefused_data()
@@ -194,10 +185,10 @@ void DamagedDatabaseTest::whateverIsAskedOfADamagedDatabaseIsAnsweredOrRefused()
     QFETCH(Damage, damage);
     g_random.seed(m_seed);
     constexpr int kKinds = 6;
-    const int rounds = number("MOSSBANK_DAMAGE_ROUNDS", kRounds) / kKinds;
+    const int rounds = randomRounds(kRounds) / kKinds;
     int refused = 0;
     for (int round = 0; round < rounds; ++round) {
-        const QByteArray where = u"seed %1, round %2"_s.arg(m_seed).arg(round).toLatin1();
+        const QByteArray where = u"round %1"_s.arg(round).toLatin1();
         const LibraryFolder folder;
         QVERIFY(QDir().mkpath(folder.images()));
         QByteArray database = m_database;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/Core/Library/LibraryTesting.h"
 #include "tests/Core/Library/RawSql.h"
+#include "tests/Core/RandomRounds.h"
 
 #include <QRandomGenerator>
 
@@ -88,9 +89,8 @@ private Q_SLOTS:
         sql.run(u"CREATE VIRTUAL TABLE s USING fts5(text, tokenize='unicode61')"_s);
         const QString parts =
             u"\"'*()[]{}:-+^,;%?\\ \n\t\u0000\u200d\u0301\ufeffiıİIab12½²漢字ß🌿"_s;
-        const auto seed = QRandomGenerator::global()->generate();
-        QRandomGenerator random(seed);
-        for (int round = 0; round < 5000; ++round) {
+        QRandomGenerator random(randomSeed());
+        for (int rounds = randomRounds(5000); rounds > 0; --rounds) {
             QString question;
             for (int length = random.bounded(40); length > 0; --length)
                 question += parts.at(random.bounded(static_cast<int>(parts.size())));
@@ -100,8 +100,7 @@ private Q_SLOTS:
             try {
                 sql.rows(u"SELECT rowid FROM s WHERE s MATCH ?"_s, {*expression});
             } catch (const std::runtime_error& error) {
-                QFAIL(qPrintable(u"seed %1: %2: %3"_s.arg(QString::number(seed), *expression,
-                                                          QString::fromUtf8(error.what()))));
+                QFAIL(qPrintable(u"%1: %2"_s.arg(*expression, QString::fromUtf8(error.what()))));
             }
         }
     }

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Whatever lies in the folder of pictures, opening it gives the picture, the bytes as they are, or
-// nothing. Longer by hand:
-//
-//   MOSSBANK_FUZZ_ROUNDS=5000000 VaultFuzzTest
-//
-// and with MOSSBANK_FUZZ_SEED the run that failed once more.
+// nothing.
 #include "MossbankCore/Library/ImageVault.h"
+#include "tests/Core/RandomRounds.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -19,13 +16,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kRounds = 20'000;
-
-int fromEnvironment(const char* name, int otherwise)
-{
-    bool isNumber = false;
-    const int number = qEnvironmentVariableIntValue(name, &isNumber);
-    return isNumber ? number : otherwise;
-}
 
 /// `opened` of bytes that end where their memory does, so that a look beyond is seen by the
 /// sanitizers. What it hands back is a copy.
@@ -47,11 +37,8 @@ class VaultFuzzTest : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        const int seed = fromEnvironment(
-            "MOSSBANK_FUZZ_SEED", static_cast<int>(QRandomGenerator::global()->generate() >> 1));
-        m_rounds = fromEnvironment("MOSSBANK_FUZZ_ROUNDS", kRounds);
-        m_random.seed(static_cast<quint32>(seed));
-        qInfo("MOSSBANK_FUZZ_SEED=%d, %d rounds", seed, m_rounds);
+        m_rounds = randomRounds(kRounds);
+        m_random.seed(randomSeed());
     }
 
     void anyBytesOpenToThemselvesOrToNothing()

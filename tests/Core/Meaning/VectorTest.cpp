@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Meaning/Vector.h"
 
+#include "tests/Core/RandomRounds.h"
+
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -123,8 +125,8 @@ private Q_SLOTS:
 
     void anyBytesAreReadOrRefused()
     {
-        QRandomGenerator random(11);
-        for (int round = 0; round < 20'000; ++round) {
+        QRandomGenerator random(randomSeed());
+        for (int rounds = randomRounds(20'000); rounds > 0; --rounds) {
             QByteArray bytes(random.bounded(64), Qt::Uninitialized);
             for (char& byte : bytes)
                 byte = static_cast<char>(random.bounded(256));
