@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kRows = 1200;
+constexpr int kRows = 800;
 constexpr int kLettersEach = 12'000;
 
 /// Puts rows into a library that are more than SQLite keeps in memory of its own accord, in every
@@ -19,7 +19,7 @@ void fillAmply(RawSql& sql, const QString& columns)
 {
     sql.run(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
             "INSERT INTO memories (%2) SELECT 'id' || i, i * 7919 % 1000003, "
-            "hex(zeroblob(900)) || (i * 31 % 3), 'org.example', 'moss ' || hex(randomblob(%3)), "
+            "hex(zeroblob(1500)) || (i * 31 % 3), 'org.example', 'moss ' || hex(randomblob(%3)), "
             "i || '.jpg', 1 FROM n"_s.arg(QString::number(kRows), columns,
                                           QString::number(kLettersEach / 2)));
 }
@@ -52,13 +52,24 @@ private:
         return BadDisk::calls();
     }
 
+    bool putCopy(const LibraryFolder& folder) const
+    {
+        return QDir().mkpath(folder.root()) &&
+               QFile::copy(m_template.database(), folder.database());
+    }
+
     QTemporaryDir m_elsewhere;
+    /// With rows, and closed.
+    LibraryFolder m_template;
 };
 
 void WordsElsewhereTest::initTestCase()
 {
     // SQLite asks for it once, before all else.
     QVERIFY(qputenv("SQLITE_TMPDIR", m_elsewhere.path().toLocal8Bit()));
+    HistoryStore store(HistoryStore::Writing{.root = m_template.root()});
+    RawSql raw(m_template.database());
+    fillAmply(raw, kColumns);
 }
 
 void WordsElsewhereTest::sqliteByItselfWritesElsewhere_data()
@@ -72,9 +83,8 @@ void WordsElsewhereTest::sqliteByItselfWritesElsewhere()
 {
     QFETCH(QString, sql);
     const LibraryFolder folder;
-    HistoryStore store(HistoryStore::Writing{.root = folder.root()});
+    QVERIFY(putCopy(folder));
     RawSql raw(folder.database());
-    fillAmply(raw, kColumns);
     QVERIFY(callsElsewhere([&] { raw.run(sql); }) > 0);
 }
 
@@ -114,7 +124,7 @@ void WordsElsewhereTest::nothingIsWrittenElsewhere_data()
         QCOMPARE(store.withoutEmbedding(u"m"_s, kRows).result().size(), kRows);
     });
     row("removing one",
-        [](HistoryStore& store) { store.deleteMemory(u"id600"_s).waitForFinished(); });
+        [](HistoryStore& store) { store.deleteMemory(u"id400"_s).waitForFinished(); });
     row("removing a half", [](HistoryStore& store) { store.prune({500'000}).waitForFinished(); });
     row("removing all", [](HistoryStore& store) { store.deleteAll().waitForFinished(); });
 }
@@ -124,11 +134,8 @@ void WordsElsewhereTest::nothingIsWrittenElsewhere()
     QFETCH(std::function<void(HistoryStore&)>, act);
     QFETCH(bool, isReader);
     const LibraryFolder folder;
+    QVERIFY(putCopy(folder));
     HistoryStore writer(HistoryStore::Writing{.root = folder.root()});
-    {
-        RawSql raw(folder.database());
-        fillAmply(raw, kColumns);
-    }
     HistoryStore reader(HistoryStore::ReadingOnly{.root = folder.root()});
     QCOMPARE(callsElsewhere([&] { act(isReader ? reader : writer); }), 0);
 }
