@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QList>
+#include <QRect>
+
+namespace mossbank {
+
+/// `lines` in the order in which a person reads them: columns from left to right where a clear
+/// gap parts them from top to bottom, within a column from the top.
+QList<QRect> inReadingOrder(QList<QRect> lines);
+
+} // namespace mossbank

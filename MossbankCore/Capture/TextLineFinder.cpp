@@ -1,0 +1,316 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/TextLineFinder.h"
+
+#include "MossbankCore/Capture/ColourSteps.h"
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace mossbank {
+
+namespace {
+
+/// The widest gap within a piece of a line, in pixels: that between two words of small text.
+constexpr int kGapWithinPiece = 10;
+/// What is lower is no letter: a dot, an accent, part of a line drawn.
+constexpr int kLowestLetter = 6;
+constexpr int kHighestLine = 120;
+
+/// A rectangle by its corners, the right and the lower end left out.
+struct Box {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+
+    int width() const { return right - left; }
+    int height() const { return bottom - top; }
+    double area() const { return static_cast<double>(width()) * height(); }
+    void include(const Box& other)
+    {
+        left = std::min(left, other.left);
+        top = std::min(top, other.top);
+        right = std::max(right, other.right);
+        bottom = std::max(bottom, other.bottom);
+    }
+};
+
+int overlap(int start, int end, int otherStart, int otherEnd)
+{
+    return std::min(end, otherEnd) - std::max(start, otherStart);
+}
+
+/// Sets of numbers that grow together.
+class DisjointSets {
+public:
+    int add()
+    {
+        m_parents.push_back(static_cast<int>(m_parents.size()));
+        return m_parents.back();
+    }
+    int find(int member)
+    {
+        while (parent(member) != member) {
+            parent(member) = parent(parent(member));
+            member = parent(member);
+        }
+        return member;
+    }
+    void unite(int one, int other) { parent(find(one)) = find(other); }
+    int size() const { return static_cast<int>(m_parents.size()); }
+
+private:
+    int& parent(int member) { return m_parents[static_cast<std::size_t>(member)]; }
+
+    std::vector<int> m_parents;
+};
+
+struct Run {
+    int left = 0;
+    int right = 0;
+    int set = 0;
+};
+
+/// The stretches of a row with steps no further apart than a word is from the next.
+std::vector<Run> runsOf(const ColourSteps& steps, int y)
+{
+    std::vector<Run> runs;
+    int last = -1;
+    for (int x = 0; x < steps.width(); ++x) {
+        if (!steps.at(x, y))
+            continue;
+        if (runs.empty() || x - last > kGapWithinPiece)
+            runs.push_back({.left = x});
+        last = x;
+        // The pixel behind the step is the letter's, too.
+        runs.back().right = x + 2;
+    }
+    return runs;
+}
+
+/// The pieces: runs that touch from row to row.
+std::vector<Box> piecesOf(const ColourSteps& steps)
+{
+    DisjointSets sets;
+    std::vector<Box> boxes; // by set, grown at its first member
+    std::vector<Run> above;
+    std::vector<std::pair<int, Box>> members;
+    for (int y = 0; y < steps.height(); ++y) {
+        std::vector<Run> runs = runsOf(steps, y);
+        auto first = above.begin();
+        for (Run& run : runs) {
+            run.set = sets.add();
+            members.emplace_back(run.set, Box{run.left, y, run.right, y + 1});
+            while (first != above.end() && first->right < run.left)
+                ++first;
+            for (auto touching = first; touching != above.end() && touching->left <= run.right;
+                 ++touching)
+                sets.unite(touching->set, run.set);
+        }
+        above = std::move(runs);
+    }
+    std::vector<int> places(static_cast<std::size_t>(sets.size()), -1);
+    for (const auto& [set, box] : members) {
+        int& place = places[static_cast<std::size_t>(sets.find(set))];
+        if (place < 0) {
+            place = static_cast<int>(boxes.size());
+            boxes.push_back(box);
+        } else {
+            boxes[static_cast<std::size_t>(place)].include(box);
+        }
+    }
+    return boxes;
+}
+
+/// `box` without the empty rows and columns around what it holds. Nothing when it holds nothing.
+Box tightened(const ColourSteps& steps, Box box)
+{
+    const auto isEmpty = [&](int y) {
+        return steps.count(y, box.left, box.right) == 0;
+    };
+    while (box.top < box.bottom && isEmpty(box.top))
+        ++box.top;
+    while (box.bottom > box.top && isEmpty(box.bottom - 1))
+        --box.bottom;
+    Box tight = {box.right, box.top, box.left, box.bottom};
+    for (int y = box.top; y < box.bottom; ++y) {
+        for (int x = box.left; x < std::min(box.right, steps.width()); ++x) {
+            if (!steps.at(x, y))
+                continue;
+            tight.left = std::min(tight.left, x);
+            tight.right = std::max(tight.right, x + 2);
+        }
+    }
+    return tight;
+}
+
+/// Parts a piece in which several lines touch: descenders of one and ascenders of the next leave
+/// rows with few steps between rows with many.
+void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& lines)
+{
+    constexpr int kLowestPair = 14;
+    constexpr int kReach = 12;
+    constexpr double kFew = 0.14;
+    constexpr int kLowestBand = 5;
+    if (piece.height() < kLowestPair) {
+        lines.push_back(piece);
+        return;
+    }
+    std::vector<int> counts;
+    for (int y = piece.top; y < piece.bottom; ++y)
+        counts.push_back(steps.count(y, piece.left, piece.right));
+    const int rows = piece.height();
+    const auto isWithinLine = [&](int row) {
+        const auto from = counts.begin() + std::max(0, row - kReach);
+        const auto to = counts.begin() + std::min(rows, row + kReach + 1);
+        const int most = *std::max_element(from, to);
+        const int here = counts[static_cast<std::size_t>(row)];
+        return here > 0 && here > kFew * most;
+    };
+    std::vector<std::pair<int, int>> bands;
+    for (int row = 0; row < rows; ++row) {
+        if (!isWithinLine(row))
+            continue;
+        const int start = row;
+        while (row < rows && isWithinLine(row))
+            ++row;
+        // A lower one is the dots of a line, and goes with it.
+        if (row - start >= kLowestBand)
+            bands.emplace_back(start, row);
+    }
+    if (bands.size() < 2) {
+        lines.push_back(piece);
+        return;
+    }
+    for (std::size_t band = 0; band < bands.size(); ++band) {
+        const int start = band == 0 ? 0 : (bands[band - 1].second + bands[band].first) / 2;
+        const int end =
+            band + 1 == bands.size() ? rows : (bands[band].second + bands[band + 1].first) / 2;
+        const Box line =
+            tightened(steps, {piece.left, piece.top + start, piece.right, piece.top + end});
+        if (line.width() > 0)
+            lines.push_back(line);
+    }
+}
+
+/// Whether two pieces stand on one line, the second to the right of the first or within it.
+bool isOneLine(const Box& one, const Box& other)
+{
+    constexpr double kWordGap = 1.1; // of the height: a space of a monospaced font
+    constexpr double kCommon = 0.5;
+    constexpr double kHigher = 2.6;
+    constexpr double kSpread = 1.7;
+    const int higher = std::max(one.height(), other.height());
+    const int lower = std::min(one.height(), other.height());
+    const int spread = std::max(one.bottom, other.bottom) - std::min(one.top, other.top);
+    return other.left - one.right <= kWordGap * higher + 2 &&
+           overlap(one.top, one.bottom, other.top, other.bottom) >= kCommon * lower &&
+           higher <= kHigher * lower && spread <= kSpread * higher;
+}
+
+/// Joins what stands on one line, until nothing more does.
+void joinLines(std::vector<Box>& lines)
+{
+    constexpr int kFurthest = 200; // beyond which no gap between words is
+    bool hasJoined = true;
+    while (hasJoined) {
+        hasJoined = false;
+        std::ranges::sort(lines, {}, &Box::left);
+        std::vector<bool> isGone(lines.size(), false);
+        for (std::size_t first = 0; first < lines.size(); ++first) {
+            for (std::size_t second = first + 1; !isGone[first] && second < lines.size();
+                 ++second) {
+                if (lines[second].left - lines[first].right > kFurthest)
+                    break;
+                if (isGone[second] || !isOneLine(lines[first], lines[second]))
+                    continue;
+                lines[first].include(lines[second]);
+                isGone[second] = true;
+                hasJoined = true;
+            }
+        }
+        std::size_t place = 0;
+        std::erase_if(lines, [&](const Box&) { return isGone[place++]; });
+    }
+}
+
+/// Gives dots and accents to the line that they stand over or under.
+void addMarks(const std::vector<Box>& marks, std::vector<Box>& lines)
+{
+    for (const Box& mark : marks) {
+        Box* nearest = nullptr;
+        int least = kHighestLine;
+        for (Box& line : lines) {
+            constexpr int kBehind = 6; // a full stop after the last letter
+            const int away = std::max(0, -overlap(mark.top, mark.bottom, line.top, line.bottom));
+            const bool isBeside = mark.right < line.left - 2 || mark.left > line.right + kBehind;
+            const bool isTooWide =
+                mark.width() >= line.width() + kGapWithinPiece || mark.width() >= 6 * line.height();
+            if (isBeside || isTooWide || away > std::max(3, line.height() / 3) || away >= least)
+                continue;
+            nearest = &line;
+            least = away;
+        }
+        if (!nearest)
+            continue;
+        nearest->top = std::min(nearest->top, mark.top);
+        nearest->bottom = std::max(nearest->bottom, mark.bottom);
+        nearest->right = std::max(nearest->right, mark.right);
+    }
+}
+
+/// Takes pieces that lie within a larger line into it: the upper half of a capital.
+void joinNested(std::vector<Box>& lines)
+{
+    constexpr double kWithin = 0.7;
+    std::ranges::sort(lines, std::greater(), &Box::area);
+    std::vector<Box> kept;
+    for (const Box& line : lines) {
+        const auto holds = [&](const Box& larger) {
+            const int wide = overlap(line.left, line.right, larger.left, larger.right);
+            const int high = overlap(line.top, line.bottom, larger.top, larger.bottom);
+            return wide > 0 && high > 0 &&
+                   static_cast<double>(wide) * high >= kWithin * line.area() &&
+                   larger.height() < 3 * line.height() + 6;
+        };
+        if (const auto larger = std::ranges::find_if(kept, holds); larger != kept.end())
+            larger->include(line);
+        else
+            kept.push_back(line);
+    }
+    lines = std::move(kept);
+}
+
+bool mayBeText(const Box& box)
+{
+    return box.height() <= kHighestLine && box.width() >= 4 && box.height() <= 3 * box.width();
+}
+
+} // namespace
+
+QList<QRect> TextLineFinder::find(const QImage& picture)
+{
+    if (picture.format() != QImage::Format_RGB32 && picture.format() != QImage::Format_ARGB32)
+        return {};
+    const ColourSteps steps(picture);
+    std::vector<Box> lines;
+    for (const Box& piece : piecesOf(steps))
+        addLinesOf(steps, piece, lines);
+    const auto marks =
+        std::ranges::partition(lines, [](const Box& box) { return box.height() >= kLowestLetter; });
+    const std::vector<Box> low(marks.begin(), marks.end());
+    lines.erase(marks.begin(), marks.end());
+    joinLines(lines);
+    addMarks(low, lines);
+    joinNested(lines);
+    QList<QRect> found;
+    for (const Box& line : lines) {
+        if (mayBeText(line))
+            found.append(QRect(line.left, line.top,
+                               std::min(line.right, picture.width()) - line.left, line.height()));
+    }
+    return found;
+}
+
+} // namespace mossbank
