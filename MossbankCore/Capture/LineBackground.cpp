@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/LineBackground.h"
+
+#include "MossbankCore/Capture/ColourSteps.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+/// Colours no further apart than this are one background.
+constexpr int kSame = 20;
+
+/// A colour without its lowest bits, so that a dithered or graded background is one.
+unsigned coarse(QRgb colour)
+{
+    constexpr int kDropped = 3;
+    constexpr int kKept = 8 - kDropped;
+    return static_cast<unsigned>(qRed(colour) >> kDropped << 2 * kKept |
+                                 qGreen(colour) >> kDropped << kKept | qBlue(colour) >> kDropped);
+}
+
+/// The colour that most of an area has: of a line of text, its background.
+QRgb commonest(const QImage& picture, const QRect& area)
+{
+    std::vector<std::pair<unsigned, QRgb>> colours;
+    colours.reserve(static_cast<std::size_t>(area.width()) *
+                    static_cast<std::size_t>(area.height()));
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const QRgb* const row = pixelsOf(picture, y);
+        for (int x = area.left(); x <= area.right(); ++x)
+            colours.emplace_back(coarse(row[x]), row[x]);
+    }
+    std::ranges::sort(colours);
+    auto best = colours.begin();
+    std::ptrdiff_t most = 0;
+    for (auto start = colours.begin(); start != colours.end();) {
+        const auto end = std::find_if(
+            start, colours.end(), [&](const auto& colour) { return colour.first != start->first; });
+        if (end - start > most) {
+            most = end - start;
+            best = start;
+        }
+        start = end;
+    }
+    // Of those that are one but for the lowest bits, the middle one.
+    return most == 0 ? 0 : (best + most / 2)->second;
+}
+
+/// The part of an area that has about this colour, 0 to 1.
+double share(const QImage& picture, const QRect& area, QRgb colour)
+{
+    qsizetype count = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const QRgb* const row = pixelsOf(picture, y);
+        for (int x = area.left(); x <= area.right(); ++x)
+            count += distance(row[x], colour) <= kSame;
+    }
+    return static_cast<double>(count) / (static_cast<double>(area.width()) * area.height());
+}
+
+QRect column(const QRect& area, int from, int to)
+{
+    return {from, area.top(), to - from, area.height()};
+}
+
+/// Gives to its neighbour what is too narrow to hold a letter, and joins what turns out to be on
+/// the same background.
+QList<LinePart> withoutSlivers(const QList<LinePart>& parts)
+{
+    QList<LinePart> kept;
+    for (const LinePart& part : parts) {
+        const bool isSliver = part.area.width() * 10 < part.area.height() * 7;
+        if (kept.isEmpty()) {
+            if (!isSliver || parts.size() == 1)
+                kept.append(part);
+        } else if (isSliver || distance(kept.last().background, part.background) <= kSame) {
+            kept.last().area.setRight(part.area.right());
+        } else {
+            kept.append(part);
+        }
+    }
+    return kept.isEmpty() ? parts.first(1) : kept;
+}
+
+} // namespace
+
+QList<LinePart> partsOf(const QImage& picture, const QRect& area)
+{
+    // As long as the background makes up so much of what is looked at, it is still the same; in
+    // bold letters it is less than half.
+    constexpr double kStill = 0.25;
+    constexpr double kNew = 0.4;
+    const int window = std::max(12, area.height() * 5 / 4);
+    const int step = std::max(2, area.height() / 6);
+    const int left = area.left();
+    const int end = area.left() + area.width();
+    QList<LinePart> parts;
+    QRgb current = commonest(picture, column(area, left, std::min(end, left + 2 * window)));
+    int start = left;
+    for (int x = left; x < end; x += step) {
+        const int to = std::min(end, std::max(left, x - window / 2) + window);
+        const QRect around = column(area, std::max(left, to - window), to);
+        if (share(picture, around, current) >= kStill)
+            continue;
+        const QRgb other = commonest(picture, around);
+        if (distance(other, current) <= kSame || share(picture, around, other) < kNew)
+            continue;
+        // A quarter of the window is the former background's still.
+        const int border = std::clamp(x - window / 4, start, end);
+        if (border > start)
+            parts.append({column(area, start, border), current});
+        start = border;
+        current = other;
+    }
+    parts.append({column(area, start, end), current});
+    return withoutSlivers(parts);
+}
+
+std::vector<QRgb> backgroundsOf(const QImage& picture, const LinePart& part, int left, int right)
+{
+    // Further apart than a gradient is from one window to the next.
+    constexpr int kJump = 14;
+    const int window = std::max(24, 3 * part.area.height());
+    const int step = window / 2;
+    std::vector<std::pair<int, QRgb>> points;
+    for (int at = left; at < right + step; at += step) {
+        const int middle = std::min(at, right - 1);
+        const int from = std::clamp(middle - window / 2, left, right);
+        const int to = std::clamp(middle + window / 2, left, right);
+        const QRgb before = points.empty() ? part.background : points.back().second;
+        const QRgb found = to > from ? commonest(picture, column(part.area, from, to)) : before;
+        points.emplace_back(middle, distance(found, before) > kJump ? before : found);
+    }
+    std::vector<QRgb> backgrounds;
+    std::size_t point = 0;
+    for (int x = left; x < right; ++x) {
+        while (point + 2 < points.size() && points[point + 1].first < x)
+            ++point;
+        const auto& [from, before] = points[point];
+        const auto& [to, after] = points[std::min(point + 1, points.size() - 1)];
+        const double progress =
+            to > from ? std::clamp(static_cast<double>(x - from) / (to - from), 0.0, 1.0) : 0.0;
+        const auto between = [&](int one, int other) {
+            return static_cast<int>(one + (other - one) * progress + 0.5);
+        };
+        backgrounds.push_back(qRgb(between(qRed(before), qRed(after)),
+                                   between(qGreen(before), qGreen(after)),
+                                   between(qBlue(before), qBlue(after))));
+    }
+    return backgrounds;
+}
+
+} // namespace mossbank

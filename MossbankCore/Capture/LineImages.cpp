@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/LineImages.h"
+
+#include "MossbankCore/Capture/ColourSteps.h"
+#include "MossbankCore/Capture/LineBackground.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace mossbank {
+
+namespace {
+
+/// What is no further from the background is none of the letters'.
+constexpr int kInk = 14;
+/// What is at least so far is one for sure.
+constexpr int kFullInk = 28;
+/// The least contrast that is stretched to black; fainter is a shadow.
+constexpr int kFaintest = 40;
+constexpr int kLowestLetter = 5;
+
+/// How far each pixel of a part of a line, and of what is just around it, is from its background.
+class Ink {
+public:
+    Ink(const QImage& picture, const LinePart& part, const QRect& around)
+        : m_around(around)
+        , m_part(part.area.translated(-around.topLeft()))
+        , m_values(static_cast<std::size_t>(around.width()) *
+                   static_cast<std::size_t>(around.height()))
+    {
+        const std::vector<QRgb> backgrounds =
+            backgroundsOf(picture, part, around.left(), around.left() + around.width());
+        for (int y = 0; y < height(); ++y) {
+            const QRgb* const row = pixelsOf(picture, around.top() + y) + around.left();
+            for (int x = 0; x < width(); ++x)
+                at(x, y) = distance(row[x], backgrounds[static_cast<std::size_t>(x)]);
+        }
+        m_walls.assign(static_cast<std::size_t>(width()), false);
+    }
+
+    int width() const { return m_around.width(); }
+    int height() const { return m_around.height(); }
+    int& at(int x, int y)
+    {
+        return m_values[static_cast<std::size_t>(y) * static_cast<std::size_t>(width()) +
+                        static_cast<std::size_t>(x)];
+    }
+    int at(int x, int y) const { return const_cast<Ink*>(this)->at(x, y); }
+    bool isWall(int x) const { return m_walls[static_cast<std::size_t>(x)]; }
+
+    /// Removes lone vertical strokes from top to bottom of the line, and remembers where they
+    /// were: borders of cells, which a recogniser would take for letters.
+    void removeWalls()
+    {
+        constexpr int kThickest = 2;
+        for (int x = 0; x < width(); ++x) {
+            int end = x;
+            while (end < width() && inkInColumn(end) == m_part.height())
+                ++end;
+            const int thickness = end - x;
+            if (thickness > 0 && thickness <= kThickest && isEmpty(x - 2) && isEmpty(end + 1)) {
+                for (int column = x; column < end; ++column) {
+                    m_walls[static_cast<std::size_t>(column)] = true;
+                    for (int y = 0; y < height(); ++y)
+                        at(column, y) = 0;
+                }
+            }
+            x = std::max(x, end);
+        }
+    }
+
+    /// Removes what belongs to lines above and below.
+    void removeOthers(const QList<QRect>& lines)
+    {
+        const QRect part = m_part.translated(m_around.topLeft());
+        for (const QRect& other : lines) {
+            const QRect common = other & m_around;
+            const bool isAbove = other.bottom() + 1 <= part.top() + part.height() / 3;
+            const bool isBelow = other.top() >= part.top() + part.height() - part.height() / 3;
+            if (common.isEmpty() || (!isAbove && !isBelow))
+                continue;
+            for (int y = common.top(); y <= common.bottom(); ++y) {
+                if ((isAbove && y >= part.top()) || (isBelow && y <= part.bottom()))
+                    continue;
+                for (int x = common.left(); x <= common.right(); ++x)
+                    at(x - m_around.left(), y - m_around.top()) = 0;
+            }
+        }
+    }
+
+    /// Removes what touches the border: around a line is room enough for all of its letters, so it
+    /// is an edge of a button, the corner of a badge, the end of something else.
+    void removeWhatTouchesTheBorder()
+    {
+        std::vector<QPoint> left;
+        const auto take = [&](int x, int y) {
+            if (x < 0 || y < 0 || x >= width() || y >= height() || at(x, y) <= kInk)
+                return;
+            at(x, y) = 0;
+            left.emplace_back(x, y);
+        };
+        for (int x = 0; x < width(); ++x) {
+            take(x, 0);
+            take(x, height() - 1);
+        }
+        for (int y = 0; y < height(); ++y) {
+            take(0, y);
+            take(width() - 1, y);
+        }
+        while (!left.empty()) {
+            const QPoint point = left.back();
+            left.pop_back();
+            for (int y = point.y() - 1; y <= point.y() + 1; ++y) {
+                for (int x = point.x() - 1; x <= point.x() + 1; ++x)
+                    take(x, y);
+            }
+        }
+    }
+
+    bool hasLetters(int x) const
+    {
+        for (int y = 0; y < height(); ++y) {
+            if (at(x, y) > kFullInk)
+                return true;
+        }
+        return false;
+    }
+
+    /// The rows with letters between two columns, `from` included and `to` not.
+    QRect lettersWithin(int from, int to) const
+    {
+        int top = height();
+        int bottom = -1;
+        for (int y = 0; y < height(); ++y) {
+            for (int x = from; x < to; ++x) {
+                if (at(x, y) > kFullInk) {
+                    top = std::min(top, y);
+                    bottom = y;
+                }
+            }
+        }
+        return {from, top, to - from, bottom - top + 1};
+    }
+
+    /// The contrast that nearly all of the letters between two columns keep below.
+    int contrast(int from, int to) const
+    {
+        constexpr double kNearlyAll = 0.96;
+        std::vector<int> values;
+        for (int y = 0; y < height(); ++y) {
+            for (int x = from; x < to; ++x) {
+                if (at(x, y) > kInk)
+                    values.push_back(at(x, y));
+            }
+        }
+        if (values.empty())
+            return kFaintest;
+        const auto place =
+            std::min(values.size() - 1,
+                     static_cast<std::size_t>(static_cast<double>(values.size()) * kNearlyAll));
+        std::ranges::nth_element(values, values.begin() + static_cast<std::ptrdiff_t>(place));
+        return std::max(kFaintest, values[place]);
+    }
+
+private:
+    int inkInColumn(int x) const
+    {
+        int count = 0;
+        for (int y = m_part.top(); y <= m_part.bottom(); ++y)
+            count += at(x, y) > kInk;
+        return count;
+    }
+    bool isEmpty(int x) const { return x < 0 || x >= width() || inkInColumn(x) == 0; }
+
+    QRect m_around;
+    QRect m_part; // within m_around
+    std::vector<int> m_values;
+    std::vector<bool> m_walls;
+};
+
+struct Columns {
+    int from = 0;
+    int to = 0;
+};
+
+/// The stretches of columns with letters, no gap within them wider than `gap` or walled.
+std::vector<Columns> stretches(const Ink& ink, const std::vector<bool>& hasLetters, int gap)
+{
+    std::vector<Columns> found;
+    bool isOpen = false;
+    for (int x = 0; x < ink.width(); ++x) {
+        if (hasLetters[static_cast<std::size_t>(x)]) {
+            if (!isOpen || x - found.back().to > gap)
+                found.push_back({x, x + 1});
+            found.back().to = x + 1;
+            isOpen = true;
+        } else if (ink.isWall(x)) {
+            isOpen = false;
+        }
+    }
+    return found;
+}
+
+/// Letters dark on white, each word stretched by itself to black.
+QImage stretched(const Ink& ink, const std::vector<bool>& hasLetters)
+{
+    constexpr int kMargin = 2;
+    constexpr int kWhite = 255;
+    QImage image(ink.width(), ink.height(), QImage::Format_Grayscale8);
+    image.fill(kWhite);
+    for (const Columns& word : stretches(ink, hasLetters, std::max(3, ink.height() / 8))) {
+        const int from = std::max(0, word.from - kMargin);
+        const int to = std::min(ink.width(), word.to + kMargin);
+        const int contrast = ink.contrast(from, to);
+        for (int y = 0; y < ink.height(); ++y) {
+            uchar* const row = image.scanLine(y);
+            for (int x = from; x < to; ++x) {
+                const int dark = std::min(kWhite, ink.at(x, y) * kWhite / contrast);
+                row[x] = static_cast<uchar>(std::min<int>(row[x], kWhite - dark));
+            }
+        }
+    }
+    return image;
+}
+
+void addImages(const QImage& picture, const LinePart& part, bool isFirst, bool isLast,
+               const QList<QRect>& lines, QList<QImage>& images)
+{
+    constexpr int kBeside = 4;
+    constexpr int kMargin = 3;
+    const int above = std::max(3, part.area.height() / 5);
+    const QRect around =
+        part.area.adjusted(isFirst ? -kBeside : 0, -above, isLast ? kBeside : 0, above) &
+        picture.rect();
+    Ink ink(picture, part, around);
+    ink.removeWalls();
+    ink.removeOthers(lines);
+    ink.removeWhatTouchesTheBorder();
+    std::vector<bool> hasLetters;
+    for (int x = 0; x < ink.width(); ++x)
+        hasLetters.push_back(ink.hasLetters(x));
+    const QImage whole = stretched(ink, hasLetters);
+    for (const Columns& columns : stretches(ink, hasLetters, part.area.height() + 2)) {
+        const int from = std::max(0, columns.from - kMargin);
+        const int to = std::min(ink.width(), columns.to + kMargin);
+        const QRect letters = ink.lettersWithin(from, to);
+        if (letters.height() >= kLowestLetter)
+            images.append(whole.copy(letters.adjusted(0, -2, 0, 2) & whole.rect()));
+    }
+}
+
+} // namespace
+
+QList<QImage> imagesOfLine(const QImage& picture, const QRect& line, const QList<QRect>& lines)
+{
+    QList<QImage> images;
+    const QList<LinePart> parts = partsOf(picture, line & picture.rect());
+    for (qsizetype index = 0; index < parts.size(); ++index) {
+        addImages(picture, parts.at(index), index == 0, index + 1 == parts.size(), lines, images);
+    }
+    return images;
+}
+
+} // namespace mossbank
