@@ -2,7 +2,7 @@
 #include "Mossbank/Platform/PlatformFactory.h"
 
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
-#include "Mossbank/Platform/Linux/TesseractRecognizer.h"
+#include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
@@ -10,6 +10,7 @@
 #include "Mossbank/Platform/Null/NullScreen.h"
 #include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
+#include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <QCoreApplication>
@@ -58,7 +59,7 @@ Platform makePlatform(const QString& ownBundleID)
 
 std::unique_ptr<TextRecognizer> makeTextRecognizer()
 {
-    return std::make_unique<TesseractRecognizer>();
+    return std::make_unique<TextReader>(std::make_unique<TesseractLineRecognizer>());
 }
 
 } // namespace mossbank

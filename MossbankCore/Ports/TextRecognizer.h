@@ -32,6 +32,10 @@ public:
     /// The pieces of text found, the best reading of each, in reading order. None is no failure.
     /// Throws what the recogniser reports as a failure, a `Failure` where it can.
     virtual QStringList recognize(const QImage& image, const Options& options) = 0;
+
+    /// Forgets what it read and gives its memory back, until the next picture. A reading under
+    /// way goes on and is forgotten when it ends; nothing is waited for.
+    virtual void rest() = 0;
 };
 
 } // namespace mossbank

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Mossbank/Platform/Linux/TesseractRecognizer.h"
 #include "Mossbank/Platform/Null/NullTextRecognizer.h"
+#include "Mossbank/Platform/PlatformFactory.h"
 #include "MossbankCore/Support/Background.h"
 #include "tests/Contract/Contract.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
@@ -65,6 +65,18 @@ private Q_SLOTS:
             QCOMPARE(reading.result(), QStringList{u"Marigold"_s});
     }
 
+    void itReadsAgainAfterARest_data() { kinds(); }
+    void itReadsAgainAfterARest()
+    {
+        const auto recognizer = make();
+        recognizer->rest();
+        const QImage image = written(u"Marigold"_s);
+        QCOMPARE(recognizer->recognize(image, {}), QStringList{u"Marigold"_s});
+        recognizer->rest();
+        recognizer->rest();
+        QCOMPARE(recognizer->recognize(image, {}), QStringList{u"Marigold"_s});
+    }
+
     void noRecogniserIsAFailureAndNotAnEmptyText()
     {
         NullTextRecognizer recognizer(kReason);
@@ -75,7 +87,7 @@ private:
     static void kinds()
     {
         QTest::addColumn<bool>("isReal");
-        QTest::newRow("Tesseract") << true;
+        QTest::newRow("real") << true;
         QTest::newRow("fake") << false;
     }
 
@@ -83,7 +95,7 @@ private:
     {
         QFETCH(bool, isReal);
         if (isReal)
-            return std::make_unique<TesseractRecognizer>();
+            return makeTextRecognizer();
         return std::make_unique<FakeTextRecognizer>(QStringList{u"Marigold"_s});
     }
 };

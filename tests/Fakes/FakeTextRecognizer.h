@@ -66,6 +66,19 @@ public:
         return m_lastImage;
     }
 
+    /// How often it was told to rest.
+    int rests() const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_rests;
+    }
+
+    void rest() override
+    {
+        const std::scoped_lock lock(m_mutex);
+        ++m_rests;
+    }
+
     QStringList recognize(const QImage& image, const Options& options) override
     {
         QStringList lines;
@@ -93,6 +106,7 @@ private:
     std::exception_ptr m_failure;
     std::function<void()> m_hook;
     int m_readings = 0;
+    int m_rests = 0;
     Options m_lastOptions;
     QImage m_lastImage;
 };

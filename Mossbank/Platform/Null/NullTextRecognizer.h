@@ -17,6 +17,7 @@ public:
     }
 
     QStringList recognize(const QImage&, const Options&) override { throw Failure(m_reason); }
+    void rest() override {}
 
 private:
     QString m_reason;

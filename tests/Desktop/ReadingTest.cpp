@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Mossbank/Platform/Linux/TesseractRecognizer.h"
-
 #include "Mossbank/Platform/Linux/TesseractLanguages.h"
+#include "Mossbank/Platform/PlatformFactory.h"
 #include "MossbankCore/Support/Background.h"
 #include "tests/Desktop/DesktopTest.h"
 
@@ -14,7 +13,7 @@ using namespace mossbank;
 using namespace mossbank::test;
 
 /// Text as a real program puts it on a real screen.
-class TesseractRecognizerTest final : public QObject {
+class ReadingTest final : public QObject {
     Q_OBJECT
 
 public:
@@ -48,8 +47,8 @@ private Q_SLOTS:
 
     void whatATerminalShowsIsRead()
     {
-        TesseractRecognizer recognizer;
-        const QStringList lines = recognizer.recognize(m_picture, {});
+        const auto recognizer = makeTextRecognizer();
+        const QStringList lines = recognizer->recognize(m_picture, {});
         QVERIFY2(lines.join(u'\n').contains(u"Marigold Lantern"_s), qPrintable(lines.join(u'|')));
         QVERIFY(lines.join(u'\n').contains(u"1234.5"_s));
         QVERIFY(!lines.contains(QString()));
@@ -61,8 +60,8 @@ private Q_SLOTS:
         // A comma for the point, where this machine has such a locale.
         std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
         const QByteArray numeric = std::setlocale(LC_NUMERIC, nullptr);
-        TesseractRecognizer recognizer;
-        const QStringList lines = recognizer.recognize(m_picture, {.languages = {{u"en"_s}}});
+        const auto recognizer = makeTextRecognizer();
+        const QStringList lines = recognizer->recognize(m_picture, {.languages = {{u"en"_s}}});
         QCOMPARE(QByteArray(std::setlocale(LC_NUMERIC, nullptr)), numeric);
         std::setlocale(LC_ALL, before.constData());
         QVERIFY(lines.join(u'\n').contains(u"Marigold"_s));
@@ -70,31 +69,31 @@ private Q_SLOTS:
 
     void severalReadSideBySide()
     {
-        TesseractRecognizer recognizer;
+        const auto recognizer = makeTextRecognizer();
         QList<QFuture<QStringList>> readings;
         for (int reading = 0; reading < 4; ++reading)
-            readings.append(inBackground([&] { return recognizer.recognize(m_picture, {}); }));
+            readings.append(inBackground([&] { return recognizer->recognize(m_picture, {}); }));
         for (QFuture<QStringList>& reading : readings)
             QVERIFY(reading.result().join(u'\n').contains(u"Marigold"_s));
     }
 
     void aPictureWithoutTextHasNoLines()
     {
-        TesseractRecognizer recognizer;
+        const auto recognizer = makeTextRecognizer();
         QImage empty(400, 300, QImage::Format_RGB32);
         empty.fill(Qt::white);
-        QCOMPARE(recognizer.recognize(empty, {}), QStringList());
-        QCOMPARE(recognizer.recognize(QImage(), {}), QStringList());
+        QCOMPARE(recognizer->recognize(empty, {}), QStringList());
+        QCOMPARE(recognizer->recognize(QImage(), {}), QStringList());
         QImage tiny(1, 1, QImage::Format_RGB32);
         tiny.fill(Qt::black);
-        QCOMPARE(recognizer.recognize(tiny, {}), QStringList());
+        QCOMPARE(recognizer->recognize(tiny, {}), QStringList());
     }
 
     void aLanguageThatIsNotInstalledIsNamedWithItsPackage()
     {
-        TesseractRecognizer recognizer;
+        const auto recognizer = makeTextRecognizer();
         const QString failure = failureOf([&] {
-            recognizer.recognize(m_picture, {.languages = {{u"en"_s, u"tlh"_s}}});
+            recognizer->recognize(m_picture, {.languages = {{u"en"_s, u"tlh"_s}}});
         });
         QCOMPARE(failure,
                  u"Reading text needs the package tesseract-ocr-tlh, which is not installed."_s);
@@ -128,5 +127,5 @@ private:
     QImage m_picture;
 };
 
-QTEST_GUILESS_MAIN(TesseractRecognizerTest)
-#include "TesseractRecognizerTest.moc"
+QTEST_GUILESS_MAIN(ReadingTest)
+#include "ReadingTest.moc"

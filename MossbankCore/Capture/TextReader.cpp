@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/TextReader.h"
+
+#include "MossbankCore/Capture/LineImages.h"
+#include "MossbankCore/Capture/ReadingOrder.h"
+#include "MossbankCore/Capture/TextLineFinder.h"
+#include "MossbankCore/Support/Background.h"
+
+#include <QCryptographicHash>
+#include <QMutexLocker>
+#include <QScopeGuard>
+#include <QSet>
+#include <QThread>
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+/// The height in pixels at which lines are read.
+constexpr int kReadHeight = 44;
+/// And once more, smaller, when that gave nothing sure: a line without ascenders is stretched too
+/// far.
+constexpr int kSecondHeight = 32;
+/// Below it a reading is tried once more.
+constexpr double kUnsure = 80;
+/// Below it another language may fit better.
+constexpr double kDoubtful = 88;
+/// Below it also, on a picture that has lines of that language.
+constexpr double kSure = 95.5;
+
+QImage scaled(const QImage& line, int height)
+{
+    constexpr int kMargin = 10;
+    constexpr int kBeside = 14;
+    constexpr int kWhite = 255;
+    const int width = std::max(1, line.width() * height / line.height());
+    const QImage image =
+        line.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage page(width + 2 * kBeside, height + 2 * kMargin, QImage::Format_Grayscale8);
+    page.fill(kWhite);
+    for (int y = 0; y < height; ++y)
+        std::copy_n(image.constScanLine(y), width, page.scanLine(y + kMargin) + kBeside);
+    return page;
+}
+
+QByteArray fingerprintOf(const QImage& image)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(QByteArray::number(image.width()));
+    for (int y = 0; y < image.height(); ++y)
+        hash.addData(QByteArrayView(image.constScanLine(y), image.width()));
+    return hash.result();
+}
+
+/// Whether there is a letter that English does not have.
+bool hasOtherLetters(const QList<RecognizedWord>& words)
+{
+    constexpr char16_t kLastOfAscii = 0x7f;
+    return std::ranges::any_of(words, [](const RecognizedWord& word) {
+        return std::ranges::any_of(word.text, [](QChar character) {
+            return character.unicode() > kLastOfAscii && character.isLetter();
+        });
+    });
+}
+
+/// What a corner or an icon is read as.
+bool isNoise(const QList<RecognizedWord>& words)
+{
+    constexpr double kSpeck = 60;
+    return words.size() == 1 && words.first().text.size() <= 2 && words.first().confidence < kSpeck;
+}
+
+} // namespace
+
+TextReader::TextReader(std::unique_ptr<LineRecognizer> recognizer)
+    : m_recognizer(std::move(recognizer))
+{
+    // Each holds engines of its own, and more than a few wait for each other.
+    m_pool.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 4));
+}
+
+TextReader::~TextReader() = default;
+
+QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
+{
+    const QList<QRect> lines = inReadingOrder(TextLineFinder::find(picture));
+    QList<Piece> pieces;
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        for (const QImage& image : imagesOfLine(picture, lines.at(line), lines))
+            pieces.append({image, fingerprintOf(image), line});
+    }
+    return pieces;
+}
+
+TextReader::Reading TextReader::readPiece(const QImage& image, const QString& language,
+                                          bool correctsLanguage)
+{
+    const auto readAt = [&](int height) {
+        Reading reading = {m_recognizer->read(scaled(image, height), language, correctsLanguage)};
+        double sum = 0;
+        qsizetype length = 0;
+        for (const RecognizedWord& word : std::as_const(reading.words)) {
+            sum += word.confidence * static_cast<double>(word.text.size());
+            length += word.text.size();
+        }
+        reading.confidence = length > 0 ? sum / static_cast<double>(length) : 0;
+        return reading;
+    };
+    const Reading reading = readAt(kReadHeight);
+    if (reading.confidence >= kUnsure)
+        return reading;
+    const Reading second = readAt(kSecondHeight);
+    return second.confidence > reading.confidence ? second : reading;
+}
+
+template <typename IsWanted>
+QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const QString& language,
+                                               bool correctsLanguage, IsWanted isWanted)
+{
+    QList<Reading> readings(pieces.size());
+    QList<qsizetype> unknown;
+    QSet<QByteArray> isBegun;
+    const QByteArray kind = language.toUtf8() + (correctsLanguage ? '+' : '-');
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (!isWanted(place))
+            continue;
+        const QByteArray key = kind + pieces.at(place).fingerprint;
+        if (m_current.contains(key) || isBegun.contains(key))
+            continue;
+        if (const auto known = m_known.constFind(key); known != m_known.cend()) {
+            m_current.insert(key, *known);
+        } else {
+            isBegun.insert(key);
+            unknown.append(place);
+        }
+    }
+    std::atomic<qsizetype> next = 0;
+    const auto readOn = [&] {
+        for (qsizetype at = next++; at < unknown.size(); at = next++) {
+            const qsizetype place = unknown.at(at);
+            readings[place] = readPiece(pieces.at(place).image, language, correctsLanguage);
+        }
+    };
+    readings.detach();
+    const auto threads = std::min<qsizetype>(m_pool.maxThreadCount(), unknown.size());
+    QList<QFuture<void>> readers;
+    for (qsizetype thread = 0; thread < threads; ++thread)
+        readers.append(inBackground(m_pool, readOn));
+    // All of them, whatever one throws: they work on what is here.
+    std::exception_ptr failure;
+    for (QFuture<void>& reader : readers) {
+        try {
+            reader.waitForFinished();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+    for (const qsizetype place : std::as_const(unknown))
+        m_current.insert(kind + pieces.at(place).fingerprint, readings.at(place));
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (isWanted(place))
+            readings[place] = m_current.value(kind + pieces.at(place).fingerprint);
+    }
+    return readings;
+}
+
+QStringList TextReader::linesOf(const QList<Piece>& pieces, const QList<Reading>& readings)
+{
+    QStringList lines;
+    qsizetype last = -1;
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (isNoise(readings.at(place).words))
+            continue;
+        for (const RecognizedWord& word : readings.at(place).words) {
+            if (pieces.at(place).line == last)
+                lines.last() += u' ' + word.text;
+            else
+                lines.append(word.text);
+            last = pieces.at(place).line;
+        }
+    }
+    return lines;
+}
+
+QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, const Options& options)
+{
+    const QStringList languages =
+        m_recognizer->languages(options.languages.value_or(QStringList()));
+    const bool corrects = options.correctsLanguage;
+    QList<Reading> readings =
+        readAll(pieces, languages.first(), corrects, [](qsizetype) { return true; });
+    for (const QString& language : languages.mid(1))
+        improve(readings, pieces, language, corrects);
+    return readings;
+}
+
+void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces,
+                         const QString& language, bool correctsLanguage)
+{
+    constexpr double kBetter = 2;
+    constexpr double kLeast = 70;
+    const auto readBelow = [&](double confidence) {
+        return readAll(pieces, language, correctsLanguage,
+                       [&](qsizetype place) { return readings.at(place).confidence < confidence; });
+    };
+    // First where what is known is in doubt; where that shows that the language is there, also
+    // where it is nearly sure: without its accents a word looks familiar.
+    QList<Reading> others = readBelow(kDoubtful);
+    bool isThere = false;
+    for (qsizetype place = 0; place < pieces.size() && !isThere; ++place) {
+        const Reading& other = others.at(place);
+        isThere = other.confidence > kDoubtful &&
+                  other.confidence > readings.at(place).confidence + kBetter &&
+                  hasOtherLetters(other.words);
+    }
+    if (isThere)
+        others = readBelow(kSure);
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (others.at(place).confidence > std::max(kLeast, readings.at(place).confidence + 1))
+            readings[place] = others.at(place);
+    }
+}
+
+QStringList TextReader::recognize(const QImage& image, const Options& options)
+{
+    if (image.isNull())
+        return {};
+    const auto rested = qScopeGuard([this] { restIfWanted(); });
+    const QMutexLocker lock(&m_mutex);
+    m_current.clear();
+    const QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
+    const QList<Reading> readings = readInAll(pieces, options);
+    m_known = std::exchange(m_current, {});
+    return linesOf(pieces, readings);
+}
+
+void TextReader::rest()
+{
+    m_wantsRest = true;
+    restIfWanted();
+}
+
+void TextReader::restIfWanted()
+{
+    // Asked again after each try: whoever had the lock may have let go of it before the wish.
+    while (m_wantsRest && m_mutex.tryLock()) {
+        if (m_wantsRest.exchange(false)) {
+            m_known = {};
+            m_current = {};
+            m_recognizer->rest();
+        }
+        m_mutex.unlock();
+    }
+}
+
+} // namespace mossbank

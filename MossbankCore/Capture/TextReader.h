@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Ports/LineRecognizer.h"
+#include "MossbankCore/Ports/TextRecognizer.h"
+
+#include <QHash>
+#include <QImage>
+#include <QMutex>
+#include <QThreadPool>
+
+#include <atomic>
+#include <memory>
+
+namespace mossbank {
+
+/// Reads the words on a picture of a screen, line by line.
+///
+/// A recogniser made for printed pages fails where dark and light panels lie side by side, on
+/// coloured buttons, on small grey text. So the lines are found first, and each is handed over
+/// dark on white and of the size that recognisers like best.
+///
+/// What was read of a line is remembered for as long as the next picture has the same line to the
+/// pixel: of a screen of which little has changed only that little is read again.
+///
+/// Threading: any thread; one picture at a time, the rest wait.
+class TextReader final : public TextRecognizer {
+public:
+    explicit TextReader(std::unique_ptr<LineRecognizer> recognizer);
+    ~TextReader() override;
+
+    /// A line of text each, its words with one space between.
+    QStringList recognize(const QImage& image, const Options& options) override;
+    /// Waits for no reading: what one under way reads is forgotten when it ends.
+    void rest() override;
+
+private:
+    /// Part of a line, to be read in one go.
+    struct Piece {
+        QImage image;
+        QByteArray fingerprint;
+        qsizetype line = 0;
+    };
+    /// What a piece says in one language.
+    struct Reading {
+        QList<RecognizedWord> words;
+        /// The mean of the words', by their lengths. 0 without words.
+        double confidence = 0;
+    };
+    using Readings = QHash<QByteArray, Reading>;
+
+    static QList<Piece> piecesOf(const QImage& picture);
+    /// What each piece says in `language`, as far as `isWanted` asks for it.
+    template <typename IsWanted>
+    QList<Reading> readAll(const QList<Piece>& pieces, const QString& language,
+                           bool correctsLanguage, IsWanted isWanted);
+    Reading readPiece(const QImage& image, const QString& language, bool correctsLanguage);
+    QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
+    /// Takes from another language what it reads better.
+    void improve(QList<Reading>& readings, const QList<Piece>& pieces, const QString& language,
+                 bool correctsLanguage);
+    static QStringList linesOf(const QList<Piece>& pieces, const QList<Reading>& readings);
+    void restIfWanted();
+
+    std::unique_ptr<LineRecognizer> m_recognizer;
+    QMutex m_mutex;
+    /// A few threads of its own: a reading waits for them, and may itself run on the global pool.
+    QThreadPool m_pool;
+    /// Of the picture read last, and of the one that is being read.
+    Readings m_known;
+    Readings m_current;
+    std::atomic<bool> m_wantsRest = false;
+};
+
+} // namespace mossbank

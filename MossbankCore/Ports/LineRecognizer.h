@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class QImage;
+
+namespace mossbank {
+
+/// A word that was read, and how sure the recogniser is of it.
+struct RecognizedWord {
+    QString text;
+    /// 0 to 100.
+    double confidence = 0;
+
+    friend bool operator==(const RecognizedWord&, const RecognizedWord&) = default;
+};
+
+/// Reads a single line of text.
+///
+/// Threading: any thread, several at once.
+/// Errors: a Failure that names what is missing.
+class LineRecognizer {
+public:
+    LineRecognizer() = default;
+    virtual ~LineRecognizer() = default;
+    LineRecognizer(const LineRecognizer&) = delete;
+    LineRecognizer& operator=(const LineRecognizer&) = delete;
+
+    /// The recogniser's names of the languages to read in, in the order to try them: those of
+    /// `codes` (BCP 47) that are languages, or, with none, those that are installed and the user
+    /// may need. Never empty.
+    virtual QStringList languages(const QStringList& codes) = 0;
+
+    /// The words of a grey image of one line, dark on white, from left to right.
+    ///
+    /// `correctsLanguage`: whether what is seen may be replaced by what a dictionary expects.
+    virtual QList<RecognizedWord> read(const QImage& line, const QString& language,
+                                       bool correctsLanguage) = 0;
+
+    /// Gives its memory back. Reading afterwards takes as long as the first time.
+    virtual void rest() = 0;
+};
+
+} // namespace mossbank
