@@ -349,9 +349,7 @@ void CapturePass::letGo()
     if (!m_recorder || !m_holdsCapture)
         return;
     m_holdsCapture = false;
-    m_recorder->setSaving(false);
-    m_recorder->m_isCapturing = false;
-    Q_EMIT m_recorder->passEnded();
+    m_recorder->endPass();
 }
 
 } // namespace mossbank

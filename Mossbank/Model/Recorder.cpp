@@ -9,6 +9,7 @@
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Ports/Clock.h"
+#include "MossbankCore/Ports/TextRecognizer.h"
 
 #include <algorithm>
 #include <utility>
@@ -69,8 +70,24 @@ void Recorder::endRecording()
     stopWatchingAppSwitches();
     // What was saved last is kept: a screen that stays the same across a stop is still skipped.
     m_seen.forgetMotion();
+    restRecognizer();
     m_neighbours.pauses.cancelPause();
     m_state.status = RecorderTexts::idle();
+}
+
+void Recorder::restRecognizer()
+{
+    m_restsAfterPass = m_isCapturing;
+    m_around.recognizer.rest();
+}
+
+void Recorder::endPass()
+{
+    setSaving(false);
+    m_isCapturing = false;
+    if (m_restsAfterPass)
+        restRecognizer();
+    Q_EMIT passEnded();
 }
 
 void Recorder::stopForLockedScreen()

@@ -120,6 +120,10 @@ private:
     void stopForLockedScreen();
     void stopForLostPermission();
     void stopForFailure(const QString& reason);
+    /// Has the recogniser forget what it read and give its memory back.
+    void restRecognizer();
+    /// What a pass that held the capture does last.
+    void endPass();
     void setSaving(bool isSaving);
     void setStatus(const QString& status);
     void setRefusedBrowsers(const QStringList& names);
@@ -133,6 +137,8 @@ private:
     /// What the signals have told so far.
     State m_told;
     bool m_isCapturing = false;
+    /// Recording was stopped in the middle of the pass under way, which may read yet.
+    bool m_restsAfterPass = false;
     bool m_stoppedForAway = false;
     /// Rises with every start and stop and with each change of what a picture under way was
     /// begun under. A pass that finds it moved gives up.

@@ -3,6 +3,7 @@
 // The recording loop: its starts and stops, its rests, and what it remembers between passes.
 #include "tests/Model/RecorderRig.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 
 using namespace mossbank;
@@ -214,6 +215,45 @@ private Q_SLOTS:
         QVERIFY(!rig.recorder->screensSeen().lastChecked);
         QVERIFY(rig.recorder->screensSeen().lastScreen);
         QVERIFY(rig.recorder->screensSeen().lastText);
+    }
+
+    void aStopHasTheRecogniserRest()
+    {
+        RecorderRig rig;
+        rig.start();
+        rig.nextPass();
+        QCOMPARE(rig.recognizer.rests(), 0);
+        rig.recorder->stop();
+        QCOMPARE(rig.recognizer.rests(), 1);
+    }
+
+    void aStopInTheMiddleOfAReadingHasItRestAlsoAfterwards()
+    {
+        RecorderRig rig;
+        QSemaphore reading;
+        rig.recognizer.setHook([&] { reading.acquire(); });
+        rig.recorder->toggleRecording();
+        QTRY_COMPARE(rig.recognizer.readings(), 1);
+        rig.recorder->stop();
+        QCOMPARE(rig.recognizer.rests(), 1);
+        // Also when recording is on again by then.
+        rig.recorder->toggleRecording();
+        reading.release();
+        QTRY_VERIFY(!rig.recorder->isCapturing());
+        QCOMPARE(rig.recognizer.rests(), 2);
+        reading.release(100);
+        rig.nextPass();
+        QCOMPARE(rig.saved().size(), 1);
+        QCOMPARE(rig.recognizer.rests(), 2);
+    }
+
+    void aFailedPassHasTheRecogniserRest()
+    {
+        RecorderRig rig;
+        rig.recognizer.setFailure(std::make_exception_ptr(StoreError(u"out of ink"_s)));
+        rig.start();
+        QVERIFY(!rig.recorder->isRecording());
+        QVERIFY(rig.recognizer.rests() > 0);
     }
 
     void captureNowDoesNothingWhileOff()
