@@ -122,7 +122,7 @@ QList<LinePart> partsOf(const QImage& picture, const QRect& area)
 std::vector<QRgb> backgroundsOf(const QImage& picture, const LinePart& part, int left, int right)
 {
     // Further apart than a gradient is from one window to the next.
-    constexpr int kJump = 14;
+    constexpr int kJump = 28;
     const int window = std::max(24, 3 * part.area.height());
     const int step = window / 2;
     std::vector<std::pair<int, QRgb>> points;

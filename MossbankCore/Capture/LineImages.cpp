@@ -36,6 +36,10 @@ public:
                 at(x, y) = distance(row[x], backgrounds[static_cast<std::size_t>(x)]);
         }
         m_walls.assign(static_cast<std::size_t>(width()), false);
+        m_isCut = {.left = around.left() == 0,
+                   .top = around.top() == 0,
+                   .right = around.right() + 1 == picture.width(),
+                   .bottom = around.bottom() + 1 == picture.height()};
     }
 
     int width() const { return m_around.width(); }
@@ -89,7 +93,9 @@ public:
     }
 
     /// Removes what touches the border: around a line is room enough for all of its letters, so it
-    /// is an edge of a button, the corner of a badge, the end of something else.
+    /// is an edge of a button, the corner of a badge, the end of something else. Where the picture
+    /// ends there is no such room, and only what lies along all of the border is none of the
+    /// line's.
     void removeWhatTouchesTheBorder()
     {
         std::vector<QPoint> left;
@@ -99,13 +105,21 @@ public:
             at(x, y) = 0;
             left.emplace_back(x, y);
         };
+        const bool takesTop = !m_isCut.top || isFullRow(0);
+        const bool takesBottom = !m_isCut.bottom || isFullRow(height() - 1);
+        const bool takesLeft = !m_isCut.left || isFullColumn(0);
+        const bool takesRight = !m_isCut.right || isFullColumn(width() - 1);
         for (int x = 0; x < width(); ++x) {
-            take(x, 0);
-            take(x, height() - 1);
+            if (takesTop)
+                take(x, 0);
+            if (takesBottom)
+                take(x, height() - 1);
         }
         for (int y = 0; y < height(); ++y) {
-            take(0, y);
-            take(width() - 1, y);
+            if (takesLeft)
+                take(0, y);
+            if (takesRight)
+                take(width() - 1, y);
         }
         while (!left.empty()) {
             const QPoint point = left.back();
@@ -172,8 +186,32 @@ private:
     }
     bool isEmpty(int x) const { return x < 0 || x >= width() || inkInColumn(x) == 0; }
 
+    bool isFullRow(int y) const
+    {
+        bool isFull = true;
+        for (int x = 0; x < width(); ++x)
+            isFull = isFull && at(x, y) > kInk;
+        return isFull;
+    }
+    bool isFullColumn(int x) const
+    {
+        bool isFull = true;
+        for (int y = 0; y < height(); ++y)
+            isFull = isFull && at(x, y) > kInk;
+        return isFull;
+    }
+
+    /// Where what is around ends with the picture.
+    struct Sides {
+        bool left = false;
+        bool top = false;
+        bool right = false;
+        bool bottom = false;
+    };
+
     QRect m_around;
     QRect m_part; // within m_around
+    Sides m_isCut;
     std::vector<int> m_values;
     std::vector<bool> m_walls;
 };

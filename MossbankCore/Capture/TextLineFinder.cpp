@@ -306,9 +306,13 @@ QList<QRect> TextLineFinder::find(const QImage& picture)
     joinNested(lines);
     QList<QRect> found;
     for (const Box& line : lines) {
-        if (mayBeText(line))
-            found.append(QRect(line.left, line.top,
-                               std::min(line.right, picture.width()) - line.left, line.height()));
+        if (!mayBeText(line))
+            continue;
+        // A stem that begins or ends with the picture has a step on one side only.
+        const int stem = line.height() / 4;
+        const int left = line.left <= stem ? 0 : line.left;
+        const int right = line.right + stem >= picture.width() ? picture.width() : line.right;
+        found.append(QRect(left, line.top, right - left, line.height()));
     }
     return found;
 }

@@ -20,8 +20,8 @@ public:
     TextLineFinder() = delete;
 
     /// The rectangles of the lines in pixels, tight around their letters with accents and
-    /// descenders, in reading order: column by column from the left, each from the top. A line
-    /// holds what is read as one: the cells of a table may come as one or as several.
+    /// descenders, in no order. A line holds what is read as one: the cells of a table may come
+    /// as one or as several.
     ///
     /// Takes a picture of Format_RGB32 or Format_ARGB32; none for any other.
     static QList<QRect> find(const QImage& picture);

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/ColourSteps.h"
+
+#include "tests/Core/Capture/DrawnText.h"
+
+#include <QTest>
+
+namespace mossbank {
+
+class ColourStepsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aStepIsWhereTheColourChangesWithinARow()
+    {
+        QImage picture = plain({5, 2});
+        picture.setPixel(2, 0, kBlack);
+        const ColourSteps steps(picture);
+        QCOMPARE(rowOf(steps, 0), QStringLiteral(".##.."));
+        // From row to row there is none.
+        QCOMPARE(rowOf(steps, 1), QStringLiteral("....."));
+    }
+
+    void theChannelThatChangesMostCounts_data()
+    {
+        QTest::addColumn<QRgb>("colour");
+        QTest::addColumn<bool>("isStep");
+        QTest::newRow("the same") << qRgb(100, 100, 100) << false;
+        QTest::newRow("all by 22") << qRgb(122, 122, 122) << false;
+        QTest::newRow("red by 23") << qRgb(123, 100, 100) << true;
+        QTest::newRow("green by -23") << qRgb(100, 77, 100) << true;
+        QTest::newRow("blue by 23") << qRgb(100, 100, 123) << true;
+        QTest::newRow("opacity") << qRgba(100, 100, 100, 0) << false;
+    }
+    void theChannelThatChangesMostCounts()
+    {
+        QFETCH(QRgb, colour);
+        QFETCH(bool, isStep);
+        QImage picture(2, 1, QImage::Format_ARGB32);
+        picture.setPixel(0, 0, qRgb(100, 100, 100));
+        picture.setPixel(1, 0, colour);
+        QCOMPARE(ColourSteps(picture).at(0, 0), isStep);
+    }
+
+    void anEdgeTallerThanLettersIsLeftOut_data()
+    {
+        QTest::addColumn<int>("height");
+        QTest::addColumn<bool>("isLeftOut");
+        QTest::newRow("as a letter") << 64 << false;
+        QTest::newRow("taller") << 65 << true;
+    }
+    void anEdgeTallerThanLettersIsLeftOut()
+    {
+        QFETCH(int, height);
+        QFETCH(bool, isLeftOut);
+        // Once in the middle and once down to the end of the picture.
+        QImage picture = plain({20, 80});
+        fill(picture, {4, 3, 3, height}, kBlack);
+        fill(picture, {14, 80 - height, 3, height}, kBlack);
+        const ColourSteps steps(picture);
+        for (const int x : {3, 6, 13, 16})
+            QCOMPARE(steps.at(x, 40), !isLeftOut);
+        QCOMPARE(steps.at(3, 2), false);
+    }
+
+    void aCountLeavesOutItsEnd()
+    {
+        QImage picture = plain({10, 1});
+        picture.setPixel(2, 0, kBlack);
+        picture.setPixel(6, 0, kBlack);
+        const ColourSteps steps(picture); // at 1, 2, 5 and 6
+        QCOMPARE(steps.count(0, 0, 10), 4);
+        QCOMPARE(steps.count(0, 2, 5), 1);
+        QCOMPARE(steps.count(0, 2, 6), 2);
+        QCOMPARE(steps.count(0, 3, 3), 0);
+        QCOMPARE(steps.count(0, 6, 1000), 1);
+    }
+
+    void theSmallestPicturesHaveNone()
+    {
+        QCOMPARE(ColourSteps(QImage()).width(), 0);
+        QCOMPARE(rowOf(ColourSteps(plain({1, 1}, kBlack)), 0), QStringLiteral("."));
+        QImage tall = plain({1, 200});
+        fill(tall, {0, 50, 1, 100}, kBlack);
+        QCOMPARE(ColourSteps(tall).count(100, 0, 1), 0);
+    }
+
+private:
+    static QString rowOf(const ColourSteps& steps, int y)
+    {
+        QString row;
+        for (int x = 0; x < steps.width(); ++x)
+            row += steps.at(x, y) ? u'#' : u'.';
+        return row;
+    }
+};
+
+} // namespace mossbank
+
+QTEST_APPLESS_MAIN(mossbank::ColourStepsTest)
+#include "ColourStepsTest.moc"

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/LineBackground.h"
+
+#include "MossbankCore/Capture/ColourSteps.h"
+#include "tests/Core/Capture/DrawnText.h"
+
+#include <QTest>
+
+namespace mossbank {
+
+using namespace Qt::StringLiterals;
+
+class LineBackgroundTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aLineOnOnePanelIsOnePart_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("background");
+        QTest::newRow("black on white") << kBlack << kWhite;
+        QTest::newRow("white on black") << kWhite << kBlack;
+        QTest::newRow("grey on grey") << qRgb(140, 140, 140) << qRgb(90, 90, 90);
+        QTest::newRow("yellow on blue") << qRgb(255, 230, 0) << qRgb(0, 30, 160);
+    }
+    void aLineOnOnePanelIsOnePart()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, background);
+        QImage picture = plain({400, 40}, background);
+        const QRect line = write(picture, {10, 14}, {4, 6, 3, 8}, ink);
+        const QList<LinePart> expected = {{line, background}};
+        QCOMPARE(partsOf(picture, line), expected);
+    }
+
+    void aBadgeInALineIsAPartOfItsOwn()
+    {
+        constexpr QRgb kRed = qRgb(200, 40, 40);
+        QImage picture = plain({500, 40});
+        const QRect before = write(picture, {10, 14}, {5, 6});
+        const QRect badge(before.right() + 8, 10, 80, 20);
+        fill(picture, badge, kRed);
+        write(picture, {badge.left() + 10, 14}, {5}, kWhite);
+        const QRect after = write(picture, {badge.right() + 8, 14}, {6, 5});
+        const QList<LinePart> parts =
+            partsOf(picture, {10, 14, after.left() + after.width() - 10, 12});
+        QCOMPARE(parts.size(), 3);
+        QCOMPARE(parts.at(0).background, kWhite);
+        QCOMPARE(parts.at(1).background, kRed);
+        QCOMPARE(parts.at(2).background, kWhite);
+        // The borders lie within a letter's width of the badge's.
+        QVERIFY(std::abs(parts.at(1).area.left() - badge.left()) <= 8);
+        QVERIFY(std::abs(parts.at(2).area.left() - badge.right()) <= 8);
+        // Together they are the line.
+        QCOMPARE(parts.at(0).area.left(), 10);
+        QCOMPARE(parts.at(1).area.left(), parts.at(0).area.right() + 1);
+        QCOMPARE(parts.at(2).area.left(), parts.at(1).area.right() + 1);
+        QCOMPARE(parts.at(2).area.right(), after.right());
+    }
+
+    void whatIsTooNarrowForALetterIsNoPart()
+    {
+        QImage picture = plain({300, 40});
+        const QRect line = write(picture, {10, 14}, {5, 6});
+        fill(picture, {line.right() - 5, 10, 6, 20}, qRgb(200, 40, 40));
+        QCOMPARE(partsOf(picture, line).size(), 1);
+        QCOMPARE(partsOf(picture, line).first().area, line);
+    }
+
+    void aGradientIsOneBackgroundThatChanges()
+    {
+        QImage picture = plain({400, 40});
+        const auto colourAt = [](int x) {
+            return qRgb(40 + x / 4, 90, 200 - x / 4);
+        };
+        for (int x = 0; x < 400; ++x)
+            fill(picture, {x, 0, 1, 40}, colourAt(x));
+        const QRect line = write(picture, {10, 14}, {9, 9, 9}, kWhite);
+        const std::vector<QRgb> backgrounds = backgroundsOf(
+            picture, {.area = line, .background = colourAt(20)}, line.left(), line.right() + 1);
+        QCOMPARE(backgrounds.size(), static_cast<std::size_t>(line.width()));
+        for (int x = line.left(); x <= line.right(); ++x) {
+            const QRgb background = backgrounds[static_cast<std::size_t>(x - line.left())];
+            QVERIFY2(distance(background, colourAt(x)) <= 20,
+                     qPrintable(u"%1 at %2"_s.arg(distance(background, colourAt(x))).arg(x)));
+        }
+        QVERIFY(distance(backgrounds.front(), backgrounds.back()) > 40);
+    }
+
+    void boldLettersAreNotTakenForABackground()
+    {
+        QImage picture = plain({300, 40});
+        const QRect line(10, 14, 120, 12);
+        // Three quarters of each letter are ink.
+        for (int letter = 0; letter < 10; ++letter)
+            fill(picture, {10 + letter * 12, 14, 8, 12}, kBlack);
+        QCOMPARE(backgroundsOf(picture, {.area = line, .background = kWhite}, 10, 130),
+                 std::vector<QRgb>(120, kWhite));
+    }
+
+    void theSmallestAreasHaveOnePart()
+    {
+        const QImage picture = plain({10, 10}, kBlack);
+        const QList<LinePart> pixel = {{QRect(3, 3, 1, 1), kBlack}};
+        QCOMPARE(partsOf(picture, pixel.first().area), pixel);
+        const QList<LinePart> column = {{QRect(3, 0, 1, 10), kBlack}};
+        QCOMPARE(partsOf(picture, column.first().area), column);
+        QCOMPARE(backgroundsOf(picture, pixel.first(), 3, 4), std::vector<QRgb>{kBlack});
+    }
+};
+
+} // namespace mossbank
+
+QTEST_APPLESS_MAIN(mossbank::LineBackgroundTest)
+#include "LineBackgroundTest.moc"

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/LineImages.h"
+
+#include "tests/Core/Capture/DrawnText.h"
+
+#include <QTest>
+
+namespace mossbank {
+
+namespace {
+
+constexpr QSize kSize = {320, 80};
+const QPoint kPlace = {40, 30};
+
+/// What comes of two words, black on white, with nothing around.
+QList<QImage> plainImages()
+{
+    QImage picture = plain(kSize);
+    const QRect line = write(picture, kPlace, {4, 3});
+    return imagesOfLine(picture, line, {line});
+}
+
+int valueAt(const QImage& image, int x, int y)
+{
+    return image.constScanLine(y)[x];
+}
+
+/// The darkest value there is.
+int darkest(const QImage& image)
+{
+    int value = 255;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            value = std::min(value, valueAt(image, x, y));
+    return value;
+}
+
+int darkPixels(const QImage& image)
+{
+    constexpr int kDark = 128;
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            count += valueAt(image, x, y) < kDark;
+    return count;
+}
+
+} // namespace
+
+class LineImagesTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aLineIsOneImageOfBlackOnWhite()
+    {
+        const QList<QImage> images = plainImages();
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(images.first().format(), QImage::Format_Grayscale8);
+        // The letters are 12 high, and some white is around them.
+        QCOMPARE(images.first().height(), 16);
+        QCOMPARE(valueAt(images.first(), 0, 0), 255);
+        QCOMPARE(darkest(images.first()), 0);
+    }
+
+    void allColoursGiveTheSameImage_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("background");
+        QTest::newRow("white on black") << kWhite << kBlack;
+        QTest::newRow("light grey on white") << qRgb(190, 190, 190) << kWhite;
+        QTest::newRow("white on green") << kWhite << qRgb(30, 140, 60);
+        QTest::newRow("red on dark") << qRgb(220, 60, 60) << qRgb(25, 25, 30);
+    }
+    void allColoursGiveTheSameImage()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, background);
+        QImage picture = plain(kSize, background);
+        const QRect line = write(picture, kPlace, {4, 3}, ink);
+        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+    }
+
+    void eachWordIsAsDarkAsTheNext()
+    {
+        QImage picture = plain(kSize);
+        const QRect bold = write(picture, kPlace, {4});
+        const QRect faint = write(picture, {bold.right() + 9, 30}, {3}, qRgb(180, 180, 180));
+        const QRect line = bold | faint;
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(darkest(images.first().copy(0, 0, 30, 16)), 0);
+        QCOMPARE(darkest(images.first().copy(bold.width() + 8, 0, 30, 16)), 0);
+    }
+
+    void aShadowIsNotMadeALetter()
+    {
+        QImage picture = plain(kSize);
+        const QRect line = write(picture, kPlace, {4, 3}, qRgb(225, 225, 225));
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QVERIFY(darkest(images.first()) > 50);
+    }
+
+    void aWideGapPartsTheLine()
+    {
+        QImage picture = plain(kSize);
+        const QRect left = write(picture, kPlace, {3});
+        const QRect right = write(picture, {left.right() + 20, 30}, {3});
+        const QRect line = left | right;
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 2);
+        QCOMPARE(images.first(), images.last());
+    }
+
+    void theBorderOfACellPartsTheLineAndIsNoLetter()
+    {
+        QImage picture = plain(kSize);
+        const QRect left = write(picture, kPlace, {3});
+        const QRect right = write(picture, {left.right() + 10, 30}, {3});
+        fill(picture, {left.right() + 5, 0, 1, 80}, qRgb(120, 120, 120));
+        const QRect line = left | right;
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 2);
+        QCOMPARE(images.first(), images.last());
+    }
+
+    void aBadgeIsAnImageOfItsOwn()
+    {
+        QImage picture = plain(kSize);
+        const QRect left = write(picture, kPlace, {5});
+        fill(picture, {left.right() + 5, 24, 70, 24}, qRgb(200, 40, 40));
+        const QRect right = write(picture, {left.right() + 15, 30}, {5}, kWhite);
+        const QRect line = left | right;
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 2);
+        QCOMPARE(darkest(images.last()), 0);
+        QCOMPARE(images.last().size(), images.first().size());
+    }
+
+    void nothingOfWhatLiesAroundShows_data()
+    {
+        QTest::addColumn<QRect>("around");
+        QTest::newRow("an edge below") << QRect(0, 44, 320, 1);
+        QTest::newRow("an edge above") << QRect(0, 27, 320, 1);
+        QTest::newRow("a panel to the left") << QRect(0, 0, 36, 80);
+        QTest::newRow("a panel to the right") << QRect(125, 0, 195, 80);
+    }
+    void nothingOfWhatLiesAroundShows()
+    {
+        QFETCH(QRect, around);
+        QImage picture = plain(kSize);
+        const QRect line = write(picture, kPlace, {4, 3});
+        fill(picture, around, qRgb(60, 60, 60));
+        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+    }
+
+    void otherLinesDoNotShow_data()
+    {
+        QTest::addColumn<QPoint>("place");
+        QTest::newRow("close above") << QPoint(40, 16);
+        QTest::newRow("close below") << QPoint(40, 44);
+    }
+    void otherLinesDoNotShow()
+    {
+        QFETCH(QPoint, place);
+        QImage picture = plain(kSize);
+        const QRect line = write(picture, kPlace, {4, 3});
+        const QRect other = write(picture, place, {5, 4});
+        QCOMPARE(imagesOfLine(picture, line, {line, other}), plainImages());
+        QCOMPARE(imagesOfLine(picture, other, {line, other}).size(), 1);
+    }
+
+    void lettersUpToTheEdgesOfThePictureAreThere_data()
+    {
+        QTest::addColumn<QPoint>("place");
+        const QRect letters = [] {
+            QImage picture = plain(kSize);
+            return write(picture, kPlace, {4, 3});
+        }();
+        QTest::newRow("left") << QPoint(0, 30);
+        QTest::newRow("right") << QPoint(kSize.width() - letters.width(), 30);
+        QTest::newRow("top") << QPoint(40, 0);
+        QTest::newRow("bottom") << QPoint(40, kSize.height() - letters.height());
+    }
+    void lettersUpToTheEdgesOfThePictureAreThere()
+    {
+        QFETCH(QPoint, place);
+        QImage picture = plain(kSize);
+        const QRect line = write(picture, place, {4, 3});
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        // All but the white around is as it is in the middle of the picture.
+        QCOMPARE(darkPixels(images.first()), darkPixels(plainImages().first()));
+    }
+
+    void theBorderOfAWindowAtTheEdgeOfThePictureIsNoLetter()
+    {
+        QImage picture = plain(kSize);
+        fill(picture, {0, 0, 4, kSize.height()}, qRgb(60, 60, 60));
+        const QRect letters = write(picture, {10, 30}, {4, 3});
+        const QRect line(0, 30, letters.right() + 1, letters.height());
+        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+    }
+
+    void whereThereAreNoLettersThereIsNoImage_data()
+    {
+        QTest::addColumn<QRect>("line");
+        QTest::newRow("nothing drawn") << QRect(40, 30, 100, 12);
+        QTest::newRow("a pixel") << QRect(40, 30, 1, 1);
+        QTest::newRow("all of the picture") << QRect(QPoint(0, 0), kSize);
+        QTest::newRow("partly outside") << QRect(-10, -5, 100, 12);
+    }
+    void whereThereAreNoLettersThereIsNoImage()
+    {
+        QFETCH(QRect, line);
+        QCOMPARE(imagesOfLine(plain(kSize), line, {line}), QList<QImage>());
+    }
+};
+
+} // namespace mossbank
+
+QTEST_APPLESS_MAIN(mossbank::LineImagesTest)
+#include "LineImagesTest.moc"

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/TextLineFinder.h"
+
+#include "tests/Core/Capture/DrawnText.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <algorithm>
+#include <random>
+
+namespace mossbank {
+
+namespace {
+
+/// The lines found, from the top and from the left.
+QList<QRect> found(const QImage& picture)
+{
+    QList<QRect> lines = TextLineFinder::find(picture);
+    std::ranges::sort(lines, [](const QRect& one, const QRect& other) {
+        return std::pair(one.top(), one.left()) < std::pair(other.top(), other.left());
+    });
+    return lines;
+}
+
+/// Whether a line was found there: all of it and next to nothing else.
+bool isAround(const QRect& line, const QRect& letters)
+{
+    constexpr int kMost = 2;
+    return line.contains(letters) && letters.adjusted(-kMost, -kMost, kMost, kMost).contains(line);
+}
+
+} // namespace
+
+class TextLineFinderTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textIsFoundWhateverItsColours_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("background");
+        QTest::newRow("black on white") << kBlack << kWhite;
+        QTest::newRow("white on black") << kWhite << kBlack;
+        QTest::newRow("grey on white") << qRgb(170, 170, 170) << kWhite;
+        QTest::newRow("grey on dark") << qRgb(90, 90, 95) << qRgb(30, 30, 35);
+        QTest::newRow("white on red") << kWhite << qRgb(200, 40, 40);
+        QTest::newRow("blue on red of the same lightness")
+            << qRgb(60, 60, 220) << qRgb(170, 40, 40);
+    }
+    void textIsFoundWhateverItsColours()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, background);
+        QImage picture = plain({300, 100}, background);
+        const QRect letters = write(picture, {30, 40}, {4, 3}, ink);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters));
+    }
+
+    void textIsFoundWhateverItsSize_data()
+    {
+        QTest::addColumn<int>("height");
+        for (const int height : {6, 7, 9, 12, 16, 24, 40, 60})
+            QTest::addRow("%d pixels", height) << height;
+    }
+    void textIsFoundWhateverItsSize()
+    {
+        QFETCH(int, height);
+        QImage picture = plain({900, 200});
+        const QRect letters = write(picture, {30, 40}, {4, 3}, kBlack, height);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters));
+    }
+
+    void darkAndLightPanelsSideBySideAreBothRead()
+    {
+        QImage picture = plain({400, 60});
+        fill(picture, {200, 0, 200, 60}, qRgb(20, 20, 30));
+        const QRect left = write(picture, {20, 20}, {5});
+        const QRect right = write(picture, {260, 20}, {5}, kWhite);
+        QCOMPARE(found(picture).size(), 2);
+        QVERIFY(isAround(found(picture).first(), left));
+        QVERIFY(isAround(found(picture).last(), right));
+    }
+
+    void textOnAButtonIsFoundAndTheButtonIsNot()
+    {
+        QImage picture = plain({300, 120});
+        fill(picture, {50, 20, 180, 80}, qRgb(40, 90, 200));
+        const QRect letters = write(picture, {90, 54}, {6}, kWhite);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters));
+    }
+
+    void wordsOfALineAreOneLine()
+    {
+        QImage picture = plain({600, 60});
+        const QRect letters = write(picture, {10, 20}, {3, 5, 1, 4, 7, 2});
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters));
+    }
+
+    void whatIsFarApartIsNoLine()
+    {
+        QImage picture = plain({400, 60});
+        const QRect left = write(picture, {10, 20}, {4});
+        const QRect right = write(picture, {300, 20}, {4});
+        QCOMPARE(found(picture).size(), 2);
+        QVERIFY(isAround(found(picture).first(), left));
+        QVERIFY(isAround(found(picture).last(), right));
+    }
+
+    void linesBelowEachOtherAreLinesOfTheirOwn_data()
+    {
+        QTest::addColumn<int>("between");
+        for (const int between : {1, 2, 5, 20})
+            QTest::addRow("%d pixels apart", between) << between;
+    }
+    void linesBelowEachOtherAreLinesOfTheirOwn()
+    {
+        QFETCH(int, between);
+        QImage picture = plain({300, 150});
+        QList<QRect> letters;
+        for (int line = 0; line < 4; ++line)
+            letters.append(write(picture, {20, 10 + line * (12 + between)}, {5, 4}));
+        const QList<QRect> lines = found(picture);
+        QCOMPARE(lines.size(), letters.size());
+        for (qsizetype line = 0; line < lines.size(); ++line)
+            QVERIFY(isAround(lines.at(line), letters.at(line)));
+    }
+
+    void linesOfWhichLettersTouchArePartedBetween()
+    {
+        QImage picture = plain({300, 80});
+        write(picture, {20, 10}, {5, 6});
+        write(picture, {20, 27}, {5, 6});
+        // A descender of the first that reaches an ascender of the second.
+        fill(picture, {26, 10, 2, 29}, kBlack);
+        const QList<QRect> lines = found(picture);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(lines.first().bottom() >= 21 && lines.first().bottom() < 27);
+        QVERIFY(lines.last().top() > 21 && lines.last().top() <= 27);
+    }
+
+    void dotsAndAccentsGoWithTheirLine()
+    {
+        QImage picture = plain({300, 80});
+        const QRect letters = write(picture, {20, 30}, {5, 4});
+        const QRect accent(42, 26, 3, 2);
+        const QRect cedilla(75, 44, 3, 2);
+        const QRect fullStop(letters.right() + 3, letters.bottom() - 1, 2, 2);
+        for (const QRect& mark : {accent, cedilla, fullStop})
+            fill(picture, mark, kBlack);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters | accent | cedilla | fullStop));
+    }
+
+    void whatIsNoTextIsNotFound_data()
+    {
+        QTest::addColumn<QImage>("picture");
+        QImage picture = plain({400, 300});
+        QTest::newRow("nothing") << picture;
+        fill(picture, {50, 50, 200, 150}, kBlack);
+        QTest::newRow("a panel") << picture;
+        picture = plain({400, 300});
+        fill(picture, {0, 100, 400, 1}, kBlack);
+        fill(picture, {200, 0, 1, 300}, kBlack);
+        QTest::newRow("rules") << picture;
+        for (int x = 0; x < 400; ++x)
+            fill(picture, {x, 0, 1, 300}, qRgb(x * 255 / 400, 80, 255 - x * 255 / 400));
+        QTest::newRow("a gradient") << picture;
+        picture = plain({400, 300});
+        fill(picture, {100, 100, 1, 14}, kBlack);
+        QTest::newRow("a caret") << picture;
+        QTest::newRow("no picture") << QImage();
+        QTest::newRow("a pixel") << plain({1, 1});
+        QTest::newRow("a row") << plain({500, 1}, kBlack);
+        QTest::newRow("a column") << plain({1, 500}, kBlack);
+        QTest::newRow("another format")
+            << plain({40, 30}).convertToFormat(QImage::Format_Grayscale8);
+    }
+    void whatIsNoTextIsNotFound()
+    {
+        QFETCH(QImage, picture);
+        QCOMPARE(found(picture), QList<QRect>());
+    }
+
+    void linesLieWithinThePictureUpToItsEdges()
+    {
+        QImage picture = plain({200, 60});
+        const QRect first = write(picture, {0, 0}, {4});
+        const QRect last = write(picture, {200 - first.width(), 48}, {4});
+        const QList<QRect> lines = found(picture);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(lines.first().contains(first));
+        QVERIFY(lines.last().contains(last));
+        for (const QRect& line : lines)
+            QVERIFY(picture.rect().contains(line));
+    }
+
+    void whatLooksLikeTextEverywhereEndsInTime_data()
+    {
+        QTest::addColumn<QImage>("picture");
+        QImage picture = plain({2048, 1280});
+        std::mt19937 random(3);
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixel(x, y, static_cast<QRgb>(random()) | 0xff000000);
+        QTest::newRow("noise") << picture;
+        picture.fill(kWhite);
+        for (int y = 0; y + 8 < picture.height(); y += 10)
+            for (int x = 0; x + 5 < picture.width(); x += 18)
+                fill(picture, {x, y, 5, 8}, kBlack);
+        QTest::newRow("tiles") << picture;
+        picture.fill(kWhite);
+        for (int y = 0; y < picture.height(); y += 3)
+            for (int x = 0; x < picture.width(); x += 14)
+                picture.setPixel(x, y, kBlack);
+        QTest::newRow("dots") << picture;
+    }
+    void whatLooksLikeTextEverywhereEndsInTime()
+    {
+        QFETCH(QImage, picture);
+        QElapsedTimer timer;
+        timer.start();
+        for (const QRect& line : found(picture))
+            QVERIFY(picture.rect().contains(line));
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    }
+};
+
+} // namespace mossbank
+
+QTEST_APPLESS_MAIN(mossbank::TextLineFinderTest)
+#include "TextLineFinderTest.moc"
