@@ -52,14 +52,14 @@ public:
     int at(int x, int y) const { return const_cast<Ink*>(this)->at(x, y); }
     bool isWall(int x) const { return m_walls[static_cast<std::size_t>(x)]; }
 
-    /// Removes lone vertical strokes from top to bottom of the line, and remembers where they
-    /// were: borders of cells, which a recogniser would take for letters.
+    /// Removes lone vertical strokes that are longer than the line is high, and remembers where
+    /// they were: borders of cells, which a recogniser would take for letters.
     void removeWalls()
     {
         constexpr int kThickest = 2;
         for (int x = 0; x < width(); ++x) {
             int end = x;
-            while (end < width() && inkInColumn(end) == m_part.height())
+            while (end < width() && isThrough(end))
                 ++end;
             const int thickness = end - x;
             if (thickness > 0 && thickness <= kThickest && isEmpty(x - 2) && isEmpty(end + 1)) {
@@ -94,8 +94,7 @@ public:
 
     /// Removes what touches the border: around a line is room enough for all of its letters, so it
     /// is an edge of a button, the corner of a badge, the end of something else. Where the picture
-    /// ends there is no such room, and only what lies along all of the border is none of the
-    /// line's.
+    /// ends there is no such room, and a letter may reach up to it.
     void removeWhatTouchesTheBorder()
     {
         std::vector<QPoint> left;
@@ -105,20 +104,16 @@ public:
             at(x, y) = 0;
             left.emplace_back(x, y);
         };
-        const bool takesTop = !m_isCut.top || isFullRow(0);
-        const bool takesBottom = !m_isCut.bottom || isFullRow(height() - 1);
-        const bool takesLeft = !m_isCut.left || isFullColumn(0);
-        const bool takesRight = !m_isCut.right || isFullColumn(width() - 1);
         for (int x = 0; x < width(); ++x) {
-            if (takesTop)
+            if (!m_isCut.top)
                 take(x, 0);
-            if (takesBottom)
+            if (!m_isCut.bottom)
                 take(x, height() - 1);
         }
         for (int y = 0; y < height(); ++y) {
-            if (takesLeft)
+            if (!m_isCut.left)
                 take(0, y);
-            if (takesRight)
+            if (!m_isCut.right)
                 take(width() - 1, y);
         }
         while (!left.empty()) {
@@ -177,28 +172,24 @@ public:
     }
 
 private:
-    int inkInColumn(int x) const
+    bool isThrough(int x) const
     {
-        int count = 0;
-        for (int y = m_part.top(); y <= m_part.bottom(); ++y)
-            count += at(x, y) > kInk;
-        return count;
+        for (int y = 0; y < height(); ++y) {
+            if (at(x, y) <= kInk)
+                return false;
+        }
+        return true;
     }
-    bool isEmpty(int x) const { return x < 0 || x >= width() || inkInColumn(x) == 0; }
-
-    bool isFullRow(int y) const
+    /// Whether the line has nothing there.
+    bool isEmpty(int x) const
     {
-        bool isFull = true;
-        for (int x = 0; x < width(); ++x)
-            isFull = isFull && at(x, y) > kInk;
-        return isFull;
-    }
-    bool isFullColumn(int x) const
-    {
-        bool isFull = true;
-        for (int y = 0; y < height(); ++y)
-            isFull = isFull && at(x, y) > kInk;
-        return isFull;
+        if (x < 0 || x >= width())
+            return true;
+        for (int y = m_part.top(); y <= m_part.bottom(); ++y) {
+            if (at(x, y) > kInk)
+                return false;
+        }
+        return true;
     }
 
     /// Where what is around ends with the picture.

@@ -28,7 +28,10 @@ private Q_SLOTS:
         QTest::newRow("the same") << qRgb(100, 100, 100) << false;
         QTest::newRow("all by 22") << qRgb(122, 122, 122) << false;
         QTest::newRow("red by 23") << qRgb(123, 100, 100) << true;
+        QTest::newRow("red by -23") << qRgb(77, 100, 100) << true;
+        QTest::newRow("green by 23") << qRgb(100, 123, 100) << true;
         QTest::newRow("green by -23") << qRgb(100, 77, 100) << true;
+        QTest::newRow("blue by -23") << qRgb(100, 100, 77) << true;
         QTest::newRow("blue by 23") << qRgb(100, 100, 123) << true;
         QTest::newRow("opacity") << qRgba(100, 100, 100, 0) << false;
     }

@@ -124,6 +124,19 @@ private Q_SLOTS:
         QCOMPARE(images.first(), images.last());
     }
 
+    void aLetterOfOneStrokeIsNoBorder()
+    {
+        QImage picture = plain(kSize);
+        const QRect left = write(picture, kPlace, {3});
+        const QRect stroke(left.right() + 4, 30, 2, 12);
+        fill(picture, stroke, kBlack);
+        const QRect line = left | stroke;
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QVERIFY(images.first().width() > line.width());
+        QCOMPARE(darkest(images.first().copy(line.width(), 0, 3, 16)), 0);
+    }
+
     void aBadgeIsAnImageOfItsOwn()
     {
         QImage picture = plain(kSize);

@@ -25,13 +25,15 @@ private Q_SLOTS:
         QTest::newRow("columns of which the left ends early")
             << QList<QRect>{{5, 5, 100, 12}, {200, 5, 100, 12}, {200, 25, 100, 12}};
         QTest::newRow("a title over two columns, a line under them")
-            << QList<QRect>{{5, 5, 300, 20},   {5, 45, 100, 12},  {5, 65, 100, 12},
-                            {200, 45, 99, 12}, {200, 65, 99, 12}, {5, 105, 300, 12}};
+            << QList<QRect>{{4, 5, 300, 20},   {5, 45, 100, 12},  {5, 65, 100, 12},
+                            {200, 45, 99, 12}, {200, 65, 99, 12}, {4, 105, 300, 12}};
         QTest::newRow("columns within a column") << QList<QRect>{
             {5, 5, 60, 12},     {5, 25, 60, 12},    {100, 5, 300, 20}, {100, 60, 100, 12},
             {100, 80, 100, 12}, {260, 60, 100, 12}, {260, 80, 100, 12}};
         QTest::newRow("side by side, a word's space apart")
             << QList<QRect>{{5, 5, 60, 12}, {70, 5, 60, 12}, {5, 25, 125, 12}};
+        QTest::newRow("rows of words, a word's space apart")
+            << QList<QRect>{{5, 5, 60, 12}, {70, 5, 60, 12}, {5, 25, 60, 12}, {70, 25, 60, 12}};
         QTest::newRow("lines that overlap")
             << QList<QRect>{{5, 5, 100, 20}, {40, 15, 100, 20}, {20, 28, 100, 20}};
     }

@@ -111,6 +111,17 @@ private Q_SLOTS:
         QVERIFY(isAround(found(picture).last(), right));
     }
 
+    void whatStandsHigherIsAnotherLine()
+    {
+        // As near as a word is to the next.
+        QImage picture = plain({400, 60});
+        const QRect left = write(picture, {10, 20}, {4});
+        const QRect right = write(picture, {left.right() + 14, 27}, {4});
+        QCOMPARE(found(picture).size(), 2);
+        QVERIFY(isAround(found(picture).first(), left));
+        QVERIFY(isAround(found(picture).last(), right));
+    }
+
     void linesBelowEachOtherAreLinesOfTheirOwn_data()
     {
         QTest::addColumn<int>("between");
@@ -173,6 +184,8 @@ private Q_SLOTS:
         picture = plain({400, 300});
         fill(picture, {100, 100, 1, 14}, kBlack);
         QTest::newRow("a caret") << picture;
+        fill(picture, {200, 100, 4, 40}, kBlack);
+        QTest::newRow("a thick one") << picture;
         QTest::newRow("no picture") << QImage();
         QTest::newRow("a pixel") << plain({1, 1});
         QTest::newRow("a row") << plain({500, 1}, kBlack);
