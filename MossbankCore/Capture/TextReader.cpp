@@ -84,7 +84,10 @@ TextReader::TextReader(std::unique_ptr<LineRecognizer> recognizer)
     m_pool.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 4));
 }
 
-TextReader::~TextReader() = default;
+TextReader::~TextReader()
+{
+    m_pool.waitForDone();
+}
 
 QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
 {
@@ -244,7 +247,8 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
 void TextReader::rest()
 {
     m_wantsRest = true;
-    restIfWanted();
+    // Not on the thread that asks: giving back a hundred megabytes takes a while.
+    m_pool.start([this] { restIfWanted(); });
 }
 
 void TextReader::restIfWanted()

@@ -31,7 +31,7 @@ public:
 
     /// A line of text each, its words with one space between.
     QStringList recognize(const QImage& image, const Options& options) override;
-    /// Waits for no reading: what one under way reads is forgotten when it ends.
+    /// Returns at once. What a reading under way reads is forgotten when that ends.
     void rest() override;
 
 private:

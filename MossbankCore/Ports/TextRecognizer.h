@@ -33,8 +33,8 @@ public:
     /// Throws what the recogniser reports as a failure, a `Failure` where it can.
     virtual QStringList recognize(const QImage& image, const Options& options) = 0;
 
-    /// Forgets what it read and gives its memory back, until the next picture. A reading under
-    /// way goes on and is forgotten when it ends; nothing is waited for.
+    /// Forgets what it read and gives its memory back, until the next picture. Returns at once; a
+    /// reading under way goes on, and is forgotten when it ends.
     virtual void rest() = 0;
 };
 

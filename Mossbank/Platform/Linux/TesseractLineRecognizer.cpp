@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <locale.h>
+#include <malloc.h>
 #include <omp.h>
 #include <tesseract/baseapi.h>
 #include <tesseract/resultiterator.h>
@@ -159,8 +160,13 @@ public:
 
     void rest()
     {
-        const QMutexLocker lock(&m_mutex);
-        m_idle.clear();
+        {
+            const QMutexLocker lock(&m_mutex);
+            m_idle.clear();
+        }
+        // Its dictionaries, and then what was freed: the allocator keeps that for the next time.
+        tesseract::TessBaseAPI::ClearPersistentCache();
+        ::malloc_trim(0);
     }
 
 private:
