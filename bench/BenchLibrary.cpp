@@ -3,6 +3,7 @@
 
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Support/Failure.h"
+#include "bench/BenchMemory.h"
 #include "bench/BenchOutput.h"
 #include "bench/BenchTiming.h"
 #include "bench/SyntheticLibrary.h"
@@ -65,27 +66,13 @@ void copyLibrary(const QString& from, const QString& to)
         throw FileError(u"could not be copied"_s, from);
 }
 
-/// The resident memory of this process in bytes, and its highest so far.
-qint64 residentBytes(const QByteArray& field)
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith(field + ':'))
-            return line.simplified().split(' ').value(1).toLongLong() * kKilobyte;
-    }
-    return 0;
-}
-
 void printMemory(const char* what)
 {
-    constexpr double kMegabyte = kKilobyte * kKilobyte;
     printFigures({
         {u"bench"_s, u"library"_s},
         {u"what"_s, QString::fromUtf8(what)},
-        {u"resident_mb"_s, rounded(static_cast<double>(residentBytes("VmRSS")) / kMegabyte)},
-        {u"highest_mb"_s, rounded(static_cast<double>(residentBytes("VmHWM")) / kMegabyte)},
+        {u"resident_mb"_s, rounded(residentMegabytes("VmRSS"))},
+        {u"highest_mb"_s, rounded(residentMegabytes("VmHWM"))},
     });
 }
 

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+
+namespace mossbank {
+
+/// The memory of this process in bytes by a field of its status: "VmRSS" for what is resident,
+/// "VmHWM" for its highest so far. 0 where that is not told.
+inline qint64 residentBytes(const QByteArray& field)
+{
+    constexpr qint64 kKilobyte = 1024;
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith(field + ':'))
+            return line.simplified().split(' ').value(1).toLongLong() * kKilobyte;
+    }
+    return 0;
+}
+
+inline double residentMegabytes(const QByteArray& field)
+{
+    constexpr double kMegabyte = 1024 * 1024;
+    return static_cast<double>(residentBytes(field)) / kMegabyte;
+}
+
+} // namespace mossbank
