@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/ScreenFingerprint.h"
 
+#include "MossbankCore/Capture/CellComparison.h"
+#include "MossbankCore/Capture/GrayCells.h"
+
 #include <QImage>
 
 namespace mossbank {
@@ -9,18 +12,13 @@ std::optional<Fingerprint> ScreenFingerprint::make(const QImage& image, int size
 {
     if (size < 1 || image.isNull())
         return std::nullopt;
-    // Qt scales and grays some formats in other ways; all are to give the same cells.
-    const QImage cells = image.convertToFormat(QImage::Format_RGB32)
-                             .scaled(size, size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                             .convertToFormat(QImage::Format_Grayscale8);
-    if (cells.isNull())
-        return std::nullopt;
-    Fingerprint fingerprint;
-    fingerprint.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size));
-    for (int row = 0; row < size; ++row)
-        fingerprint.insert(fingerprint.end(), cells.constScanLine(row),
-                           cells.constScanLine(row) + size);
-    return fingerprint;
+    switch (image.format()) {
+    case QImage::Format_RGB32:
+    case QImage::Format_ARGB32:
+        return grayCells(image, size);
+    default:
+        return grayCells(image.convertToFormat(QImage::Format_RGB32), size);
+    }
 }
 
 bool ScreenFingerprint::areComparable(const std::optional<Fingerprint>& from,
@@ -34,10 +32,11 @@ std::int64_t ScreenFingerprint::moved(const std::optional<Fingerprint>& from,
 {
     if (!areComparable(from, to))
         return kNotComparable;
-    std::int64_t count = 0;
-    for (std::size_t cell = 0; cell < to->size(); ++cell)
-        count += hasMoved((*from)[cell], (*to)[cell], tolerance) ? 1 : 0;
-    return count;
+    const std::uint8_t* const before = from->data();
+    const std::uint8_t* const after = to->data();
+    return countCells(0, to->size(), [=](std::size_t cell) {
+        return cellMoved(before[cell], after[cell], tolerance);
+    });
 }
 
 bool ScreenFingerprint::changed(const std::optional<Fingerprint>& from,

@@ -41,12 +41,6 @@ public:
     /// Whether two fingerprints can be compared.
     static bool areComparable(const std::optional<Fingerprint>& from,
                               const std::optional<Fingerprint>& to);
-
-    /// Whether a cell of these two values has moved.
-    static constexpr bool hasMoved(std::uint8_t from, std::uint8_t to, std::uint8_t tolerance)
-    {
-        return (from > to ? from - to : to - from) > tolerance;
-    }
 };
 
 } // namespace mossbank

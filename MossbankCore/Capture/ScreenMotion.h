@@ -37,9 +37,6 @@ struct ScreenMotion {
     void forget() { sightings.clear(); }
 
     friend bool operator==(const ScreenMotion&, const ScreenMotion&) = default;
-
-private:
-    bool hasSettled(std::size_t cell) const;
 };
 
 } // namespace mossbank

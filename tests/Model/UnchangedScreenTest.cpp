@@ -108,6 +108,28 @@ private Q_SLOTS:
         QCOMPARE(rig.saved().size(), learnt + 1);
     }
 
+    void aSlowDriftAddsUpAndIsCaught_data()
+    {
+        QTest::addColumn<QString>("mode");
+        for (const char* mode : {"flicker", "any"})
+            QTest::newRow(mode) << QString::fromLatin1(mode);
+    }
+    void aSlowDriftAddsUpAndIsCaught()
+    {
+        QFETCH(QString, mode);
+        RecorderRig rig;
+        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
+        rig.screen.pictureNow.fill(qRgb(100, 100, 100));
+        rig.preferences.setChangeMode(mode);
+        rig.start();
+        // No step is more than what counts as the same; the third is, since the picture saved.
+        for (int step = 1; step <= 6; ++step) {
+            rig.drawBlock(QRect(40, 40, 1, 1), QColor(100 + step, 100 + step, 100 + step));
+            rig.nextPass();
+            QCOMPARE(rig.saved().size(), 1 + step / 3);
+        }
+    }
+
     void withTheSkippingOffEveryPassSavesAndReads()
     {
         RecorderRig rig;

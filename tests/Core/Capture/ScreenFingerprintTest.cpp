@@ -3,7 +3,10 @@
 
 #include <QElapsedTimer>
 #include <QImage>
+#include <QRandomGenerator>
 #include <QTest>
+
+#include <cstdlib>
 
 namespace mossbank {
 
@@ -36,6 +39,8 @@ private Q_SLOTS:
     void aCellMovesWhenItDiffersByMoreThanTheTolerance_data();
     void aCellMovesWhenItDiffersByMoreThanTheTolerance();
     void everyMovedCellIsCounted();
+    void cellsAreCountedWhateverTheirNumber_data();
+    void cellsAreCountedWhateverTheirNumber();
 
     void aFingerprintHasSizeTimesSizeCells_data();
     void aFingerprintHasSizeTimesSizeCells();
@@ -114,6 +119,33 @@ void ScreenFingerprintTest::everyMovedCellIsCounted()
     Fingerprint last = before;
     last.back() = 13;
     QCOMPARE(ScreenFingerprint::moved(before, last, 2), std::int64_t{1});
+}
+
+void ScreenFingerprintTest::cellsAreCountedWhateverTheirNumber_data()
+{
+    QTest::addColumn<std::size_t>("cells");
+    // They are counted in blocks; a rest of a block is counted too.
+    for (const std::size_t cells : {1, 2, 127, 128, 129, 255, 256, 300, 36'864, 40'000})
+        QTest::addRow("%zu", cells) << cells;
+}
+
+void ScreenFingerprintTest::cellsAreCountedWhateverTheirNumber()
+{
+    QFETCH(std::size_t, cells);
+    QCOMPARE(ScreenFingerprint::moved(Fingerprint(cells, 0), Fingerprint(cells, 255), 254),
+             static_cast<std::int64_t>(cells));
+    QRandomGenerator random(5);
+    Fingerprint before(cells);
+    Fingerprint after(cells);
+    std::int64_t expected = 0;
+    for (std::size_t cell = 0; cell < cells; ++cell) {
+        const int from = random.bounded(256);
+        const int to = random.bounded(256);
+        before[cell] = static_cast<std::uint8_t>(from);
+        after[cell] = static_cast<std::uint8_t>(to);
+        expected += std::abs(from - to) > 100 ? 1 : 0;
+    }
+    QCOMPARE(ScreenFingerprint::moved(before, after, 100), expected);
 }
 
 void ScreenFingerprintTest::aFingerprintHasSizeTimesSizeCells_data()
@@ -235,8 +267,8 @@ void ScreenFingerprintTest::aFingerprintOfAScreenIsCheap()
     qInfo("make: %.2f ms", static_cast<double>(timer.nsecsElapsed()) / 1e6 / kTimes);
     QVERIFY(timer.elapsed() < kTimes * 100);
 
-    const Fingerprint one(36'864, 1);
-    const Fingerprint two(36'864, 2);
+    const Cells one = Fingerprint(36'864, 1);
+    const Cells two = Fingerprint(36'864, 2);
     timer.restart();
     for (int time = 0; time < kTimes; ++time)
         QCOMPARE(ScreenFingerprint::moved(one, two, 2), std::int64_t{0});

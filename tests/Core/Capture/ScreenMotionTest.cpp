@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/ScreenMotion.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
+#include <algorithm>
+#include <cstdlib>
+#include <set>
 #include <vector>
 
 namespace mossbank {
@@ -57,6 +61,9 @@ private Q_SLOTS:
     void forgettingStartsTheLearningOver();
     void motionsAreComparedFieldByField();
     void aCaretIsLearntAndAWordBesideItIsNews();
+    void aWholeScreenIsLearntAsItsCellsOneByOne_data();
+    void aWholeScreenIsLearntAsItsCellsOneByOne();
+    void theThirteenthCellMayBeTheLastOfTheScreen();
 };
 
 void ScreenMotionTest::itBeginsKnowingNothing()
@@ -258,6 +265,63 @@ void ScreenMotionTest::aCaretIsLearntAndAWordBesideItIsNews()
     QCOMPARE(motion.novel(hidden, shown, kTolerance), std::int64_t{0});
     QCOMPARE(motion.novel(hidden, lit({40, 41, 60}), kTolerance), std::int64_t{1});
     QCOMPARE(ScreenFingerprint::moved(hidden, lit({40, 41, 60}), kTolerance), std::int64_t{3});
+}
+
+void ScreenMotionTest::aWholeScreenIsLearntAsItsCellsOneByOne_data()
+{
+    QTest::addColumn<std::size_t>("cells");
+    for (const std::size_t cells : {1, 127, 128, 129, 300, 36'864})
+        QTest::addRow("%zu", cells) << cells;
+}
+
+/// Small changes at random, against a count kept cell by cell.
+void ScreenMotionTest::aWholeScreenIsLearntAsItsCellsOneByOne()
+{
+    QFETCH(std::size_t, cells);
+    QRandomGenerator random(9);
+    const Fingerprint first(cells, 50);
+    Fingerprint shown = first;
+    ScreenMotion motion;
+    std::vector<int> expected(cells, 0);
+    std::vector<std::size_t> restless;
+    for (int cell = 0; cell < 6; ++cell)
+        restless.push_back(static_cast<std::size_t>(random.bounded(static_cast<int>(cells))));
+    for (int check = 0; check < 60; ++check) {
+        const Fingerprint earlier = shown;
+        for (const std::size_t cell : restless)
+            shown[cell] = static_cast<std::uint8_t>(random.bounded(4) ? random.bounded(256) : 50);
+        std::set<std::size_t> moved;
+        for (const std::size_t cell : restless) {
+            if (std::abs(shown[cell] - earlier[cell]) > kTolerance)
+                moved.insert(cell);
+        }
+        for (std::size_t cell = 0; cell < cells && !moved.empty(); ++cell)
+            expected[cell] = std::clamp(expected[cell] + (moved.contains(cell) ? 1 : -1), 0, 3);
+
+        motion.observe(earlier, shown, kTolerance);
+        QVERIFY(std::ranges::equal(motion.sightings, expected));
+        std::int64_t news = 0;
+        for (std::size_t cell = 0; cell < cells; ++cell)
+            news += std::abs(shown[cell] - first[cell]) > kTolerance && expected[cell] < 3;
+        QCOMPARE(motion.novel(first, shown, kTolerance), news);
+        QCOMPARE(motion.restless(), std::ranges::count(expected, 3));
+    }
+}
+
+void ScreenMotionTest::theThirteenthCellMayBeTheLastOfTheScreen()
+{
+    constexpr std::size_t kScreen = 36'864;
+    const Fingerprint still(kScreen, 50);
+    Fingerprint changed = still;
+    for (std::size_t cell = 0; cell < 12; ++cell)
+        changed[cell * 3'000] = 200;
+    ScreenMotion motion;
+    motion.observe(still, changed, kTolerance);
+    QCOMPARE(int{motion.sightings[33'000]}, 1);
+    const ScreenMotion before = motion;
+    changed[kScreen - 1] = 200;
+    motion.observe(still, changed, kTolerance);
+    QCOMPARE(motion, before);
 }
 
 } // namespace mossbank
