@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "bench/BenchCheck.h"
 #include "bench/BenchGrab.h"
 #include "bench/BenchLibrary.h"
 #include "bench/BenchRead.h"
@@ -24,6 +25,8 @@ constexpr const char* kUsage =
     "takes\n"
     "  save --rows N           one save into a library of N rows, beside its bare minimum\n"
     "  library --rows N        what is asked of a library of N rows, beside the bare queries\n"
+    "  check [--rounds N]      a check that finds the same screen, beside a bare grab of it\n"
+    "  check --program SECS    the same in the real program, checking once a second\n"
     "  grab                    one picture of the display, beside a bare grab of it\n";
 
 } // namespace
@@ -32,9 +35,8 @@ int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
     const std::map<QString, std::function<int(const QStringList&)>> benchmarks = {
-        {u"grab"_s, mossbank::benchGrab},
-        {u"library"_s, mossbank::benchLibrary},
-        {u"read"_s, mossbank::benchRead},
+        {u"check"_s, mossbank::benchCheck},     {u"grab"_s, mossbank::benchGrab},
+        {u"library"_s, mossbank::benchLibrary}, {u"read"_s, mossbank::benchRead},
         {u"save"_s, mossbank::benchSave},
     };
     const QStringList arguments = QCoreApplication::arguments();

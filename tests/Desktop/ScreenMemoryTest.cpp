@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Model/ScreensSeen.h"
 #include "tests/Desktop/DesktopTest.h"
 
 #include <QDir>
@@ -67,6 +68,40 @@ private Q_SLOTS:
         QVERIFY2(server < kLeeway, qPrintable(QString::number(server)));
         QCOMPARE(openFiles(), filesBefore);
         QVERIFY(!last.isNull());
+    }
+
+    /// What a capture pass does, up to its decision.
+    void twoThousandUnchangedChecksLeaveNothingBehind()
+    {
+        const VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        WindowProgram alpha;
+        QVERIFY(alpha.open(
+            {.frame = {200, 200, 300, 200}, .colour = kGreen, .windowClass = u"Alpha"_s}));
+        ScreensSeen seen;
+        int changes = 0;
+        const auto check = [&] {
+            const ScreenContent content = screen->content().result();
+            const QImage picture =
+                screen->picture({*content.mainDisplay, {kAlpha}, {1920, 1080}}).result();
+            const auto fingerprint = ScreenFingerprint::make(picture, 192);
+            const auto moved = seen.look(fingerprint);
+            if (!seen.isUnchanged(fingerprint, moved, u"flicker"_s))
+                ++changes;
+            seen.lastScreen = fingerprint;
+        };
+        for (int round = 0; round < 100; ++round)
+            check();
+        const qint64 before = residentBytes(::getpid());
+        const qsizetype filesBefore = openFiles();
+        for (int round = 0; round < 2000; ++round)
+            check();
+        constexpr qint64 kLeeway = 2'000'000;
+        const qint64 grown = residentBytes(::getpid()) - before;
+        QVERIFY2(grown < kLeeway, qPrintable(QString::number(grown)));
+        QCOMPARE(openFiles(), filesBefore);
+        QCOMPARE(changes, 1); // the first, which has none before it
     }
 
     void picturesThatAreKeptAreGivenBackLater()
