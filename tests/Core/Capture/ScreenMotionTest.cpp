@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/ScreenMotion.h"
 
+#include "tests/Core/RandomRounds.h"
+
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -278,7 +280,7 @@ void ScreenMotionTest::aWholeScreenIsLearntAsItsCellsOneByOne_data()
 void ScreenMotionTest::aWholeScreenIsLearntAsItsCellsOneByOne()
 {
     QFETCH(std::size_t, cells);
-    QRandomGenerator random(9);
+    QRandomGenerator random(randomSeed());
     const Fingerprint first(cells, 50);
     Fingerprint shown = first;
     ScreenMotion motion;
