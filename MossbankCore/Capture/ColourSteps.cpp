@@ -31,22 +31,33 @@ void ColourSteps::removeStraightEdges()
 {
     // Taller than the stem of any letter.
     constexpr int kTallest = 64;
-    // Row by row, for the memory's sake: how far the run of each column has come.
-    std::vector<int> runs(static_cast<std::size_t>(m_width), 0);
-    for (int y = 0; y <= m_height; ++y) {
+    // So many rows may lie between: where a picture behind a window happens to have its colour.
+    // Between the stems of one line and the next are more.
+    constexpr int kBreak = 2;
+    struct Edge {
+        int start = 0;
+        int end = 0; // left out
+    };
+    // Row by row, for the memory's sake: how far the edge in each column has come.
+    std::vector<Edge> edges(static_cast<std::size_t>(m_width));
+    const auto finish = [&](int x, const Edge& edge) {
+        for (int y = edge.start; y < edge.end && edge.end - edge.start > kTallest; ++y)
+            m_steps[index(x, y)] = 0;
+    };
+    for (int y = 0; y < m_height; ++y) {
         for (int x = 0; x < m_width; ++x) {
-            int& run = runs[static_cast<std::size_t>(x)];
-            if (y < m_height && at(x, y)) {
-                ++run;
+            if (!at(x, y))
                 continue;
+            Edge& edge = edges[static_cast<std::size_t>(x)];
+            if (y - edge.end > kBreak) {
+                finish(x, edge);
+                edge.start = y;
             }
-            if (run > kTallest) {
-                for (int above = y - run; above < y; ++above)
-                    m_steps[index(x, above)] = 0;
-            }
-            run = 0;
+            edge.end = y + 1;
         }
     }
+    for (int x = 0; x < m_width; ++x)
+        finish(x, edges[static_cast<std::size_t>(x)]);
 }
 
 } // namespace mossbank

@@ -4,6 +4,7 @@
 #include "MossbankCore/Capture/ColourSteps.h"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <vector>
 
@@ -145,30 +146,28 @@ Box tightened(const ColourSteps& steps, Box box)
     return tight;
 }
 
-/// Parts a piece in which several lines touch: descenders of one and ascenders of the next leave
-/// rows with few steps between rows with many.
-void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& lines)
+/// Start and end of a band of rows within a piece, the end left out.
+struct Band {
+    int start = 0;
+    int end = 0;
+
+    int height() const { return end - start; }
+};
+
+/// The bands of rows of a piece that have more than a part of the steps of the fullest row near.
+std::vector<Band> bandsOf(const std::vector<int>& counts, double few)
 {
-    constexpr int kLowestPair = 14;
     constexpr int kReach = 12;
-    constexpr double kFew = 0.14;
     constexpr int kLowestBand = 5;
-    if (piece.height() < kLowestPair) {
-        lines.push_back(piece);
-        return;
-    }
-    std::vector<int> counts;
-    for (int y = piece.top; y < piece.bottom; ++y)
-        counts.push_back(steps.count(y, piece.left, piece.right));
-    const int rows = piece.height();
+    const int rows = static_cast<int>(counts.size());
     const auto isWithinLine = [&](int row) {
         const auto from = counts.begin() + std::max(0, row - kReach);
         const auto to = counts.begin() + std::min(rows, row + kReach + 1);
         const int most = *std::max_element(from, to);
         const int here = counts[static_cast<std::size_t>(row)];
-        return here > 0 && here > kFew * most;
+        return here > 0 && here > few * most;
     };
-    std::vector<std::pair<int, int>> bands;
+    std::vector<Band> bands;
     for (int row = 0; row < rows; ++row) {
         if (!isWithinLine(row))
             continue;
@@ -177,21 +176,64 @@ void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& li
             ++row;
         // A lower one is the dots of a line, and goes with it.
         if (row - start >= kLowestBand)
-            bands.emplace_back(start, row);
+            bands.push_back({start, row});
     }
-    if (bands.size() < 2) {
-        lines.push_back(piece);
+    return bands;
+}
+
+/// Whether they may be lines of one text: of a large letter's parts one is far higher.
+bool areAlike(const std::vector<Band>& bands)
+{
+    constexpr double kHigher = 1.6;
+    const auto [lowest, highest] = std::ranges::minmax(bands, {}, &Band::height);
+    return highest.height() <= kHigher * lowest.height();
+}
+
+/// A piece of one line without what reaches far above or below it: a few specks of a picture beside
+/// it may have come with it.
+Box withoutOutskirts(const ColourSteps& steps, const Box& piece, const std::vector<int>& counts)
+{
+    constexpr double kFew = 0.14;
+    const std::vector<Band> bands = bandsOf(counts, kFew);
+    if (bands.size() != 1)
+        return piece;
+    // Room for ascenders, accents and descenders, of which there may be as few.
+    const int height = bands.front().height();
+    const int above = std::max(4, height * 7 / 10);
+    const int below = std::max(4, height / 2);
+    Box line = piece;
+    line.top = std::max(piece.top, piece.top + bands.front().start - above);
+    line.bottom = std::min(piece.bottom, piece.top + bands.front().end + below);
+    return tightened(steps, line);
+}
+
+/// Parts a piece in which several lines touch: descenders of one and ascenders of the next leave
+/// rows with fewer steps between rows with many. How few those are depends on the words, so that
+/// what remains together is tried again with a higher share, for as long as the parts are alike.
+void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& lines,
+                std::size_t attempt = 0)
+{
+    constexpr int kLowestPair = 14;
+    constexpr std::array kFew = {0.14, 0.24, 0.36};
+    std::vector<int> counts;
+    for (int y = piece.top; y < piece.bottom && piece.height() >= kLowestPair; ++y)
+        counts.push_back(steps.count(y, piece.left, piece.right));
+    for (; attempt < kFew.size() && !counts.empty(); ++attempt) {
+        const std::vector<Band> bands = bandsOf(counts, kFew.at(attempt));
+        if (bands.size() < 2 || (attempt > 0 && !areAlike(bands)))
+            continue;
+        for (std::size_t band = 0; band < bands.size(); ++band) {
+            const bool isLast = band + 1 == bands.size();
+            const int start = band == 0 ? 0 : (bands[band - 1].end + bands[band].start) / 2;
+            const int end = isLast ? piece.height() : (bands[band].end + bands[band + 1].start) / 2;
+            const Box line =
+                tightened(steps, {piece.left, piece.top + start, piece.right, piece.top + end});
+            if (line.width() > 0)
+                addLinesOf(steps, line, lines, attempt + 1);
+        }
         return;
     }
-    for (std::size_t band = 0; band < bands.size(); ++band) {
-        const int start = band == 0 ? 0 : (bands[band - 1].second + bands[band].first) / 2;
-        const int end =
-            band + 1 == bands.size() ? rows : (bands[band].second + bands[band + 1].first) / 2;
-        const Box line =
-            tightened(steps, {piece.left, piece.top + start, piece.right, piece.top + end});
-        if (line.width() > 0)
-            lines.push_back(line);
-    }
+    lines.push_back(counts.empty() ? piece : withoutOutskirts(steps, piece, counts));
 }
 
 /// Whether two pieces stand on one line, the second to the right of the first or within it.
@@ -204,7 +246,11 @@ bool isOneLine(const Box& one, const Box& other)
     const int higher = std::max(one.height(), other.height());
     const int lower = std::min(one.height(), other.height());
     const int spread = std::max(one.bottom, other.bottom) - std::min(one.top, other.top);
-    return other.left - one.right <= kWordGap * higher + 2 &&
+    // A bar beside a few lines goes with none of them.
+    const auto isBar = [&](const Box& box) {
+        return box.height() > 3 * box.width() && 2 * box.height() > 3 * lower;
+    };
+    return !isBar(one) && !isBar(other) && other.left - one.right <= kWordGap * higher + 2 &&
            overlap(one.top, one.bottom, other.top, other.bottom) >= kCommon * lower &&
            higher <= kHigher * lower && spread <= kSpread * higher;
 }
@@ -238,25 +284,29 @@ void joinLines(std::vector<Box>& lines)
 /// Gives dots and accents to the line that they stand over or under.
 void addMarks(const std::vector<Box>& marks, std::vector<Box>& lines)
 {
+    // Of the letters alone: or specks, each near the one before, would draw a line out to them.
+    const std::vector<Box> letters = lines;
     for (const Box& mark : marks) {
-        Box* nearest = nullptr;
+        std::size_t nearest = letters.size();
         int least = kHighestLine;
-        for (Box& line : lines) {
+        for (std::size_t place = 0; place < letters.size(); ++place) {
             constexpr int kBehind = 6; // a full stop after the last letter
+            const Box& line = letters[place];
             const int away = std::max(0, -overlap(mark.top, mark.bottom, line.top, line.bottom));
             const bool isBeside = mark.right < line.left - 2 || mark.left > line.right + kBehind;
             const bool isTooWide =
                 mark.width() >= line.width() + kGapWithinPiece || mark.width() >= 6 * line.height();
             if (isBeside || isTooWide || away > std::max(3, line.height() / 3) || away >= least)
                 continue;
-            nearest = &line;
+            nearest = place;
             least = away;
         }
-        if (!nearest)
+        if (nearest == letters.size())
             continue;
-        nearest->top = std::min(nearest->top, mark.top);
-        nearest->bottom = std::max(nearest->bottom, mark.bottom);
-        nearest->right = std::max(nearest->right, mark.right);
+        Box& line = lines[nearest];
+        line.top = std::min(line.top, mark.top);
+        line.bottom = std::max(line.bottom, mark.bottom);
+        line.right = std::max(line.right, mark.right);
     }
 }
 

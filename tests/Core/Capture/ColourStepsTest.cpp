@@ -66,6 +66,26 @@ private Q_SLOTS:
         QCOMPARE(steps.at(3, 2), false);
     }
 
+    void anEdgeMayBeBrokenByARowOrTwo_data()
+    {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<bool>("isLeftOut");
+        QTest::newRow("one") << 1 << true;
+        QTest::newRow("two") << 2 << true;
+        QTest::newRow("three, as between lines") << 3 << false;
+    }
+    void anEdgeMayBeBrokenByARowOrTwo()
+    {
+        QFETCH(int, rows);
+        QFETCH(bool, isLeftOut);
+        QImage picture = plain({20, 100});
+        fill(picture, {4, 3, 3, 40}, kBlack);
+        fill(picture, {4, 43 + rows, 3, 40}, kBlack);
+        const ColourSteps steps(picture);
+        QCOMPARE(steps.at(3, 20), !isLeftOut);
+        QCOMPARE(steps.at(6, 70), !isLeftOut);
+    }
+
     void aCountLeavesOutItsEnd()
     {
         QImage picture = plain({10, 1});

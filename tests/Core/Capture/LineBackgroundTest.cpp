@@ -62,7 +62,7 @@ private Q_SLOTS:
     {
         QImage picture = plain({300, 40});
         const QRect line = write(picture, {10, 14}, {5, 6});
-        fill(picture, {line.right() - 5, 10, 6, 20}, qRgb(200, 40, 40));
+        fill(picture, {line.right() - 7, 10, 8, 20}, qRgb(200, 40, 40));
         QCOMPARE(partsOf(picture, line).size(), 1);
         QCOMPARE(partsOf(picture, line).first().area, line);
     }

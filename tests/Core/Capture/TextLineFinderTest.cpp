@@ -154,6 +154,94 @@ private Q_SLOTS:
         QVERIFY(lines.last().top() > 21 && lines.last().top() <= 27);
     }
 
+    void linesWithManyDescendersArePartedBetween()
+    {
+        // A quarter of the letters of each reaches the next.
+        QImage picture = plain({600, 80});
+        QList<QRect> letters;
+        for (const int top : {10, 24, 38})
+            letters.append(write(picture, {20, top}, {20, 20}));
+        for (int x = 20; x < 460; x += 44) {
+            fill(picture, {x, 22, 2, 2}, kBlack);
+            fill(picture, {x, 36, 2, 2}, kBlack);
+        }
+        const QList<QRect> lines = found(picture);
+        QCOMPARE(lines.size(), letters.size());
+        for (qsizetype line = 0; line < lines.size(); ++line)
+            QVERIFY(isAround(lines.at(line), letters.at(line)));
+    }
+
+    void aLargeLineIsNotPartedWithinItsLetters()
+    {
+        // Above half of its height there are a few stems, as of an l or a b, below many.
+        QImage picture = plain({500, 80});
+        const QRect letters = write(picture, {20, 30}, {9}, kBlack, 24);
+        fill(picture, {20, 14, 4, 16}, kBlack);
+        fill(picture, {36, 14, 4, 16}, kBlack);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters.adjusted(0, -16, 0, 0)));
+    }
+
+    void aBarBesideLinesJoinsNone()
+    {
+        QImage picture = plain({300, 80});
+        fill(picture, {10, 18, 3, 30}, qRgb(0, 140, 130));
+        const QRect first = write(picture, {26, 18}, {9, 4}, qRgb(150, 150, 150));
+        const QRect second = write(picture, {26, 36}, {5}, qRgb(20, 90, 200));
+        const QList<QRect> lines = found(picture);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(isAround(lines.first(), first));
+        QVERIFY(isAround(lines.last(), second));
+    }
+
+    void specksOneBelowTheOtherDrawNoLineOut()
+    {
+        QImage picture = plain({300, 100});
+        const QRect letters = write(picture, {20, 20}, {6, 5});
+        for (int y = 34; y < 90; y += 5)
+            fill(picture, {40, y, 2, 2}, kBlack);
+        const QRect line = found(picture).value(0);
+        QVERIFY(isAround(line, letters | QRect(40, 34, 2, 2)));
+    }
+
+    void aPictureBesideAWindowDrawsNoLineOut()
+    {
+        // Rough, and in places of the window's colour, so that its edge is broken.
+        QImage picture = plain({500, 200}, qRgb(35, 38, 48));
+        std::mt19937 random(4);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < 60; ++x) {
+                const int value = static_cast<int>(random() % 60);
+                picture.setPixel(x, y, qRgb(20 + value, 20 + value / 2, 40 + value));
+            }
+        }
+        QList<QRect> letters;
+        for (int line = 0; line < 8; ++line) {
+            letters.append(write(picture, {70, 20 + line * 18}, {9, 9, 9}, qRgb(200, 205, 215)));
+        }
+        const QList<QRect> lines = found(picture);
+        for (const QRect& wanted : letters) {
+            const auto line = std::ranges::find_if(
+                lines, [&](const QRect& candidate) { return candidate.contains(wanted); });
+            QVERIFY(line != lines.end());
+            const auto isOnIt = [&](const QRect& other) {
+                return line->contains(other);
+            };
+            QCOMPARE(std::ranges::count_if(letters, isOnIt), 1);
+        }
+    }
+
+    void whatLiesWithinALargeLetterIsOfItsLine()
+    {
+        QImage picture = plain({200, 120});
+        for (int y = 0; y < 60; ++y) {
+            fill(picture, {90 - y * 9 / 10, 20 + y, 6, 1}, kBlack);
+            fill(picture, {96 + y * 9 / 10, 20 + y, 6, 1}, kBlack);
+        }
+        fill(picture, {86, 56, 20, 22}, kBlack);
+        QCOMPARE(found(picture).size(), 1);
+    }
+
     void dotsAndAccentsGoWithTheirLine()
     {
         QImage picture = plain({300, 80});

@@ -352,21 +352,24 @@ void TextReaderTest::theSurerOfTwoTriesCounts()
 void TextReaderTest::anotherLanguageIsTriedWhereTheFirstIsInDoubt()
 {
     m_fake->setLanguages({u"eng"_s, u"tur"_s});
-    // Lines of 5 are English, of 4 Turkish, and of 3 neither.
+    // Lines of 5 are English, of 4 Turkish, of 6 either, and of 3 neither.
     m_fake->setReader([](const QImage& line, const QString& language) {
         const auto size = FakeLineRecognizer::wordsOn(line).first().text.size();
         if (size == 5)
             return word(u"plain"_s, 97);
+        if (size == 6)
+            return language == u"eng"_s ? word(u"kept"_s, 84) : word(u"lost"_s, 84.5);
         if (size == 3)
             return word(language + u" guess"_s, language == u"eng"_s ? 60 : 60.5);
         return language == u"eng"_s ? word(u"isik"_s, 82) : word(u"ışık"_s, 94);
     });
-    QCOMPARE(read(written({5, 4, 3})), (QStringList{u"plain"_s, u"ışık"_s, u"eng guess"_s}));
+    QCOMPARE(read(written({5, 4, 3, 6})),
+             (QStringList{u"plain"_s, u"ışık"_s, u"eng guess"_s, u"kept"_s}));
     for (const FakeLineRecognizer::Reading& reading : m_fake->readings()) {
         if (FakeLineRecognizer::wordsOn(reading.line).first().text.size() == 5)
             QCOMPARE(reading.language, u"eng"_s);
     }
-    QCOMPARE(readingsOf(written({5, 4, 3})), 0);
+    QCOMPARE(readingsOf(written({5, 4, 3, 6})), 0);
 }
 
 void TextReaderTest::whereAnotherLanguageIsThereItIsTriedMoreWidely()
