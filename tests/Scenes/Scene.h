@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+
+namespace mossbank::test {
+
+/// The kinds of desktop there are.
+enum class Layout {
+    Article,
+    Browser,
+    Chat,
+    Code,
+    Dashboard,
+    Dialog,
+    Files,
+    Mail,
+    Overlap,
+    Settings,
+    Sheet,
+    Terminals,
+    Turkish,
+    TurkishAndEnglish,
+    Workbench,
+};
+
+const QList<Layout>& allLayouts();
+QString layoutName(Layout layout);
+
+/// A word as it stands on the picture.
+struct ShownWord {
+    QString text;
+    /// The least rectangle around its letters, in pixels.
+    QRect box;
+    /// What the rectangle's pixels were right after drawing, as a number: another one later says
+    /// that something was painted over the word. Nothing where a shadow was to fall on it.
+    quint64 pixels = 0;
+};
+
+/// A made picture of a desktop and what can be read on it.
+struct Scene {
+    QString name;
+    QImage image;
+    /// Every word that is wholly to be seen, and no other, in the order of drawing.
+    QStringList words;
+    QList<ShownWord> shown;
+};
+
+/// The same layout and seed make the same picture. What reads the screen is tuned on seeds 1 to 99
+/// only; 101 to 199 are held back to tell how well it reads what it was not tuned on.
+///
+/// Threading: the thread of the QGuiApplication (the offscreen platform will do).
+/// Errors: throws std::runtime_error naming the package of a font that is not installed.
+Scene makeScene(Layout layout, quint32 seed);
+
+/// As ShownWord::pixels.
+quint64 pixelsOf(const QImage& image, const QRect& area);
+
+} // namespace mossbank::test
