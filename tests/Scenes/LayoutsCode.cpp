@@ -123,9 +123,9 @@ void paintCode(Stage& stage)
     } else {
         stage.canvas.fill(area, look.window);
     }
-    const QRect side(area.left(), area.top(), stage.dice.between(190, 270), area.height());
-    tree(stage, side, look);
     const int high = stage.canvas.lineHeight(look.text()) + 14;
+    const QRect side(area.left(), area.top(), stage.dice.between(190, 270), area.height() - high);
+    tree(stage, side, look);
     const QRect right = area.adjusted(side.width(), 0, 0, 0);
     tabs(stage, {right.left(), right.top(), right.width(), high}, look);
     const QRect below(area.left(), area.bottom() - high + 5, area.width(), high - 4);

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 /// Names on the left, what they are set to on the right.
 void choices(Stage& stage, const QRect& room, const Look& look)
 {
-    const QColor value = stage.dice.chance(60) ? look.accent : look.second;
+    const QColor value = stage.dice.chance(60) ? look.accentText() : look.second;
     const bool described = stage.dice.chance(75);
     const int height = stage.canvas.lineHeight(look.text()) +
                        (described ? stage.canvas.lineHeight(look.small()) : 0) +
@@ -279,8 +279,9 @@ void paintDashboard(Stage& stage)
             const TextStyle big = look.text().sized(stage.dice.between(24, 32)).heavy();
             const QString amount =
                 stage.dice.chance(50) ? stage.words.amount() : stage.words.number(3) + u'%';
-            stage.canvas.text({in.left(), in.top() + 26}, in.width(), amount, big);
-            const int below = in.top() + 32 + stage.canvas.lineHeight(big);
+            const int number = in.top() + stage.canvas.lineHeight(look.secondary()) + 4;
+            stage.canvas.text({in.left(), number}, in.width(), amount, big);
+            const int below = number + 6 + stage.canvas.lineHeight(big);
             const QColor colour = stage.vivid();
             const QRect rail(in.left(), below, in.width(), 8);
             stage.canvas.fillRounded(rail, look.line, 4);
@@ -295,7 +296,11 @@ void paintDashboard(Stage& stage)
                 const QString text = stage.words.word();
                 if (left + stage.canvas.width(text, chip) + 20 > in.right())
                     break;
-                left = stage.pill({left, below + 42}, text, chip, stage.vivid()).right() + 8;
+                left = stage
+                           .pill({left, below + 24 + stage.canvas.lineHeight(look.small())}, text,
+                                 chip, stage.vivid())
+                           .right() +
+                       8;
             }
         }
     }

@@ -59,6 +59,7 @@ void pageNames(Stage& stage, const QRect& bar, const TextStyle& style)
 void page(Stage& stage, const QRect& area, const Look& look)
 {
     const QColor link = look.dark ? QColor(0x7d, 0xb8, 0xff) : QColor(0x0d, 0x55, 0xc9);
+    stage.canvas.fill(area, look.window);
     const QRect head(area.left(), area.top(), area.width(), 46);
     const QColor band = stage.dice.chance(40) ? stage.vivid() : look.panel;
     stage.canvas.fill(head, band);
@@ -86,7 +87,7 @@ void page(Stage& stage, const QRect& area, const Look& look)
                                           stage.words.phrase(2, 4), look.text().coloured(link));
         const int under = top + stage.canvas.lineHeight(look.text());
         if (stage.dice.chance(50))
-            stage.canvas.fill({aside, under, end - aside, 1}, link);
+            stage.canvas.fill({aside, under + 1, end - aside, 1}, link);
         top = under + 12;
     }
     stage.canvas.text({left, area.bottom() - 30}, area.width() / 2,

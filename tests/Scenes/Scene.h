@@ -57,7 +57,8 @@ struct Scene {
 /// Errors: throws std::runtime_error naming the package of a font that is not installed.
 Scene makeScene(Layout layout, quint32 seed);
 
-/// As ShownWord::pixels.
+/// As ShownWord::pixels. The highest and the lowest row are left out: between tight lines they
+/// belong to both.
 quint64 pixelsOf(const QImage& image, const QRect& area);
 
 } // namespace mossbank::test

@@ -54,7 +54,7 @@ void setLine(QTextLayout& layout, const QList<Span>& spans, const QFont& font)
 quint64 pixelsOf(const QImage& image, const QRect& area)
 {
     quint64 sum = 1;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int y = area.top() + 1; y < area.bottom(); ++y) {
         const auto* const row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         sum = qHashBits(row + area.left(), static_cast<size_t>(area.width()) * sizeof(QRgb), sum);
     }

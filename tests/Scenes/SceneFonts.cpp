@@ -36,10 +36,10 @@ QString complaint(const QString& family)
     return u"The font %1 is missing: install the package %2."_s.arg(family, packageOf(family));
 }
 
-bool isInstalled(const QString& family)
+const QStringList& installedFamilies()
 {
     static const QStringList kInstalled = QFontDatabase::families();
-    return kInstalled.contains(family);
+    return kInstalled;
 }
 
 } // namespace
@@ -64,19 +64,24 @@ const QStringList& codeFamilies()
     return kFamilies;
 }
 
-QString missingFonts()
+QString missingFonts(const QStringList& installed)
 {
     QStringList complaints;
     for (const QString& family : plainFamilies() + serifFamilies() + codeFamilies()) {
-        if (!isInstalled(family))
+        if (!installed.contains(family))
             complaints += complaint(family);
     }
     return complaints.join(u' ');
 }
 
+QString missingFonts()
+{
+    return missingFonts(installedFamilies());
+}
+
 QFont sceneFont(const QString& family, int pixels)
 {
-    if (!isInstalled(family))
+    if (!installedFamilies().contains(family))
         throw std::runtime_error(complaint(family).toStdString());
     QFont font(family);
     font.setPixelSize(pixels);

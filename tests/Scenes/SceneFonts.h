@@ -14,8 +14,9 @@ const QStringList& plainFamilies();
 const QStringList& serifFamilies();
 const QStringList& codeFamilies();
 
-/// Which families are not installed and the packages that have them, as a sentence; empty when
-/// all are there.
+/// Which of these families are not among those installed, and the packages that have them, in
+/// sentences; empty when all are there.
+QString missingFonts(const QStringList& installed);
 QString missingFonts();
 
 /// Throws std::runtime_error with a sentence naming the package where the family is missing.

@@ -33,7 +33,8 @@ struct Look {
     /// Small and gray, as a line below another.
     TextStyle small() const { return {family, qMax(10, pixels - 3), faint}; }
     TextStyle heading(int larger) const { return text().sized(pixels + larger).heavy(); }
-    TextStyle typed() const { return {code, pixels, ink}; }
+    /// The accent as letters have it, which are thin.
+    QColor accentText() const { return dark ? accent.lighter(135) : accent.darker(108); }
 };
 
 /// White or nearly black: what can be read on `colour`.
