@@ -18,7 +18,7 @@ void choices(Stage& stage, const QRect& room, const Look& look)
     const bool described = stage.dice.chance(75);
     const int height = stage.canvas.lineHeight(look.text()) +
                        (described ? stage.canvas.lineHeight(look.small()) : 0) +
-                       stage.dice.between(12, 26);
+                       (described ? stage.dice.between(12, 26) : stage.dice.between(20, 34));
     for (int top = room.top(); top + height < room.bottom(); top += height) {
         stage.canvas.text({room.left(), top}, room.width() - 190, stage.words.phrase(1, 4),
                           look.text());

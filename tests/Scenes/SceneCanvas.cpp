@@ -190,10 +190,13 @@ void SceneCanvas::textCutBy(const QRect& clip, QPoint at, const QString& text,
 }
 
 void SceneCanvas::drawLine(QPoint at, const QList<Span>& spans, const TextStyle& style,
-                           const QRect& clip)
+                           const QRect& cutBy)
 {
     if (spans.isEmpty() || spans.first().text.isEmpty())
         return;
+    QRect clip = cutBy.intersected(m_image.rect());
+    if (m_painter.hasClipping())
+        clip = clip.intersected(m_painter.clipBoundingRect().toAlignedRect());
     QTextLayout layout;
     setLine(layout, spans, font(style));
     if (m_lettering.thirds) {
@@ -216,7 +219,7 @@ void SceneCanvas::drawLine(QPoint at, const QList<Span>& spans, const TextStyle&
         const double left = at.x() + line.cursorToX(static_cast<int>(word.capturedStart()));
         const QRectF ink = metrics.tightBoundingRect(word.captured());
         const QRect box = ink.translated(left, at.y() + line.ascent()).toAlignedRect();
-        if (canBeRead(word.captured()) && clip.intersected(m_image.rect()).contains(box))
+        if (canBeRead(word.captured()) && clip.contains(box))
             m_shown.append({word.captured(), box, pixelsIn(box)});
     }
 }
@@ -247,7 +250,7 @@ void SceneCanvas::drawInThirds(const QRect& area, const QList<Span>& spans, cons
         if (!colours.contains(span.colour))
             colours += span.colour;
     }
-    const QRect seen = area.intersected(clip).intersected(m_image.rect());
+    const QRect seen = area.intersected(clip);
     for (const QColor& colour : std::as_const(colours)) {
         const QImage mask = coverage(spans, style, colour, at - area.topLeft(), area.size());
         const std::array<int, 3> ink = {colour.red(), colour.green(), colour.blue()};

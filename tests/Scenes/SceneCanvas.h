@@ -87,7 +87,7 @@ public:
     Scene finished(const QString& name);
 
 private:
-    void drawLine(QPoint at, const QList<Span>& spans, const TextStyle& style, const QRect& clip);
+    void drawLine(QPoint at, const QList<Span>& spans, const TextStyle& style, const QRect& cutBy);
     void drawInThirds(const QRect& area, const QList<Span>& spans, const TextStyle& style,
                       QPoint at, const QRect& clip);
     QImage coverage(const QList<Span>& spans, const TextStyle& style, const QColor& colour,

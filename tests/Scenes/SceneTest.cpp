@@ -68,6 +68,7 @@ private Q_SLOTS:
     void theSameSeedMakesTheSameScene();
     void wordsThatAreCoveredAreNotShown();
     void wordsThatAreCutAreNotShown();
+    void wordsThatTheirWindowCutsAreNotShown();
     void wordsThatDoNotFitAreLeftOut();
     void wordsPaintedOverLookOtherwise();
     void signsAreNoWords();
@@ -156,6 +157,20 @@ void SceneTest::wordsThatAreCutAreNotShown()
     QCOMPARE(scene.words, QStringList{u"plum"_s});
     QCOMPARE(contrast(scene.image, {10 + end, 0, 200, 100}), 0);
     QVERIFY(contrast(scene.image, {end - 5, 0, 15, 100}) > 100);
+}
+
+void SceneTest::wordsThatTheirWindowCutsAreNotShown()
+{
+    for (const bool thirds : {false, true}) {
+        SceneCanvas canvas({400, 100}, {.thirds = thirds});
+        canvas.fill({0, 0, 400, 100}, Qt::white);
+        const int end = canvas.width(u"plum tr"_s, kStyle);
+        canvas.painter().setClipRect(0, 0, 10 + end, 100);
+        canvas.text({10, 10}, 380, u"plum tree oak"_s, kStyle);
+        const Scene scene = canvas.finished(u"x"_s);
+        QCOMPARE(scene.words, QStringList{u"plum"_s});
+        QCOMPARE(contrast(scene.image, {10 + end, 0, 200, 100}), 0);
+    }
 }
 
 void SceneTest::wordsThatDoNotFitAreLeftOut()
