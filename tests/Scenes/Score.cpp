@@ -13,7 +13,9 @@ namespace {
 
 QHash<QString, qsizetype> counted(const QString& text)
 {
-    const QString folded = Characters::lowercased(text).normalized(QString::NormalizationForm_C);
+    // Without a country the small letter of "İ" would be an i with two dots above.
+    const QString dotted = text.normalized(QString::NormalizationForm_C).replace(u'İ', u'i');
+    const QString folded = Characters::lowercased(dotted).normalized(QString::NormalizationForm_C);
     QHash<QString, qsizetype> counts;
     for (const QStringView word : Characters::words(folded))
         ++counts[word.toString()];
@@ -28,19 +30,31 @@ qsizetype sum(const QHash<QString, qsizetype>& counts)
     return all;
 }
 
+/// What `more` has more often than `less`.
+QStringList surplus(const QHash<QString, qsizetype>& more, const QHash<QString, qsizetype>& less)
+{
+    QStringList words;
+    for (auto word = more.cbegin(); word != more.cend(); ++word) {
+        for (qsizetype count = less.value(word.key()); count < word.value(); ++count)
+            words += word.key();
+    }
+    words.sort();
+    return words;
+}
+
 } // namespace
 
 Score score(const QStringList& words, const QString& read)
 {
     const QHash<QString, qsizetype> shown = counted(words.join(u' '));
     const QHash<QString, qsizetype> seen = counted(read);
-    qsizetype hits = 0;
-    for (auto word = shown.cbegin(); word != shown.cend(); ++word)
-        hits += std::min(word.value(), seen.value(word.key()));
-    const auto junk = static_cast<double>(sum(seen) - hits);
+    const QStringList missed = surplus(shown, seen);
+    const QStringList junk = surplus(seen, shown);
     const auto all = static_cast<double>(std::max<qsizetype>(1, sum(shown)));
-    return {.found = shown.isEmpty() ? 1 : static_cast<double>(hits) / all,
-            .junkPerHundred = 100 * junk / all};
+    return {.found = 1 - static_cast<double>(missed.size()) / all,
+            .junkPerHundred = 100 * static_cast<double>(junk.size()) / all,
+            .missed = missed,
+            .junk = junk};
 }
 
 } // namespace mossbank::test

@@ -13,6 +13,9 @@ struct Score {
     double found = 1;
     /// Words read and not shown, for every hundred shown; where none was, as if one had been.
     double junkPerHundred = 0;
+    /// The words shown and not read, and those read and not shown, each as often, by the alphabet.
+    QStringList missed;
+    QStringList junk;
 };
 
 /// `words` were shown, `read` is what came of reading the picture.
