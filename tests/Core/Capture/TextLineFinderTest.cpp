@@ -141,6 +141,28 @@ private Q_SLOTS:
             QVERIFY(isAround(lines.at(line), letters.at(line)));
     }
 
+    void whatStandsBesideTwoLinesDoesNotJoinThem_data()
+    {
+        QTest::addColumn<QRect>("mark");
+        QTest::newRow("a bar at what is quoted") << QRect(16, 28, 3, 28);
+        QTest::newRow("the picture of who speaks") << QRect(-12, 28, 30, 30);
+    }
+    void whatStandsBesideTwoLinesDoesNotJoinThem()
+    {
+        QFETCH(QRect, mark);
+        QImage picture = plain({300, 90});
+        fill(picture, mark.translated(20, 0), qRgb(15, 143, 147));
+        const QRect first = write(picture, {50, 29}, {5, 4});
+        const QRect second = write(picture, {50, 45}, {5, 6});
+        const QList<QRect> lines = found(picture);
+        const auto isFound = [&](const QRect& letters) {
+            return std::ranges::any_of(lines,
+                                       [&](const QRect& line) { return isAround(line, letters); });
+        };
+        QVERIFY(isFound(first));
+        QVERIFY(isFound(second));
+    }
+
     void linesOfWhichLettersTouchArePartedBetween()
     {
         QImage picture = plain({300, 80});
