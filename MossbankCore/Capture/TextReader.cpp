@@ -4,6 +4,7 @@
 #include "MossbankCore/Capture/LineImages.h"
 #include "MossbankCore/Capture/ReadingOrder.h"
 #include "MossbankCore/Capture/TextLineFinder.h"
+#include "MossbankCore/Capture/WordChoice.h"
 #include "MossbankCore/Support/Background.h"
 
 #include <QCryptographicHash>
@@ -100,19 +101,22 @@ QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
     return pieces;
 }
 
+TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words)
+{
+    double sum = 0;
+    qsizetype length = 0;
+    for (const RecognizedWord& word : words) {
+        sum += word.confidence * static_cast<double>(word.text.size());
+        length += word.text.size();
+    }
+    return {words, length > 0 ? sum / static_cast<double>(length) : 0};
+}
+
 TextReader::Reading TextReader::readPiece(const QImage& image, const QString& language,
                                           bool correctsLanguage)
 {
     const auto readAt = [&](int height) {
-        Reading reading = {m_recognizer->read(scaled(image, height), language, correctsLanguage)};
-        double sum = 0;
-        qsizetype length = 0;
-        for (const RecognizedWord& word : std::as_const(reading.words)) {
-            sum += word.confidence * static_cast<double>(word.text.size());
-            length += word.text.size();
-        }
-        reading.confidence = length > 0 ? sum / static_cast<double>(length) : 0;
-        return reading;
+        return readingOf(m_recognizer->read(scaled(image, height), language, correctsLanguage));
     };
     const Reading reading = readAt(kReadHeight);
     if (reading.confidence >= kUnsure)
@@ -226,8 +230,11 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces,
     if (isThere)
         others = readBelow(kSure);
     for (qsizetype place = 0; place < pieces.size(); ++place) {
-        if (others.at(place).confidence > std::max(kLeast, readings.at(place).confidence + 1))
-            readings[place] = others.at(place);
+        Reading other = others.at(place);
+        if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
+            std::swap(readings[place], other);
+        if (isThere)
+            readings[place] = readingOf(betterWords(readings.at(place).words, other.words));
     }
 }
 

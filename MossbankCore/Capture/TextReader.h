@@ -54,6 +54,7 @@ private:
     template <typename IsWanted>
     QList<Reading> readAll(const QList<Piece>& pieces, const QString& language,
                            bool correctsLanguage, IsWanted isWanted);
+    static Reading readingOf(const QList<RecognizedWord>& words);
     Reading readPiece(const QImage& image, const QString& language, bool correctsLanguage);
     QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
     /// Takes from another language what it reads better.

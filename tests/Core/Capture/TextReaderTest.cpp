@@ -76,6 +76,7 @@ private Q_SLOTS:
     void theSurerOfTwoTriesCounts();
     void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
     void whereAnotherLanguageIsThereItIsTriedMoreWidely();
+    void wordsOfTwoLanguagesMayStandOnOneLine();
     void theLanguagesAskedForAreThoseRead();
     void aFailureComesThroughAndTheNextPictureIsRead();
     void severalPicturesAtOnceAreEachReadRight();
@@ -384,6 +385,17 @@ void TextReaderTest::whereAnotherLanguageIsThereItIsTriedMoreWidely()
     });
     QCOMPARE(read(written({5})), QStringList{u"sarki"_s});
     QCOMPARE(read(written({5, 4})), (QStringList{u"şarkı"_s, u"ışık"_s}));
+}
+
+void TextReaderTest::wordsOfTwoLanguagesMayStandOnOneLine()
+{
+    m_fake->setLanguages({u"eng"_s, u"tur"_s});
+    m_fake->setReader([](const QImage&, const QString& language) -> QList<RecognizedWord> {
+        if (language == u"eng"_s)
+            return {{u"gtin"_s, 40}, {u"square"_s, 95}, {u"sarki"_s, 96}, {u"equal"_s, 96}};
+        return {{u"gün"_s, 97}, {u"sguare"_s, 91}, {u"şarkı"_s, 95}, {u"egual"_s, 91}};
+    });
+    QCOMPARE(read(written({5})), QStringList{u"gün square şarkı equal"_s});
 }
 
 void TextReaderTest::theLanguagesAskedForAreThoseRead()

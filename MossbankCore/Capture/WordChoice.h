@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MossbankCore/Ports/LineRecognizer.h"
+
+#include <QList>
+
+namespace mossbank {
+
+/// What a line says, of what it says in two languages, word by word: on one line there may be
+/// words of both. `preferred` is the reading that is the better on the whole, and the result where
+/// the two have not the same number of words.
+///
+/// Threading: any thread.
+QList<RecognizedWord> betterWords(const QList<RecognizedWord>& preferred,
+                                  const QList<RecognizedWord>& other);
+
+} // namespace mossbank

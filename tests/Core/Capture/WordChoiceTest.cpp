@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/WordChoice.h"
+
+#include <QTest>
+
+namespace mossbank {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Words as "text/confidence" between spaces.
+QList<RecognizedWord> words(const QString& line)
+{
+    QList<RecognizedWord> all;
+    for (const QString& word : line.split(u' ', Qt::SkipEmptyParts))
+        all.append({word.section(u'/', 0, 0), word.section(u'/', 1).toDouble()});
+    return all;
+}
+
+} // namespace
+
+class WordChoiceTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void eachWordIsTakenFromTheBetterReading_data();
+    void eachWordIsTakenFromTheBetterReading();
+};
+
+void WordChoiceTest::eachWordIsTakenFromTheBetterReading_data()
+{
+    QTest::addColumn<QString>("preferred");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<QString>("chosen");
+    const auto row = [](const char* name, const QString& preferred, const QString& other,
+                        const QString& chosen) {
+        QTest::newRow(name) << preferred << other << chosen;
+    };
+    row("as sure", u"plum/96"_s, u"pium/96"_s, u"plum/96"_s);
+    row("surer", u"square/93 gtin/70"_s, u"sguare/92 gün/97"_s, u"square/93 gün/97"_s);
+    row("hardly surer", u"oak/95"_s, u"oac/96"_s, u"oak/95"_s);
+    row("accents, though less sure", u"baska/93"_s, u"başka/90"_s, u"başka/90"_s);
+    row("a dotless i, though less sure", u"yakin/93"_s, u"yakın/85"_s, u"yakın/85"_s);
+    row("a capital with an accent", u"Izin/93"_s, u"İzin/85"_s, u"İzin/85"_s);
+    row("no accents, though surer", u"şarkı/90"_s, u"sarki/96"_s, u"şarkı/90"_s);
+    row("accents that may be specks", u"light/96"_s, u"lıght/60"_s, u"light/96"_s);
+    row("specks, and surer without", u"lıght/60"_s, u"light/96"_s, u"light/96"_s);
+    row("accents on another word", u"oak/93"_s, u"öat/90"_s, u"oak/93"_s);
+    row("in other places", u"one/50 line/50"_s, u"oneline/97"_s, u"one/50 line/50"_s);
+    row("nothing at all", QString(), u"oak/97"_s, QString());
+    row("nothing beside it", u"oak/50"_s, QString(), u"oak/50"_s);
+}
+
+void WordChoiceTest::eachWordIsTakenFromTheBetterReading()
+{
+    QFETCH(QString, preferred);
+    QFETCH(QString, other);
+    QFETCH(QString, chosen);
+    QCOMPARE(betterWords(words(preferred), words(other)), words(chosen));
+}
+
+} // namespace mossbank
+
+QTEST_GUILESS_MAIN(mossbank::WordChoiceTest)
+#include "WordChoiceTest.moc"
