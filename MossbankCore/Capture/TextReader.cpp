@@ -122,7 +122,10 @@ TextReader::Reading TextReader::readPiece(const QImage& image, const QString& la
     if (reading.confidence >= kUnsure)
         return reading;
     const Reading second = readAt(kSecondHeight);
-    return second.confidence > reading.confidence ? second : reading;
+    // Smaller, a dot or a space is lost more easily, and the recogniser does not miss it.
+    const bool isTrusted =
+        second.confidence >= kUnsure || second.words.size() > reading.words.size();
+    return isTrusted && second.confidence > reading.confidence ? second : reading;
 }
 
 template <typename IsWanted>
@@ -227,14 +230,15 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces,
                   other.confidence > readings.at(place).confidence + kBetter &&
                   hasOtherLetters(other.words);
     }
-    if (isThere)
-        others = readBelow(kSure);
+    // Of what has no words of it, it only makes other words.
+    if (!isThere)
+        return;
+    others = readBelow(kSure);
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         Reading other = others.at(place);
         if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
             std::swap(readings[place], other);
-        if (isThere)
-            readings[place] = readingOf(betterWords(readings.at(place).words, other.words));
+        readings[place] = readingOf(betterWords(readings.at(place).words, other.words));
     }
 }
 

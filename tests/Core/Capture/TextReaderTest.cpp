@@ -74,8 +74,10 @@ private Q_SLOTS:
 
     void anUnsureLineIsTriedOnceMoreSmaller();
     void theSurerOfTwoTriesCounts();
+    void aSecondTryThatIsUnsureTooDoesNotRunWordsTogether();
     void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
     void whereAnotherLanguageIsThereItIsTriedMoreWidely();
+    void whereNoLineIsOfAnotherLanguageNoneIsReadInIt();
     void wordsOfTwoLanguagesMayStandOnOneLine();
     void theLanguagesAskedForAreThoseRead();
     void aFailureComesThroughAndTheNextPictureIsRead();
@@ -344,10 +346,23 @@ void TextReaderTest::theSurerOfTwoTriesCounts()
     // The words of a line count by their lengths.
     m_fake->setReader([](const QImage& line, const QString&) -> QList<RecognizedWord> {
         if (line.height() < 64)
-            return word(u"second"_s, 75);
+            return word(u"second"_s, 81);
         return {{u"a"_s, 20}, {u"longer"_s, 79}};
     });
     QCOMPARE(read(written({6})), QStringList{u"second"_s});
+}
+
+void TextReaderTest::aSecondTryThatIsUnsureTooDoesNotRunWordsTogether()
+{
+    const QList<RecognizedWord> apart = {{u"shock"_s, 1}, {u".zip"_s, 1}};
+    m_fake->setReader([&](const QImage& line, const QString&) {
+        return line.height() < 64 ? word(u"shockzip"_s, 70) : apart;
+    });
+    QCOMPARE(read(written({5})), QStringList{u"shock .zip"_s});
+    m_fake->setReader([&](const QImage& line, const QString&) {
+        return line.height() < 64 ? apart : word(u"shockzip"_s, 0);
+    });
+    QCOMPARE(read(written({6})), QStringList{u"shock .zip"_s});
 }
 
 void TextReaderTest::anotherLanguageIsTriedWhereTheFirstIsInDoubt()
@@ -385,6 +400,15 @@ void TextReaderTest::whereAnotherLanguageIsThereItIsTriedMoreWidely()
     });
     QCOMPARE(read(written({5})), QStringList{u"sarki"_s});
     QCOMPARE(read(written({5, 4})), (QStringList{u"şarkı"_s, u"ışık"_s}));
+}
+
+void TextReaderTest::whereNoLineIsOfAnotherLanguageNoneIsReadInIt()
+{
+    m_fake->setLanguages({u"eng"_s, u"tur"_s});
+    m_fake->setReader([](const QImage&, const QString& language) {
+        return language == u"eng"_s ? word(u"quartz@oak"_s, 72) : word(u"quartzaoak"_s, 85);
+    });
+    QCOMPARE(read(written({5, 4})), (QStringList{u"quartz@oak"_s, u"quartz@oak"_s}));
 }
 
 void TextReaderTest::wordsOfTwoLanguagesMayStandOnOneLine()
