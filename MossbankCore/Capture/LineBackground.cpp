@@ -93,6 +93,9 @@ QList<LinePart> partsOf(const QImage& picture, const QRect& area)
     // bold letters it is less than half.
     constexpr double kStill = 0.25;
     constexpr double kNew = 0.4;
+    // Above and below a row of its own colour there may be a good part of the former one.
+    constexpr double kSurely = 0.5;
+    constexpr double kMore = 1.3;
     const int window = std::max(12, area.height() * 5 / 4);
     const int step = std::max(2, area.height() / 6);
     const int left = area.left();
@@ -103,13 +106,20 @@ QList<LinePart> partsOf(const QImage& picture, const QRect& area)
     for (int x = left; x < end; x += step) {
         const int to = std::min(end, std::max(left, x - window / 2) + window);
         const QRect around = column(area, std::max(left, to - window), to);
-        if (share(picture, around, current) >= kStill)
+        const double still = share(picture, around, current);
+        if (still >= kSurely)
             continue;
         const QRgb other = commonest(picture, around);
-        if (distance(other, current) <= kSame || share(picture, around, other) < kNew)
+        const double least = still < kStill ? kNew : std::max(kNew, kMore * still);
+        if (distance(other, current) <= kSame || share(picture, around, other) < least)
             continue;
-        // A quarter of the window is the former background's still.
-        const int border = std::clamp(x - window / 4, start, end);
+        int border = std::max(start, around.left());
+        const auto isStill = [&](int at) {
+            const QRect one = column(area, at, at + 1);
+            return share(picture, one, current) >= share(picture, one, other);
+        };
+        while (border + 1 < to && isStill(border))
+            ++border;
         if (border > start)
             parts.append({column(area, start, border), current});
         start = border;

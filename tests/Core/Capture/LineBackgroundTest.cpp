@@ -33,6 +33,19 @@ private Q_SLOTS:
         QCOMPARE(partsOf(picture, line), expected);
     }
 
+    void aRowIsItsBackgroundThoughTheLineReachesBeyondIt()
+    {
+        constexpr QRgb kChosen = qRgb(203, 226, 241);
+        QImage picture = plain({600, 60});
+        fill(picture, {30, 20, 570, 16}, kChosen);
+        write(picture, {34, 22}, {4, 6, 5, 8, 6}, kBlack, 11);
+        // An edge of the list above the row is taken for part of the line.
+        const QList<LinePart> parts = partsOf(picture, {5, 15, 400, 24});
+        QCOMPARE(parts.last().background, kChosen);
+        QCOMPARE(parts.last().area.right(), 404);
+        QVERIFY(std::abs(parts.last().area.left() - 30) <= 4);
+    }
+
     void aBadgeInALineIsAPartOfItsOwn()
     {
         constexpr QRgb kRed = qRgb(200, 40, 40);
