@@ -236,15 +236,6 @@ void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& li
     lines.push_back(counts.empty() ? piece : withoutOutskirts(steps, piece, counts));
 }
 
-/// Whether it stands beside lines and is none of their letters: a bar at what is quoted, the
-/// picture of who speaks. It would join the lines.
-bool isBeside(const Box& mark, const Box& line)
-{
-    constexpr int kTwoLines = 24; // of small text
-    const bool isBar = mark.height() > 3 * mark.width() && 2 * mark.height() > 3 * line.height();
-    return isBar || (mark.height() >= 2 * line.height() && mark.height() >= kTwoLines);
-}
-
 /// Whether two pieces stand on one line, the second to the right of the first or within it.
 bool isOneLine(const Box& one, const Box& other)
 {
@@ -255,8 +246,13 @@ bool isOneLine(const Box& one, const Box& other)
     const int higher = std::max(one.height(), other.height());
     const int lower = std::min(one.height(), other.height());
     const int spread = std::max(one.bottom, other.bottom) - std::min(one.top, other.top);
-    return !isBeside(one, other) && !isBeside(other, one) &&
-           other.left - one.right <= kWordGap * higher + 2 &&
+    // A bar beside a few lines goes with none of them, nor does the picture of who speaks.
+    constexpr int kTwoLines = 24; // of small text
+    const auto isBeside = [&](const Box& box) {
+        const bool isBar = box.height() > 3 * box.width() && 2 * box.height() > 3 * lower;
+        return isBar || (box.height() >= kTwoLines && box.height() >= 2 * lower);
+    };
+    return !isBeside(one) && !isBeside(other) && other.left - one.right <= kWordGap * higher + 2 &&
            overlap(one.top, one.bottom, other.top, other.bottom) >= kCommon * lower &&
            higher <= kHigher * lower && spread <= kSpread * higher;
 }

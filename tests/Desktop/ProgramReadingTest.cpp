@@ -157,8 +157,14 @@ void ProgramReadingTest::aPageOfTheWebIsRead()
     const QString page = u"/usr/share/doc/debian/FAQ/redistributing.en.html"_s;
     const QString text = textOfPage(page);
     QVERIFY2(!text.isEmpty(), "the page is missing: install the Debian package debian-faq");
-    m_program = openProgram(*m_desktop, *m_screen,
-                            {u"dillo"_s, {u"file://"_s + page}, u"dillo"_s, u"Redistributing"_s});
+    const QString missing = whyMissing(u"dillo"_s, u"dillo"_s);
+    QVERIFY2(missing.isEmpty(), qPrintable(missing));
+    // It leaves a server of its own behind, and of many of them the next finds no port.
+    const QString script =
+        u"dillo \"$0\" & trap 'kill $!; /usr/libexec/dillo/dpidc stop; exit' TERM; wait"_s;
+    m_program = openProgram(
+        *m_desktop, *m_screen,
+        {u"sh"_s, {u"-c"_s, script, u"file://"_s + page}, u"dash"_s, u"Redistributing"_s});
     // Some of the words are pictures of words.
     compare(text, page + u" file Prev Next Home Done NetSurf "_s + text);
 }
@@ -172,7 +178,7 @@ void ProgramReadingTest::aQtProgramIsRead()
         texts += words.phrase(2, 2);
     QStringList lines;
     for (int line = 0; line < 44; ++line)
-        lines += words.sentence(4, 9);
+        lines += words.sentence(8, 14);
     const QString source = m_folder.filePath(u"source.txt"_s);
     const QString file = m_folder.filePath(u"notes.ts"_s);
     QVERIFY(write(source, lines.join(u'\n') + u'\n'));

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How well made desktops are read: one of every layout of the half on which the reader is tuned,
+// and one of the half that is held back.
+#include "Mossbank/Platform/PlatformFactory.h"
+#include "tests/Scenes/ReadScene.h"
+#include "tests/Scenes/Scene.h"
+#include "tests/Scenes/SceneFonts.h"
+
+#include <QHash>
+#include <QTest>
+
+namespace mossbank::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double kLeastFound = 0.97;
+constexpr double kNeverLess = 0.85;
+constexpr double kLeastMean = 0.99;
+constexpr double kMostJunk = 5;
+
+/// Where fewer words are found, and why. Remove what is mended: a line that says so of a desktop
+/// that is read well fails.
+const QHash<QString, QString>& shortfalls()
+{
+    static const QHash<QString, QString> kShortfalls = {
+        {u"files-1"_s, u"the dot of a file name touches the letters beside it and is not seen"_s},
+        {u"terminals-1"_s, u"a zero with a stroke is read as an eight, and signs as letters"_s},
+        {u"dashboard-101"_s, u"held back, so that nobody has looked"_s},
+    };
+    return kShortfalls;
+}
+
+} // namespace
+
+class SceneReadingTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void aDesktopIsRead_data();
+    void aDesktopIsRead();
+    void allTogetherAreReadWell();
+
+private:
+    std::unique_ptr<TextRecognizer> m_recognizer;
+    QList<ReadScene> m_scenes;
+};
+
+void SceneReadingTest::initTestCase()
+{
+    QVERIFY2(missingFonts().isEmpty(), qPrintable(missingFonts()));
+    m_recognizer = makeTextRecognizer();
+}
+
+void SceneReadingTest::aDesktopIsRead_data()
+{
+    QTest::addColumn<Layout>("layout");
+    QTest::addColumn<quint32>("seed");
+    for (const quint32 seed : {1U, 101U}) {
+        for (const Layout layout : allLayouts())
+            QTest::addRow("%s-%u", qPrintable(layoutName(layout)), seed) << layout << seed;
+    }
+}
+
+void SceneReadingTest::aDesktopIsRead()
+{
+    QFETCH(Layout, layout);
+    QFETCH(quint32, seed);
+    const Scene scene = makeScene(layout, seed);
+    m_scenes += readScene(scene.name, scene.image, scene.words, *m_recognizer);
+    const Score& score = m_scenes.last().score;
+    const QString figures = u"found %1, junk %2"_s.arg(score.found).arg(score.junkPerHundred);
+    const QByteArray why = shortfalls().value(scene.name).toUtf8();
+    QVERIFY2(score.found >= kNeverLess, qPrintable(figures));
+    if (!why.isEmpty())
+        QEXPECT_FAIL("", why.constData(), Continue);
+    QVERIFY2(score.found >= kLeastFound, qPrintable(figures));
+    QVERIFY2(score.junkPerHundred <= kMostJunk, qPrintable(figures));
+}
+
+void SceneReadingTest::allTogetherAreReadWell()
+{
+    const ReadScenes all = taken(m_scenes);
+    QVERIFY2(all.meanFound >= kLeastMean, qPrintable(QString::number(all.meanFound)));
+}
+
+} // namespace mossbank::test
+
+QTEST_MAIN(mossbank::test::SceneReadingTest)
+#include "SceneReadingTest.moc"
