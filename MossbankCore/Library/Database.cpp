@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Library/Database.h"
 
+#include "MossbankCore/Library/CleanMemory.h"
 #include "MossbankCore/Library/CleanPages.h"
 #include "MossbankCore/Library/StoreError.h"
 
@@ -97,6 +98,7 @@ Database::Database(std::unique_ptr<sqlite3, Close> connection)
 
 std::optional<Database> Database::open(const QString& path, Access access)
 {
+    CleanMemory::use();
     const int flags = SQLITE_OPEN_FULLMUTEX |
                       (access == Access::ReadWrite ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                                                    : SQLITE_OPEN_READONLY);
