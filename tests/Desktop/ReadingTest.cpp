@@ -4,7 +4,10 @@
 #include "MossbankCore/Support/Background.h"
 #include "tests/Desktop/DesktopTest.h"
 
+#include <QDirIterator>
 #include <QFuture>
+#include <QScopeGuard>
+#include <QTemporaryDir>
 
 #include <clocale>
 
@@ -99,6 +102,29 @@ private Q_SLOTS:
                  u"Reading text needs the package tesseract-ocr-tlh, which is not installed."_s);
     }
 
+    void withoutEnglishTheOthersAreRead()
+    {
+        QTemporaryDir models;
+        QVERIFY2(linkModel(u"tur"_s, models), "package tesseract-ocr-tur is missing");
+        qputenv("TESSDATA_PREFIX", QFile::encodeName(models.path()));
+        const auto noLonger = qScopeGuard([] { qunsetenv("TESSDATA_PREFIX"); });
+        for (const auto& codes : {QStringList(), QStringList{u"tr"_s}}) {
+            const auto recognizer = makeTextRecognizer();
+            const QStringList lines = recognizer->recognize(m_picture, {.languages = codes});
+            QVERIFY2(lines.join(u'\n').contains(u"Marigold"_s), qPrintable(lines.join(u'|')));
+        }
+    }
+
+    void withoutAnyLanguageThePackageOfEnglishIsNamed()
+    {
+        const QTemporaryDir models;
+        qputenv("TESSDATA_PREFIX", QFile::encodeName(models.path()));
+        const auto noLonger = qScopeGuard([] { qunsetenv("TESSDATA_PREFIX"); });
+        const auto recognizer = makeTextRecognizer();
+        QCOMPARE(failureOf([&] { recognizer->recognize(m_picture, {}); }),
+                 u"Reading text needs the package tesseract-ocr-eng, which is not installed."_s);
+    }
+
     void languagesAreNamedAsTesseractNamesThem_data()
     {
         QTest::addColumn<QString>("code");
@@ -123,6 +149,14 @@ private Q_SLOTS:
     }
 
 private:
+    /// Puts an installed model into a folder of models.
+    static bool linkModel(const QString& language, const QTemporaryDir& folder)
+    {
+        const QString name = language + u".traineddata"_s;
+        QDirIterator models(u"/usr/share"_s, {name}, QDir::Files, QDirIterator::Subdirectories);
+        return models.hasNext() && QFile::link(models.next(), folder.filePath(name));
+    }
+
     std::unique_ptr<VirtualDesktop> m_desktop;
     QImage m_picture;
 };

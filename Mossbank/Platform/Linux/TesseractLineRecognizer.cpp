@@ -6,8 +6,6 @@
 
 #include <QImage>
 #include <QMutex>
-#include <QSemaphore>
-#include <QThread>
 
 #include <locale.h>
 #include <malloc.h>
@@ -48,7 +46,7 @@ class ThreadSettings {
 public:
     ThreadSettings()
         : m_classic(::newlocale(LC_ALL_MASK, "C", nullptr))
-        , m_previous(::uselocale(m_classic))
+        , m_previous(m_classic ? ::uselocale(m_classic) : nullptr)
         , m_levels(omp_get_max_active_levels())
     {
         omp_set_max_active_levels(0);
@@ -56,8 +54,10 @@ public:
     ~ThreadSettings()
     {
         omp_set_max_active_levels(m_levels);
-        ::uselocale(m_previous);
-        ::freelocale(m_classic);
+        if (m_classic) {
+            ::uselocale(m_previous);
+            ::freelocale(m_classic);
+        }
     }
     Q_DISABLE_COPY_MOVE(ThreadSettings)
 
@@ -118,21 +118,18 @@ QList<RecognizedWord> read(Engine& engine, const QImage& line)
 /// tens of megabytes.
 class TesseractLineRecognizer::Engines {
 public:
-    Engines()
-        : m_free(std::clamp(QThread::idealThreadCount(), 2, 4))
-    {
-    }
-
     QList<RecognizedWord> read(const QImage& line, const EngineKind& kind)
     {
-        const QSemaphoreReleaser place((m_free.acquire(), m_free));
         const ThreadSettings settings;
         std::unique_ptr<Engine> engine = take(kind);
         QList<RecognizedWord> words = mossbank::read(*engine, line);
+        std::unique_ptr<Engine> tooMany;
         const QMutexLocker lock(&m_mutex);
         m_idle.push_front(std::move(engine));
-        while (m_idle.size() > kMaxIdle)
+        if (m_idle.size() > kMaxIdle) {
+            tooMany = std::move(m_idle.back());
             m_idle.pop_back();
+        }
         return words;
     }
 
@@ -143,15 +140,11 @@ public:
         const QMutexLocker lock(&m_mutex);
         if (!m_installed.isEmpty())
             return m_installed;
-        std::vector<std::string> models;
-        if (const auto english = load({u"eng"_s, false}))
-            english->api.GetAvailableLanguagesAsVector(&models);
-        QStringList all;
-        for (const std::string& model : models)
-            all.append(QString::fromStdString(model));
+        const QStringList all = models();
         for (const QString& language : tesseractLanguagesOfUser() + all) {
-            // What tells the direction of writing, and formulas, are no languages.
-            const bool isOther = language == u"osd"_s || language == u"equ"_s;
+            // What tells the direction of writing, formulas and whole scripts are no languages.
+            const bool isOther = language == u"osd"_s || language == u"equ"_s ||
+                                 language.contains(u'/') || language.at(0).isUpper();
             if (all.contains(language) && !isOther && !m_installed.contains(language))
                 m_installed.append(language);
         }
@@ -163,6 +156,7 @@ public:
         {
             const QMutexLocker lock(&m_mutex);
             m_idle.clear();
+            m_installed.clear();
         }
         // Its dictionaries, and then what was freed: the allocator keeps that for the next time.
         tesseract::TessBaseAPI::ClearPersistentCache();
@@ -170,7 +164,23 @@ public:
     }
 
 private:
+    /// Of two threads in three languages.
     static constexpr std::size_t kMaxIdle = 6;
+
+    /// The names of all models that there are.
+    static QStringList models()
+    {
+        const ThreadSettings settings;
+        tesseract::TessBaseAPI api;
+        // Where the models are is known from then on, also when this one is missing.
+        api.Init(nullptr, "eng", tesseract::OEM_LSTM_ONLY);
+        std::vector<std::string> names;
+        api.GetAvailableLanguagesAsVector(&names);
+        QStringList models;
+        for (const std::string& name : names)
+            models.append(QString::fromStdString(name));
+        return models;
+    }
 
     std::unique_ptr<Engine> take(const EngineKind& kind)
     {
@@ -191,7 +201,6 @@ private:
         return engine;
     }
 
-    QSemaphore m_free;
     QMutex m_mutex;
     std::list<std::unique_ptr<Engine>> m_idle;
     QStringList m_installed;
