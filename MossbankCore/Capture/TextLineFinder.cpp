@@ -178,6 +178,12 @@ std::vector<Band> bandsOf(const std::vector<int>& counts, double few)
         if (row - start >= kLowestBand)
             bands.push_back({start, row});
     }
+    // Nor are the dots of large letters a line beside them.
+    if (!bands.empty()) {
+        constexpr int kFarLower = 3;
+        const int highest = std::ranges::max(bands, {}, &Band::height).height();
+        std::erase_if(bands, [&](const Band& band) { return kFarLower * band.height() < highest; });
+    }
     return bands;
 }
 
@@ -216,7 +222,9 @@ void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& li
     constexpr int kLowestPair = 14;
     constexpr std::array kFew = {0.14, 0.24, 0.36};
     std::vector<int> counts;
-    for (int y = piece.top; y < piece.bottom && piece.height() >= kLowestPair; ++y)
+    // A single large letter has rows with less in them, too: an E, at its arms.
+    const bool mayBeSeveral = piece.height() >= kLowestPair && piece.height() <= 2 * piece.width();
+    for (int y = piece.top; y < piece.bottom && mayBeSeveral; ++y)
         counts.push_back(steps.count(y, piece.left, piece.right));
     for (; attempt < kFew.size() && !counts.empty(); ++attempt) {
         const std::vector<Band> bands = bandsOf(counts, kFew.at(attempt));
@@ -334,6 +342,68 @@ void joinNested(std::vector<Box>& lines)
     lines = std::move(kept);
 }
 
+/// The arms of the first and the last letter of a line, as of a T or an L. Such an arm has a step
+/// at its end alone, too far from the stem to be a piece of the line.
+class Arms {
+public:
+    Arms(const ColourSteps& steps, const Box& line)
+        : m_steps(steps)
+        , m_line(line)
+        , m_third(line.height() / 3)
+        , m_reach(line.height() * 6 / 10)
+    {
+    }
+
+    // The step at an end may take two pixels.
+    int left() const
+    {
+        for (int x = std::max(0, m_line.left - m_reach); x < m_line.left - 1; ++x) {
+            if (isEnd(x, [&](int y) { return m_steps.count(y, x + 2, m_line.left) == 0; }))
+                return x;
+        }
+        return m_line.left;
+    }
+
+    int right() const
+    {
+        const int last = std::min(m_steps.width(), m_line.right + m_reach) - 1;
+        for (int x = last; x > m_line.right; --x) {
+            if (isEnd(x, [&](int y) { return m_steps.count(y, m_line.right, x - 1) == 0; }))
+                return x + 2;
+        }
+        return m_line.right;
+    }
+
+private:
+    /// Whether arms end in a column: steps above or below, nothing up to the letter, and hardly any
+    /// in between, where the edge of a button would have them all along.
+    template <typename ReachesLetter>
+    bool isEnd(int x, ReachesLetter reachesLetter) const
+    {
+        int outer = 0;
+        int middle = 0;
+        for (int y = m_line.top; y < m_line.bottom; ++y) {
+            if (!m_steps.at(x, y))
+                continue;
+            if (!reachesLetter(y))
+                return false;
+            const bool isMiddle = y >= m_line.top + m_third && y < m_line.bottom - m_third;
+            ++(isMiddle ? middle : outer);
+        }
+        // What goes on above or below is an edge.
+        const auto goesOn = [&](int y) {
+            return y >= 0 && y < m_steps.height() && m_steps.at(x, y);
+        };
+        return outer > 0 && 2 * middle <= m_third && !goesOn(m_line.top - 1) &&
+               !goesOn(m_line.bottom);
+    }
+
+    const ColourSteps& m_steps;
+    const Box& m_line;
+    int m_third;
+    int m_reach;
+};
+
 bool mayBeText(const Box& box)
 {
     return box.height() <= kHighestLine && box.width() >= 4 && box.height() <= 3 * box.width();
@@ -357,9 +427,13 @@ QList<QRect> TextLineFinder::find(const QImage& picture)
     addMarks(low, lines);
     joinNested(lines);
     QList<QRect> found;
-    for (const Box& line : lines) {
+    for (Box line : lines) {
         if (!mayBeText(line))
             continue;
+        const Arms arms(steps, line);
+        const int armLeft = arms.left();
+        line.right = arms.right();
+        line.left = armLeft;
         // A stem that begins or ends with the picture has a step on one side only.
         const int stem = line.height() / 4;
         const int left = line.left <= stem ? 0 : line.left;

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// scene_reader --seeds FIRST LAST [--misses] [LAYOUT...]   makes scenes, reads them, prints how
-// well scene_reader DIR [--misses]    the same of pictures DIR/*.png whose words stand in DIR/*.txt
+// scene_reader --seeds FIRST LAST [--misses] [LAYOUT...]
+//     makes scenes, reads them, prints how well
+//
+// scene_reader DIR [--misses]
+//     the same of pictures DIR/*.png whose words stand in DIR/*.txt
 //
 // A line of JSON for each picture, and one for all. With --misses also the words that were missed
 // and those that are not there: for seeds that the reader may be tuned on, not for those held back.
