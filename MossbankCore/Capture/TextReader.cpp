@@ -101,7 +101,8 @@ QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
     return pieces;
 }
 
-TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words)
+TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words,
+                                          const QString& language)
 {
     double sum = 0;
     qsizetype length = 0;
@@ -109,33 +110,25 @@ TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words)
         sum += word.confidence * static_cast<double>(word.text.size());
         length += word.text.size();
     }
-    return {words, length > 0 ? sum / static_cast<double>(length) : 0};
+    return {words, language, length > 0 ? sum / static_cast<double>(length) : 0};
 }
 
-TextReader::Reading TextReader::readPiece(const QImage& image, const QString& language,
-                                          bool correctsLanguage)
+TextReader::Reading TextReader::readPiece(const QImage& image, const Way& way)
 {
-    const auto readAt = [&](int height) {
-        return readingOf(m_recognizer->read(scaled(image, height), language, correctsLanguage));
-    };
-    const Reading reading = readAt(kReadHeight);
-    if (reading.confidence >= kUnsure)
-        return reading;
-    const Reading second = readAt(kSecondHeight);
-    // Smaller, a dot or a space is lost more easily, and the recogniser does not miss it.
-    const bool isTrusted =
-        second.confidence >= kUnsure || second.words.size() > reading.words.size();
-    return isTrusted && second.confidence > reading.confidence ? second : reading;
+    return readingOf(
+        m_recognizer->read(scaled(image, way.height), way.language, way.correctsLanguage),
+        way.language);
 }
 
 template <typename IsWanted>
-QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const QString& language,
-                                               bool correctsLanguage, IsWanted isWanted)
+QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
+                                               IsWanted isWanted)
 {
     QList<Reading> readings(pieces.size());
     QList<qsizetype> unknown;
     QSet<QByteArray> isBegun;
-    const QByteArray kind = language.toUtf8() + (correctsLanguage ? '+' : '-');
+    const QByteArray kind = way.language.toUtf8() + (way.correctsLanguage ? '+' : '-') +
+                            QByteArray::number(way.height) + ' ';
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (!isWanted(place))
             continue;
@@ -153,7 +146,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     const auto readOn = [&] {
         for (qsizetype at = next++; at < unknown.size(); at = next++) {
             const qsizetype place = unknown.at(at);
-            readings[place] = readPiece(pieces.at(place).image, language, correctsLanguage);
+            readings[place] = readPiece(pieces.at(place).image, way);
         }
     };
     readings.detach();
@@ -203,21 +196,26 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
 {
     const QStringList languages =
         m_recognizer->languages(options.languages.value_or(QStringList()));
-    const bool corrects = options.correctsLanguage;
-    QList<Reading> readings =
-        readAll(pieces, languages.first(), corrects, [](qsizetype) { return true; });
-    for (const QString& language : languages.mid(1))
-        improve(readings, pieces, language, corrects);
+    Way way = {languages.first(), options.correctsLanguage, kReadHeight};
+    QList<Reading> readings = readAll(pieces, way, [](qsizetype) { return true; });
+    for (const QString& language : languages.mid(1)) {
+        way.language = language;
+        improve(readings, pieces, way);
+    }
+    way.height = kSecondHeight;
+    for (const QString& language : languages) {
+        way.language = language;
+        readUnsureAgain(readings, pieces, way);
+    }
     return readings;
 }
 
-void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces,
-                         const QString& language, bool correctsLanguage)
+void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way)
 {
     constexpr double kBetter = 2;
     constexpr double kLeast = 70;
     const auto readBelow = [&](double confidence) {
-        return readAll(pieces, language, correctsLanguage,
+        return readAll(pieces, way,
                        [&](qsizetype place) { return readings.at(place).confidence < confidence; });
     };
     // First where what is known is in doubt; where that shows that the language is there, also
@@ -238,7 +236,26 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces,
         Reading other = others.at(place);
         if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
             std::swap(readings[place], other);
-        readings[place] = readingOf(betterWords(readings.at(place).words, other.words));
+        readings[place] = readingOf(betterWords(readings.at(place).words, other.words),
+                                    readings.at(place).language);
+    }
+}
+
+void TextReader::readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces,
+                                 const Way& way)
+{
+    const QList<Reading> seconds = readAll(pieces, way, [&](qsizetype place) {
+        const Reading& reading = readings.at(place);
+        return reading.confidence < kUnsure && reading.language == way.language;
+    });
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        const Reading& second = seconds.at(place);
+        Reading& reading = readings[place];
+        // Smaller, a dot or a space is lost more easily, and the recogniser does not miss it.
+        const bool isTrusted =
+            second.confidence >= kUnsure || second.words.size() > reading.words.size();
+        if (isTrusted && second.confidence > reading.confidence)
+            reading = second;
     }
 }
 

@@ -41,25 +41,34 @@ private:
         QByteArray fingerprint;
         qsizetype line = 0;
     };
-    /// What a piece says in one language.
+    /// How a piece is read.
+    struct Way {
+        QString language;
+        bool correctsLanguage = false;
+        /// Of the line, in pixels.
+        int height = 0;
+    };
+    /// What a piece says, read in one way.
     struct Reading {
         QList<RecognizedWord> words;
+        /// That of most of the words.
+        QString language;
         /// The mean of the words', by their lengths. 0 without words.
         double confidence = 0;
     };
     using Readings = QHash<QByteArray, Reading>;
 
     static QList<Piece> piecesOf(const QImage& picture);
-    /// What each piece says in `language`, as far as `isWanted` asks for it.
+    /// What each piece says, as far as `isWanted` asks for it.
     template <typename IsWanted>
-    QList<Reading> readAll(const QList<Piece>& pieces, const QString& language,
-                           bool correctsLanguage, IsWanted isWanted);
-    static Reading readingOf(const QList<RecognizedWord>& words);
-    Reading readPiece(const QImage& image, const QString& language, bool correctsLanguage);
+    QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, IsWanted isWanted);
+    static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
+    Reading readPiece(const QImage& image, const Way& way);
     QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
     /// Takes from another language what it reads better.
-    void improve(QList<Reading>& readings, const QList<Piece>& pieces, const QString& language,
-                 bool correctsLanguage);
+    void improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
+    /// Reads what is unsure in that language in another way, and takes what is surer.
+    void readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
     static QStringList linesOf(const QList<Piece>& pieces, const QList<Reading>& readings);
     void restIfWanted();
 

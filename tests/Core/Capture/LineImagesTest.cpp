@@ -183,6 +183,16 @@ private Q_SLOTS:
         QCOMPARE(imagesOfLine(picture, other, {line, other}).size(), 1);
     }
 
+    void theDotsOfTheLineBelowDoNotShow()
+    {
+        QImage picture = plain(kSize);
+        const QRect line = write(picture, kPlace, {4, 3});
+        const QRect dot(50, line.bottom() + 1, 2, 2);
+        fill(picture, dot, kBlack);
+        const QRect below = write(picture, {40, 46}, {5}) | dot;
+        QCOMPARE(imagesOfLine(picture, line, {line, below}), plainImages());
+    }
+
     void lettersUpToTheEdgesOfThePictureAreThere_data()
     {
         QTest::addColumn<QPoint>("place");

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void anUnsureLineIsTriedOnceMoreSmaller();
     void theSurerOfTwoTriesCounts();
     void aSecondTryThatIsUnsureTooDoesNotRunWordsTogether();
+    void onlyTheBestLanguageTriesOnceMore();
     void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
     void whereAnotherLanguageIsThereItIsTriedMoreWidely();
     void whereNoLineIsOfAnotherLanguageNoneIsReadInIt();
@@ -363,6 +364,24 @@ void TextReaderTest::aSecondTryThatIsUnsureTooDoesNotRunWordsTogether()
         return line.height() < 64 ? apart : word(u"shockzip"_s, 0);
     });
     QCOMPARE(read(written({6})), QStringList{u"shock .zip"_s});
+}
+
+void TextReaderTest::onlyTheBestLanguageTriesOnceMore()
+{
+    m_fake->setLanguages({u"eng"_s, u"tur"_s});
+    // Lines of 4 are surely Turkish and those of 5 not so surely.
+    m_fake->setReader([](const QImage& line, const QString& language) {
+        const bool isFive = FakeLineRecognizer::wordsOn(line).first().text.size() == 5;
+        if (language == u"eng"_s)
+            return word(u"isik"_s, 60);
+        return word(u"ışık"_s, isFive ? 75 : 94);
+    });
+    QCOMPARE(read(written({4})), QStringList{u"ışık"_s});
+    QCOMPARE(m_fake->readings().size(), 2);
+    QCOMPARE(readingsOf(written({4, 5})), 3);
+    const FakeLineRecognizer::Reading last = m_fake->readings().last();
+    QCOMPARE(last.language, u"tur"_s);
+    QVERIFY(last.line.height() < m_fake->readings().first().line.height());
 }
 
 void TextReaderTest::anotherLanguageIsTriedWhereTheFirstIsInDoubt()
