@@ -16,7 +16,9 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <functional>
 #include <utility>
+#include <vector>
 
 namespace mossbank {
 
@@ -78,11 +80,13 @@ bool isNoise(const QList<RecognizedWord>& words)
 
 } // namespace
 
-TextReader::TextReader(std::unique_ptr<LineRecognizer> recognizer)
+TextReader::TextReader(std::unique_ptr<LineRecognizer> recognizer,
+                       std::chrono::milliseconds patience)
     : m_recognizer(std::move(recognizer))
+    , m_patience(patience)
 {
-    // Each holds engines of its own, and more than a few wait for each other.
-    m_pool.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 4));
+    // More would be quicker, and take from the user's own work. Each needs engines beside.
+    m_pool.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 2));
 }
 
 TextReader::~TextReader()
@@ -143,10 +147,12 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
         }
     }
     std::atomic<qsizetype> next = 0;
+    std::vector<char> isRead(static_cast<std::size_t>(unknown.size()), 0);
     const auto readOn = [&] {
-        for (qsizetype at = next++; at < unknown.size(); at = next++) {
+        for (qsizetype at = next++; at < unknown.size() && !isGivenUp(); at = next++) {
             const qsizetype place = unknown.at(at);
             readings[place] = readPiece(pieces.at(place).image, way);
+            isRead[static_cast<std::size_t>(at)] = 1;
         }
     };
     readings.detach();
@@ -165,8 +171,11 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     }
     if (failure)
         std::rethrow_exception(failure);
-    for (const qsizetype place : std::as_const(unknown))
-        m_current.insert(kind + pieces.at(place).fingerprint, readings.at(place));
+    for (qsizetype at = 0; at < unknown.size(); ++at) {
+        const qsizetype place = unknown.at(at);
+        if (isRead[static_cast<std::size_t>(at)])
+            m_current.insert(kind + pieces.at(place).fingerprint, readings.at(place));
+    }
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (isWanted(place))
             readings[place] = m_current.value(kind + pieces.at(place).fingerprint);
@@ -198,9 +207,11 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
         m_recognizer->languages(options.languages.value_or(QStringList()));
     Way way = {languages.first(), options.correctsLanguage, kReadHeight};
     QList<Reading> readings = readAll(pieces, way, [](qsizetype) { return true; });
-    for (const QString& language : languages.mid(1)) {
-        way.language = language;
-        improve(readings, pieces, way);
+    // The first are English and the user's own; of the rest there may be a hundred.
+    constexpr qsizetype kNear = 3;
+    for (qsizetype place = 1; place < languages.size(); ++place) {
+        way.language = languages.at(place);
+        improve(readings, pieces, way, place >= kNear);
     }
     way.height = kSecondHeight;
     for (const QString& language : languages) {
@@ -210,17 +221,37 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
     return readings;
 }
 
-void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way)
+QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<Reading>& readings,
+                                         const QList<Piece>& pieces, qsizetype most)
+{
+    QList<qsizetype> places;
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (readings.at(place).confidence < confidence)
+            places.append(place);
+    }
+    if (places.size() > most) {
+        std::ranges::stable_sort(places, std::greater(), [&](qsizetype place) {
+            const QImage& image = pieces.at(place).image;
+            return image.width() / image.height();
+        });
+        places.resize(most);
+    }
+    return {places.cbegin(), places.cend()};
+}
+
+void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way,
+                         bool isFar)
 {
     constexpr double kBetter = 2;
     constexpr double kLeast = 70;
-    const auto readBelow = [&](double confidence) {
-        return readAll(pieces, way,
-                       [&](qsizetype place) { return readings.at(place).confidence < confidence; });
+    const auto readBelow = [&](double confidence, qsizetype most) {
+        const QSet<qsizetype> chosen = longestBelow(confidence, readings, pieces, most);
+        return readAll(pieces, way, [&](qsizetype place) { return chosen.contains(place); });
     };
     // First where what is known is in doubt; where that shows that the language is there, also
     // where it is nearly sure: without its accents a word looks familiar.
-    QList<Reading> others = readBelow(kDoubtful);
+    constexpr qsizetype kFew = 8;
+    QList<Reading> others = readBelow(kDoubtful, isFar ? kFew : pieces.size());
     bool isThere = false;
     for (qsizetype place = 0; place < pieces.size() && !isThere; ++place) {
         const Reading& other = others.at(place);
@@ -231,7 +262,7 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, c
     // Of what has no words of it, it only makes other words.
     if (!isThere)
         return;
-    others = readBelow(kSure);
+    others = readBelow(kSure, pieces.size());
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         Reading other = others.at(place);
         if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
@@ -265,6 +296,10 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
         return {};
     const auto rested = qScopeGuard([this] { restIfWanted(); });
     const QMutexLocker lock(&m_mutex);
+    // A wish from before is not meant for this reading.
+    if (m_wantsRest.exchange(false))
+        forget();
+    m_watch.start();
     m_current.clear();
     const QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
     const QList<Reading> readings = readInAll(pieces, options);
@@ -283,13 +318,22 @@ void TextReader::restIfWanted()
 {
     // Asked again after each try: whoever had the lock may have let go of it before the wish.
     while (m_wantsRest && m_mutex.tryLock()) {
-        if (m_wantsRest.exchange(false)) {
-            m_known = {};
-            m_current = {};
-            m_recognizer->rest();
-        }
+        if (m_wantsRest.exchange(false))
+            forget();
         m_mutex.unlock();
     }
+}
+
+void TextReader::forget()
+{
+    m_known = {};
+    m_current = {};
+    m_recognizer->rest();
+}
+
+bool TextReader::isGivenUp() const
+{
+    return m_wantsRest || m_watch.hasExpired(m_patience.count());
 }
 
 } // namespace mossbank

@@ -4,12 +4,15 @@
 #include "MossbankCore/Ports/LineRecognizer.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QImage>
 #include <QMutex>
+#include <QSet>
 #include <QThreadPool>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 
 namespace mossbank {
@@ -26,12 +29,15 @@ namespace mossbank {
 /// Threading: any thread; one picture at a time, the rest wait.
 class TextReader final : public TextRecognizer {
 public:
-    explicit TextReader(std::unique_ptr<LineRecognizer> recognizer);
+    /// `patience`: how long a picture is read. What looks like text all over could take minutes.
+    explicit TextReader(std::unique_ptr<LineRecognizer> recognizer,
+                        std::chrono::milliseconds patience = std::chrono::seconds(20));
     ~TextReader() override;
 
-    /// A line of text each, its words with one space between.
+    /// A line of text each, its words with one space between. Of a picture that takes longer than
+    /// it may, what has been read by then.
     QStringList recognize(const QImage& image, const Options& options) override;
-    /// Returns at once. What a reading under way reads is forgotten when that ends.
+    /// Returns at once. A reading under way ends soon, with what it has, and that is forgotten.
     void rest() override;
 
 private:
@@ -65,16 +71,26 @@ private:
     static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
     Reading readPiece(const QImage& image, const Way& way);
     QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
-    /// Takes from another language what it reads better.
-    void improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
+    /// Takes from another language what it reads better. `isFar`: whether that is hardly expected,
+    /// and only looked for.
+    void improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way, bool isFar);
     /// Reads what is unsure in that language in another way, and takes what is surer.
     void readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
+    /// At most so many of the pieces whose reading is less sure.
+    static QSet<qsizetype> longestBelow(double confidence, const QList<Reading>& readings,
+                                        const QList<Piece>& pieces, qsizetype most);
     static QStringList linesOf(const QList<Piece>& pieces, const QList<Reading>& readings);
+    /// Whether the picture is read no further.
+    bool isGivenUp() const;
     void restIfWanted();
+    void forget();
 
     std::unique_ptr<LineRecognizer> m_recognizer;
+    std::chrono::milliseconds m_patience;
     QMutex m_mutex;
-    /// A few threads of its own: a reading waits for them, and may itself run on the global pool.
+    /// Since the reading under way began.
+    QElapsedTimer m_watch;
+    /// Two threads of its own: a reading waits for them, and may itself run on the global pool.
     QThreadPool m_pool;
     /// Of the picture read last, and of the one that is being read.
     Readings m_known;

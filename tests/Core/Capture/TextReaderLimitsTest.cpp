@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How long the reading of a picture may take: of one that is text all over, of one that nobody
+// waits for any more, with a hundred languages installed.
+#include "MossbankCore/Capture/TextReader.h"
+#include "MossbankCore/Support/Background.h"
+#include "tests/Core/Capture/DrawnText.h"
+#include "tests/Fakes/FakeLineRecognizer.h"
+
+#include <QFuture>
+#include <QSemaphore>
+#include <QSet>
+#include <QTest>
+
+#include <algorithm>
+
+namespace mossbank {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kLines = 40;
+
+/// Lines that are all different.
+QImage manyLines()
+{
+    QImage picture = plain({900, 20 + kLines * 24});
+    for (int line = 0; line < kLines; ++line)
+        write(picture, {20, 10 + line * 24}, {line % 8 + 1, line / 8 + 1});
+    return picture;
+}
+
+FakeLineRecognizer::Reader slowly(int milliseconds)
+{
+    return [=](const QImage& line, const QString&) {
+        QTest::qSleep(milliseconds);
+        return FakeLineRecognizer::wordsOn(line);
+    };
+}
+
+} // namespace
+
+class TextReaderLimitsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aPictureIsNotReadForEver();
+    void whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole();
+    void ofManyLanguagesOnlyAFewAreTriedEverywhere();
+    void aFarLanguageThatIsThereIsRead();
+
+private:
+    void make(std::chrono::milliseconds patience = std::chrono::minutes(1))
+    {
+        auto fake = std::make_unique<FakeLineRecognizer>();
+        m_fake = fake.get();
+        m_reader = std::make_unique<TextReader>(std::move(fake), patience);
+    }
+
+    std::unique_ptr<TextReader> m_reader;
+    FakeLineRecognizer* m_fake = nullptr;
+};
+
+void TextReaderLimitsTest::aPictureIsNotReadForEver()
+{
+    make(std::chrono::milliseconds(150));
+    m_fake->setReader(slowly(50));
+    const QStringList first = m_reader->recognize(manyLines(), {});
+    QVERIFY(!first.isEmpty());
+    QVERIFY(first.size() < kLines);
+    QCOMPARE(m_fake->readings().size(), first.size());
+    // What was left is read the next time, and not taken for empty.
+    const QStringList second = m_reader->recognize(manyLines(), {});
+    QVERIFY(second.size() > first.size());
+    QCOMPARE(m_fake->readings().size(), second.size());
+}
+
+void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
+{
+    make();
+    QSemaphore begun;
+    m_fake->setReader([&](const QImage& line, const QString&) {
+        begun.release();
+        QTest::qSleep(20);
+        return FakeLineRecognizer::wordsOn(line);
+    });
+    QFuture<QStringList> reading =
+        inBackground([&] { return m_reader->recognize(manyLines(), {}); });
+    begun.acquire();
+    m_reader->rest();
+    QVERIFY(reading.result().size() < kLines / 2);
+    // Also when the rest has not yet come about.
+    m_reader->rest();
+    QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
+    QTRY_VERIFY(m_fake->rests() >= 2);
+}
+
+void TextReaderLimitsTest::ofManyLanguagesOnlyAFewAreTriedEverywhere()
+{
+    make();
+    QStringList languages = {u"eng"_s, u"tur"_s, u"deu"_s};
+    for (int number = 0; number < 50; ++number)
+        languages.append(u"far%1"_s.arg(number));
+    m_fake->setLanguages(languages);
+    m_fake->setReader(
+        [](const QImage& line, const QString&) { return FakeLineRecognizer::wordsOn(line, 85); });
+    QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
+    QHash<QString, int> readings;
+    for (const FakeLineRecognizer::Reading& reading : m_fake->readings())
+        ++readings[reading.language];
+    QCOMPARE(readings.value(u"tur"_s), kLines);
+    QCOMPARE(readings.value(u"deu"_s), kLines);
+    for (const QString& language : languages.mid(3))
+        QVERIFY(readings.value(language) <= 8);
+}
+
+void TextReaderLimitsTest::aFarLanguageThatIsThereIsRead()
+{
+    make();
+    m_fake->setLanguages({u"eng"_s, u"tur"_s, u"deu"_s, u"fin"_s});
+    m_fake->setReader([](const QImage&, const QString& language) -> QList<RecognizedWord> {
+        return {
+            {language == u"fin"_s ? u"öljyä"_s : u"oljya"_s, language == u"fin"_s ? 95.0 : 80.0}};
+    });
+    const QStringList lines = m_reader->recognize(manyLines(), {});
+    QVERIFY(lines.size() >= kLines);
+    QVERIFY(
+        std::ranges::none_of(lines, [](const QString& line) { return line.contains(u"oljya"_s); }));
+}
+
+} // namespace mossbank
+
+QTEST_GUILESS_MAIN(mossbank::TextReaderLimitsTest)
+#include "TextReaderLimitsTest.moc"
