@@ -5,15 +5,14 @@
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "MossbankCore/Support/Failure.h"
 #include "bench/BenchDesktop.h"
+#include "bench/BenchMemory.h"
 #include "bench/BenchOutput.h"
 #include "bench/BenchTiming.h"
 
-#include <QFile>
 #include <QImage>
 #include <QRandomGenerator>
 
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <array>
 #include <memory>
@@ -127,15 +126,6 @@ double processorMilliseconds()
     return seconds * kThousand + micros / kThousand;
 }
 
-double residentMegabytes()
-{
-    QFile file(u"/proc/self/statm"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        throw FileError(file.errorString(), file.fileName());
-    const qint64 pages = file.readAll().split(' ').value(1).toLongLong();
-    return static_cast<double>(pages * ::sysconf(_SC_PAGESIZE)) / kMillion;
-}
-
 /// What a capture pass does with a screen up to its decision.
 class Check {
 public:
@@ -171,7 +161,7 @@ void measureChecks(int checks)
     Check check;
     for (int round = 0; round < kWarm; ++round)
         check.run();
-    const double residentBefore = residentMegabytes();
+    const double residentBefore = residentMegabytes("VmRSS");
     int changed = 0;
     std::vector<double> wall;
     std::vector<double> grab;
@@ -199,10 +189,11 @@ void measureChecks(int checks)
                   {u"baseline_processor_ms"_s, rounded(grabProcessor / checks)}});
     // The two lists of times are of the measurement.
     const double own = 2.0 * static_cast<double>(wall.capacity() * sizeof(double)) / kMillion;
-    printFigures({{u"bench"_s, u"check"_s},
-                  {u"what"_s, u"resident memory"_s},
-                  {u"after_%1_mb"_s.arg(kWarm), rounded(residentBefore)},
-                  {u"after_%1_mb"_s.arg(kWarm + checks), rounded(residentMegabytes() - own)}});
+    printFigures(
+        {{u"bench"_s, u"check"_s},
+         {u"what"_s, u"resident memory"_s},
+         {u"after_%1_mb"_s.arg(kWarm), rounded(residentBefore)},
+         {u"after_%1_mb"_s.arg(kWarm + checks), rounded(residentMegabytes("VmRSS") - own)}});
 }
 
 /// A number above zero behind the option, or `otherwise` where the option is not there.

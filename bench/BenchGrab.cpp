@@ -5,16 +5,13 @@
 #include "MossbankCore/Support/Failure.h"
 #include "bench/BenchDesktop.h"
 #include "bench/BenchOutput.h"
+#include "bench/BenchTiming.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <memory>
-#include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -24,14 +21,6 @@ namespace {
 
 constexpr int kRounds = 300;
 constexpr int kWarmUp = 20;
-constexpr double kNanosecondsPerMillisecond = 1e6;
-
-double median(std::vector<qint64> times)
-{
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::ranges::nth_element(times, middle);
-    return static_cast<double>(*middle) / kNanosecondsPerMillisecond;
-}
 
 void print(int rounds, double baseline, double picture)
 {
@@ -76,14 +65,6 @@ PictureRequest requestOf(X11Screen& screen)
     return request;
 }
 
-qint64 timeOf(const auto& work)
-{
-    QElapsedTimer watch;
-    watch.start();
-    work();
-    return watch.nsecsElapsed();
-}
-
 void measure(int rounds)
 {
     const QTemporaryDir home;
@@ -97,17 +78,15 @@ void measure(int rounds)
     X11Screen screen(std::make_shared<ApplicationCatalog>(), {0, u"bench.own"_s});
     const PictureRequest request = requestOf(screen);
     const BareGrab bare;
-    std::vector<qint64> baseline;
-    std::vector<qint64> pictures;
-    for (int round = -kWarmUp; round < rounds; ++round) {
-        const qint64 grab = timeOf([&] { bare.take(); });
-        const qint64 picture = timeOf([&] { screen.picture(request).waitForFinished(); });
-        if (round < 0)
-            continue;
-        baseline.push_back(grab);
-        pictures.push_back(picture);
-    }
-    print(rounds, median(std::move(baseline)), median(std::move(pictures)));
+    const auto takeBarely = [&](int) {
+        bare.take();
+    };
+    const auto take = [&](int) {
+        screen.picture(request).waitForFinished();
+    };
+    sideBySide(kWarmUp, take, takeBarely);
+    const PairedTimes paired = sideBySide(rounds, take, takeBarely);
+    print(rounds, median(paired.baseline), median(paired.times));
 }
 
 } // namespace

@@ -3,15 +3,16 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QString>
 
 namespace mossbank {
 
-/// The memory of this process in bytes by a field of its status: "VmRSS" for what is resident,
-/// "VmHWM" for its highest so far. 0 where that is not told.
-inline qint64 residentBytes(const QByteArray& field)
+/// The memory of a process in bytes by a field of its status: "VmRSS" for what is resident, "VmHWM"
+/// for its highest so far. 0 where that is not told.
+inline qint64 residentBytes(const QByteArray& field, const QString& process)
 {
     constexpr qint64 kKilobyte = 1024;
-    QFile status(QStringLiteral("/proc/self/status"));
+    QFile status(QStringLiteral("/proc/%1/status").arg(process));
     if (!status.open(QIODevice::ReadOnly))
         return 0;
     for (const QByteArray& line : status.readAll().split('\n')) {
@@ -21,10 +22,11 @@ inline qint64 residentBytes(const QByteArray& field)
     return 0;
 }
 
-inline double residentMegabytes(const QByteArray& field)
+inline double residentMegabytes(const QByteArray& field,
+                                const QString& process = QStringLiteral("self"))
 {
     constexpr double kMegabyte = 1024 * 1024;
-    return static_cast<double>(residentBytes(field)) / kMegabyte;
+    return static_cast<double>(residentBytes(field, process)) / kMegabyte;
 }
 
 } // namespace mossbank

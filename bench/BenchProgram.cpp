@@ -3,6 +3,7 @@
 // The real program, as a process of its own with a home of its own.
 #include "MossbankCore/Support/Failure.h"
 #include "bench/BenchCheck.h"
+#include "bench/BenchMemory.h"
 #include "bench/BenchOutput.h"
 #include "bench/BenchTiming.h"
 
@@ -24,7 +25,6 @@ namespace mossbank {
 namespace {
 
 constexpr int kPatience = 30'000;
-constexpr double kMillion = 1e6;
 constexpr double kThousand = 1e3;
 
 QByteArray contentsOf(const QString& path)
@@ -98,12 +98,7 @@ public:
         return static_cast<double>(ticks) * kThousand / static_cast<double>(::sysconf(_SC_CLK_TCK));
     }
 
-    double residentMegabytes() const
-    {
-        const QByteArray all = contentsOf(u"/proc/%1/statm"_s.arg(m_process.processId()));
-        return static_cast<double>(all.split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE)) /
-               kMillion;
-    }
+    qint64 process() const { return m_process.processId(); }
 
     qsizetype pictures() const
     {
@@ -144,7 +139,8 @@ void measureProgram(int seconds)
                   {u"seconds"_s, rounded(wall / kThousand)},
                   {u"processor_ms"_s, rounded(processor)},
                   {u"processor_ms_a_second"_s, rounded(processor * kThousand / wall)},
-                  {u"resident_mb"_s, rounded(program.residentMegabytes())}});
+                  {u"resident_mb"_s,
+                   rounded(residentMegabytes("VmRSS", QString::number(program.process())))}});
 }
 
 } // namespace mossbank

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <ctime>
 #include <exception>
 #include <functional>
 #include <utility>
@@ -51,10 +52,10 @@ QImage scaled(const QImage& line, int height)
     return page;
 }
 
-QByteArray fingerprintOf(const QImage& image)
+QByteArray digestOf(const QImage& image)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(QByteArray::number(image.width()));
+    hash.addData(QByteArray::number(image.width()) + ' ');
     for (int y = 0; y < image.height(); ++y)
         hash.addData(QByteArrayView(image.constScanLine(y), image.width()));
     return hash.result();
@@ -69,6 +70,13 @@ bool hasOtherLetters(const QList<RecognizedWord>& words)
             return character.unicode() > kLastOfAscii && character.isLetter();
         });
     });
+}
+
+/// Of all of the program's threads.
+std::chrono::milliseconds processorTime()
+{
+    constexpr auto kTicks = CLOCKS_PER_SEC / 1000;
+    return std::chrono::milliseconds(std::clock() / kTicks);
 }
 
 /// What a corner or an icon is read as.
@@ -100,7 +108,7 @@ QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
     QList<Piece> pieces;
     for (qsizetype line = 0; line < lines.size(); ++line) {
         for (const QImage& image : imagesOfLine(picture, lines.at(line), lines))
-            pieces.append({image, fingerprintOf(image), line});
+            pieces.append({image, digestOf(image), line});
     }
     return pieces;
 }
@@ -136,7 +144,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (!isWanted(place))
             continue;
-        const QByteArray key = kind + pieces.at(place).fingerprint;
+        const QByteArray key = kind + pieces.at(place).digest;
         if (m_current.contains(key) || isBegun.contains(key))
             continue;
         if (const auto known = m_known.constFind(key); known != m_known.cend()) {
@@ -174,11 +182,11 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     for (qsizetype at = 0; at < unknown.size(); ++at) {
         const qsizetype place = unknown.at(at);
         if (isRead[static_cast<std::size_t>(at)])
-            m_current.insert(kind + pieces.at(place).fingerprint, readings.at(place));
+            m_current.insert(kind + pieces.at(place).digest, readings.at(place));
     }
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (isWanted(place))
-            readings[place] = m_current.value(kind + pieces.at(place).fingerprint);
+            readings[place] = m_current.value(kind + pieces.at(place).digest);
     }
     return readings;
 }
@@ -299,7 +307,7 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
     // A wish from before is not meant for this reading.
     if (m_wantsRest.exchange(false))
         forget();
-    m_watch.start();
+    m_began = processorTime();
     m_current.clear();
     const QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
     const QList<Reading> readings = readInAll(pieces, options);
@@ -333,7 +341,7 @@ void TextReader::forget()
 
 bool TextReader::isGivenUp() const
 {
-    return m_wantsRest || m_watch.hasExpired(m_patience.count());
+    return m_wantsRest || processorTime() - m_began > m_patience;
 }
 
 } // namespace mossbank

@@ -4,7 +4,6 @@
 #include "MossbankCore/Ports/LineRecognizer.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
-#include <QElapsedTimer>
 #include <QHash>
 #include <QImage>
 #include <QMutex>
@@ -29,9 +28,10 @@ namespace mossbank {
 /// Threading: any thread; one picture at a time, the rest wait.
 class TextReader final : public TextRecognizer {
 public:
-    /// `patience`: how long a picture is read. What looks like text all over could take minutes.
+    /// `patience`: the processor time that a picture may take. What looks like text all over could
+    /// take minutes; on a busy machine any picture may, and is read all the same.
     explicit TextReader(std::unique_ptr<LineRecognizer> recognizer,
-                        std::chrono::milliseconds patience = std::chrono::seconds(20));
+                        std::chrono::milliseconds patience = std::chrono::seconds(30));
     ~TextReader() override;
 
     /// A line of text each, its words with one space between. Of a picture that takes longer than
@@ -44,7 +44,8 @@ private:
     /// Part of a line, to be read in one go.
     struct Piece {
         QImage image;
-        QByteArray fingerprint;
+        /// Tells it from any that looks otherwise.
+        QByteArray digest;
         qsizetype line = 0;
     };
     /// How a piece is read.
@@ -88,8 +89,8 @@ private:
     std::unique_ptr<LineRecognizer> m_recognizer;
     std::chrono::milliseconds m_patience;
     QMutex m_mutex;
-    /// Since the reading under way began.
-    QElapsedTimer m_watch;
+    /// The processor time when the reading under way began.
+    std::chrono::milliseconds m_began{0};
     /// Two threads of its own: a reading waits for them, and may itself run on the global pool.
     QThreadPool m_pool;
     /// Of the picture read last, and of the one that is being read.

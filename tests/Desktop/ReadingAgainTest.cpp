@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/PlatformFactory.h"
+#include "tests/Desktop/ResidentMemory.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFont>
 #include <QGuiApplication>
 #include <QImage>
@@ -63,14 +63,8 @@ QStringList with(QStringList lines, qsizetype place, const QString& text)
 
 qint64 residentMegabytes()
 {
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:"))
-            return line.simplified().split(' ').value(1).toLongLong() / 1024;
-    }
-    return 0;
+    constexpr qint64 kMegabyte = 1024 * 1024;
+    return test::residentBytes(::getpid()) / kMegabyte;
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/ScreensSeen.h"
 #include "tests/Desktop/DesktopTest.h"
+#include "tests/Desktop/ResidentMemory.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <unistd.h>
 
@@ -12,15 +12,6 @@ using namespace mossbank;
 using namespace mossbank::test;
 
 namespace {
-
-/// The second number of statm: pages that are in memory.
-qint64 residentBytes(qint64 process)
-{
-    QFile file(u"/proc/%1/statm"_s.arg(process));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
-}
 
 qsizetype openFiles()
 {

@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <ctime>
 
 namespace mossbank {
 
@@ -31,12 +32,12 @@ QImage manyLines()
     return picture;
 }
 
-FakeLineRecognizer::Reader slowly(int milliseconds)
+/// Takes so much of a processor's time.
+void work(std::chrono::milliseconds time)
 {
-    return [=](const QImage& line, const QString&) {
-        QTest::qSleep(milliseconds);
-        return FakeLineRecognizer::wordsOn(line);
-    };
+    const auto end = std::clock() + time.count() * CLOCKS_PER_SEC / 1000;
+    while (std::clock() < end) {
+    }
 }
 
 } // namespace
@@ -46,6 +47,7 @@ class TextReaderLimitsTest : public QObject {
 
 private Q_SLOTS:
     void aPictureIsNotReadForEver();
+    void aPictureThatOnlyWaitsIsReadWhole();
     void whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole();
     void ofManyLanguagesOnlyAFewAreTriedEverywhere();
     void aFarLanguageThatIsThereIsRead();
@@ -65,7 +67,10 @@ private:
 void TextReaderLimitsTest::aPictureIsNotReadForEver()
 {
     make(std::chrono::milliseconds(150));
-    m_fake->setReader(slowly(50));
+    m_fake->setReader([](const QImage& line, const QString&) {
+        work(std::chrono::milliseconds(50));
+        return FakeLineRecognizer::wordsOn(line);
+    });
     const QStringList first = m_reader->recognize(manyLines(), {});
     QVERIFY(!first.isEmpty());
     QVERIFY(first.size() < kLines);
@@ -74,6 +79,16 @@ void TextReaderLimitsTest::aPictureIsNotReadForEver()
     const QStringList second = m_reader->recognize(manyLines(), {});
     QVERIFY(second.size() > first.size());
     QCOMPARE(m_fake->readings().size(), second.size());
+}
+
+void TextReaderLimitsTest::aPictureThatOnlyWaitsIsReadWhole()
+{
+    make(std::chrono::milliseconds(150));
+    m_fake->setReader([](const QImage& line, const QString&) {
+        QTest::qSleep(20);
+        return FakeLineRecognizer::wordsOn(line);
+    });
+    QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
 }
 
 void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
