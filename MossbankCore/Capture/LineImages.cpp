@@ -32,8 +32,11 @@ public:
             backgroundsOf(picture, part, around.left(), around.left() + around.width());
         for (int y = 0; y < height(); ++y) {
             const QRgb* const row = pixelsOf(picture, around.top() + y) + around.left();
-            for (int x = 0; x < width(); ++x)
-                at(x, y) = distance(row[x], backgrounds[static_cast<std::size_t>(x)]);
+            for (int x = 0; x < width(); ++x) {
+                const QRgb background = backgrounds[static_cast<std::size_t>(x)];
+                at(x, y) = distance(row[x], background);
+                m_isLighter.push_back(qGray(row[x]) > qGray(background));
+            }
         }
         m_walls.assign(static_cast<std::size_t>(width()), false);
         m_isCut = {.left = around.left() == 0,
@@ -50,6 +53,11 @@ public:
                         static_cast<std::size_t>(x)];
     }
     int at(int x, int y) const { return const_cast<Ink*>(this)->at(x, y); }
+    bool isLighter(int x, int y) const
+    {
+        return m_isLighter[static_cast<std::size_t>(y) * static_cast<std::size_t>(width()) +
+                           static_cast<std::size_t>(x)];
+    }
     bool isWall(int x) const { return m_walls[static_cast<std::size_t>(x)]; }
 
     /// Removes lone vertical strokes that are longer than the line is high, and remembers where
@@ -92,36 +100,43 @@ public:
         }
     }
 
-    /// Removes what touches the border: around a line is room enough for all of its letters, so it
-    /// is an edge of a button, the corner of a badge, the end of something else. Where the picture
-    /// ends there is no such room, and a letter may reach up to it.
+    /// Removes what touches the border, as far as it is on the same side of the background, lighter
+    /// or darker: the corner of a dark badge may touch a white letter. Around a line is room enough
+    /// for all of its letters, so it is an edge of a button, the corner of a badge, the end of
+    /// something else. Where the picture ends there is no such room, and a letter may reach up to
+    /// it.
     void removeWhatTouchesTheBorder()
     {
-        std::vector<QPoint> left;
+        std::vector<QPoint> taken;
         const auto take = [&](int x, int y) {
-            if (x < 0 || y < 0 || x >= width() || y >= height() || at(x, y) <= kInk)
-                return;
             at(x, y) = 0;
-            left.emplace_back(x, y);
+            taken.emplace_back(x, y);
+        };
+        const auto takeInk = [&](int x, int y) {
+            if (at(x, y) > kInk)
+                take(x, y);
         };
         for (int x = 0; x < width(); ++x) {
             if (!m_isCut.top)
-                take(x, 0);
+                takeInk(x, 0);
             if (!m_isCut.bottom)
-                take(x, height() - 1);
+                takeInk(x, height() - 1);
         }
         for (int y = 0; y < height(); ++y) {
             if (!m_isCut.left)
-                take(0, y);
+                takeInk(0, y);
             if (!m_isCut.right)
-                take(width() - 1, y);
+                takeInk(width() - 1, y);
         }
-        while (!left.empty()) {
-            const QPoint point = left.back();
-            left.pop_back();
-            for (int y = point.y() - 1; y <= point.y() + 1; ++y) {
-                for (int x = point.x() - 1; x <= point.x() + 1; ++x)
-                    take(x, y);
+        while (!taken.empty()) {
+            const QPoint point = taken.back();
+            taken.pop_back();
+            // Not across corners: there a badge and a letter may meet by their points.
+            for (const QPoint& step : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)}) {
+                const QPoint next = point + step;
+                if (QRect(0, 0, width(), height()).contains(next) &&
+                    isLighter(next.x(), next.y()) == isLighter(point.x(), point.y()))
+                    takeInk(next.x(), next.y());
             }
         }
     }
@@ -204,6 +219,7 @@ private:
     QRect m_part; // within m_around
     Sides m_isCut;
     std::vector<int> m_values;
+    std::vector<bool> m_isLighter;
     std::vector<bool> m_walls;
 };
 

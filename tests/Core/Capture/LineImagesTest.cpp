@@ -124,6 +124,31 @@ private Q_SLOTS:
         QCOMPARE(images.first(), images.last());
     }
 
+    void theCornerOfABadgeTakesNoLetterThatTouchesIt_data()
+    {
+        QTest::addColumn<QRgb>("outside");
+        QTest::addColumn<bool>("isBesideIt");
+        QTest::newRow("of another side") << kBlack << true;
+        QTest::newRow("of the same side, by its point") << qRgb(240, 240, 240) << false;
+    }
+    void theCornerOfABadgeTakesNoLetterThatTouchesIt()
+    {
+        QFETCH(QRgb, outside);
+        QFETCH(bool, isBesideIt);
+        const QRgb badge = qRgb(30, 90, 200);
+        QImage picture = plain(kSize, badge);
+        const QRect line = write(picture, kPlace, {4, 3}, kWhite);
+        const int whole = darkPixels(imagesOfLine(picture, line, {line}).first());
+        // Steps down to the left and below, the last of which meets the foot of the first letter.
+        const int x = line.left() - 1;
+        const int y = isBesideIt ? line.bottom() : line.bottom() + 1;
+        for (int step = 0; step < 8; ++step)
+            fill(picture, {0, y + step, x + 1 - step, kSize.height() - y - step}, outside);
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(darkPixels(images.first()), whole);
+    }
+
     void aLetterOfOneStrokeIsNoBorder()
     {
         QImage picture = plain(kSize);
