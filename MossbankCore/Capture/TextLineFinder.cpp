@@ -178,11 +178,18 @@ std::vector<Band> bandsOf(const std::vector<int>& counts, double few)
         if (row - start >= kLowestBand)
             bands.push_back({start, row});
     }
-    // Nor are the dots of large letters a line beside them.
+    // Nor are the dots of large letters a line beside them. A stroke drawn from a line is higher
+    // than that, too, but has less in it.
     if (!bands.empty()) {
         constexpr int kFarLower = 3;
-        const int highest = std::ranges::max(bands, {}, &Band::height).height();
-        std::erase_if(bands, [&](const Band& band) { return kFarLower * band.height() < highest; });
+        const auto stepsOf = [&](const Band& band) {
+            return std::accumulate(counts.begin() + band.start, counts.begin() + band.end, 0);
+        };
+        const Band highest = std::ranges::max(bands, {}, &Band::height);
+        std::erase_if(bands, [&](const Band& band) {
+            return kFarLower * band.height() < highest.height() &&
+                   stepsOf(band) <= stepsOf(highest);
+        });
     }
     return bands;
 }

@@ -3,6 +3,7 @@
 // The recording loop: its starts and stops, its rests, and what it remembers between passes.
 #include "tests/Model/RecorderRig.h"
 
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QSignalSpy>
 
@@ -233,6 +234,8 @@ private Q_SLOTS:
         QSemaphore reading;
         rig.recognizer.setHook([&] { reading.acquire(); });
         rig.recorder->toggleRecording();
+        // Whatever fails: the rig waits for the reading.
+        const auto released = qScopeGuard([&] { reading.release(100); });
         QTRY_COMPARE(rig.recognizer.readings(), 1);
         rig.recorder->stop();
         QCOMPARE(rig.recognizer.rests(), 1);

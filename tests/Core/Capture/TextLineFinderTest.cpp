@@ -226,6 +226,17 @@ private Q_SLOTS:
         QVERIFY(isAround(line, letters | QRect(40, 34, 2, 2)));
     }
 
+    void aThinStrokeFromALetterDrawsNoLineOut()
+    {
+        QImage picture = plain({300, 120});
+        const QRect letters = write(picture, {20, 70}, {9, 9});
+        for (int y = 20; y < 70; ++y)
+            picture.setPixel(100 + y % 2, y, kBlack);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(found(picture).first().contains(letters));
+        QVERIFY(found(picture).first().height() <= 2 * letters.height());
+    }
+
     void aPictureBesideAWindowDrawsNoLineOut()
     {
         // Rough, and in places of the window's colour, so that its edge is broken.
