@@ -3,7 +3,7 @@
 
 #include "MossbankCore/Support/Background.h"
 #include "MossbankCore/Support/Failure.h"
-#include "tests/Core/Capture/DrawnText.h"
+#include "tests/Core/Capture/WrittenLines.h"
 #include "tests/Fakes/FakeLineRecognizer.h"
 
 #include <QFuture>
@@ -13,36 +13,6 @@
 namespace mossbank {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr QSize kSize = {400, 200};
-constexpr int kLineHeight = 24;
-
-/// A picture of lines of so many letters.
-QImage written(const QList<int>& lines, int left = 20)
-{
-    QImage picture = plain(kSize);
-    for (qsizetype line = 0; line < lines.size(); ++line)
-        write(picture, {left, 10 + static_cast<int>(line) * kLineHeight}, {lines.at(line)});
-    return picture;
-}
-
-/// Those lines as they are read.
-QStringList letters(const QList<int>& lines)
-{
-    QStringList texts;
-    for (const int line : lines)
-        texts.append(QString(line, u'H'));
-    return texts;
-}
-
-QList<RecognizedWord> word(const QString& text, double confidence)
-{
-    return {{text, confidence}};
-}
-
-} // namespace
 
 class TextReaderTest : public QObject {
     Q_OBJECT
@@ -72,15 +42,6 @@ private Q_SLOTS:
     void restingWaitsForNoReadingAndForgetsItAfterwards_data();
     void restingWaitsForNoReadingAndForgetsItAfterwards();
 
-    void anUnsureLineIsTriedOnceMoreSmaller();
-    void theSurerOfTwoTriesCounts();
-    void aSecondTryThatIsUnsureTooDoesNotRunWordsTogether();
-    void onlyTheBestLanguageTriesOnceMore();
-    void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
-    void whereAnotherLanguageIsThereItIsTriedMoreWidely();
-    void whereNoLineIsOfAnotherLanguageNoneIsReadInIt();
-    void wordsOfTwoLanguagesMayStandOnOneLine();
-    void theLanguagesAskedForAreThoseRead();
     void aFailureComesThroughAndTheNextPictureIsRead();
     void severalPicturesAtOnceAreEachReadRight();
 
@@ -324,133 +285,6 @@ void TextReaderTest::restingWaitsForNoReadingAndForgetsItAfterwards()
     m_fake->setReader(
         [](const QImage& line, const QString&) { return FakeLineRecognizer::wordsOn(line); });
     QCOMPARE(readingsOf(picture), 2);
-}
-
-void TextReaderTest::anUnsureLineIsTriedOnceMoreSmaller()
-{
-    m_fake->setReader([](const QImage& line, const QString&) {
-        return line.height() < 64 ? word(u"clear"_s, 90) : word(u"dear"_s, 79);
-    });
-    QCOMPARE(read(written({5})), QStringList{u"clear"_s});
-    m_fake->setReader([](const QImage& line, const QString&) {
-        return line.height() < 64 ? word(u"clear"_s, 90) : word(u"dear"_s, 80);
-    });
-    QCOMPARE(read(written({6})), QStringList{u"dear"_s});
-}
-
-void TextReaderTest::theSurerOfTwoTriesCounts()
-{
-    m_fake->setReader([](const QImage& line, const QString&) {
-        return line.height() < 64 ? word(u"worse"_s, 70) : word(u"better"_s, 71);
-    });
-    QCOMPARE(read(written({5})), QStringList{u"better"_s});
-    // The words of a line count by their lengths.
-    m_fake->setReader([](const QImage& line, const QString&) -> QList<RecognizedWord> {
-        if (line.height() < 64)
-            return word(u"second"_s, 81);
-        return {{u"a"_s, 20}, {u"longer"_s, 79}};
-    });
-    QCOMPARE(read(written({6})), QStringList{u"second"_s});
-}
-
-void TextReaderTest::aSecondTryThatIsUnsureTooDoesNotRunWordsTogether()
-{
-    const QList<RecognizedWord> apart = {{u"shock"_s, 1}, {u".zip"_s, 1}};
-    m_fake->setReader([&](const QImage& line, const QString&) {
-        return line.height() < 64 ? word(u"shockzip"_s, 70) : apart;
-    });
-    QCOMPARE(read(written({5})), QStringList{u"shock .zip"_s});
-    m_fake->setReader([&](const QImage& line, const QString&) {
-        return line.height() < 64 ? apart : word(u"shockzip"_s, 0);
-    });
-    QCOMPARE(read(written({6})), QStringList{u"shock .zip"_s});
-}
-
-void TextReaderTest::onlyTheBestLanguageTriesOnceMore()
-{
-    m_fake->setLanguages({u"eng"_s, u"tur"_s});
-    // Lines of 4 are surely Turkish and those of 5 not so surely.
-    m_fake->setReader([](const QImage& line, const QString& language) {
-        const bool isFive = FakeLineRecognizer::wordsOn(line).first().text.size() == 5;
-        if (language == u"eng"_s)
-            return word(u"isik"_s, 60);
-        return word(u"ışık"_s, isFive ? 75 : 94);
-    });
-    QCOMPARE(read(written({4})), QStringList{u"ışık"_s});
-    QCOMPARE(m_fake->readings().size(), 2);
-    QCOMPARE(readingsOf(written({4, 5})), 3);
-    const FakeLineRecognizer::Reading last = m_fake->readings().last();
-    QCOMPARE(last.language, u"tur"_s);
-    QVERIFY(last.line.height() < m_fake->readings().first().line.height());
-}
-
-void TextReaderTest::anotherLanguageIsTriedWhereTheFirstIsInDoubt()
-{
-    m_fake->setLanguages({u"eng"_s, u"tur"_s});
-    // Lines of 5 are English, of 4 Turkish, of 6 either, and of 3 neither.
-    m_fake->setReader([](const QImage& line, const QString& language) {
-        const auto size = FakeLineRecognizer::wordsOn(line).first().text.size();
-        if (size == 5)
-            return word(u"plain"_s, 97);
-        if (size == 6)
-            return language == u"eng"_s ? word(u"kept"_s, 84) : word(u"lost"_s, 84.5);
-        if (size == 3)
-            return word(language + u" guess"_s, language == u"eng"_s ? 60 : 60.5);
-        return language == u"eng"_s ? word(u"isik"_s, 82) : word(u"ışık"_s, 94);
-    });
-    QCOMPARE(read(written({5, 4, 3, 6})),
-             (QStringList{u"plain"_s, u"ışık"_s, u"eng guess"_s, u"kept"_s}));
-    for (const FakeLineRecognizer::Reading& reading : m_fake->readings()) {
-        if (FakeLineRecognizer::wordsOn(reading.line).first().text.size() == 5)
-            QCOMPARE(reading.language, u"eng"_s);
-    }
-    QCOMPARE(readingsOf(written({5, 4, 3, 6})), 0);
-}
-
-void TextReaderTest::whereAnotherLanguageIsThereItIsTriedMoreWidely()
-{
-    m_fake->setLanguages({u"eng"_s, u"tur"_s});
-    // English is nearly sure of lines of 5, where Turkish is surer.
-    m_fake->setReader([](const QImage& line, const QString& language) {
-        const bool isFive = FakeLineRecognizer::wordsOn(line).first().text.size() == 5;
-        if (language == u"eng"_s)
-            return isFive ? word(u"sarki"_s, 92) : word(u"isik"_s, 80);
-        return isFive ? word(u"şarkı"_s, 95) : word(u"ışık"_s, 94);
-    });
-    QCOMPARE(read(written({5})), QStringList{u"sarki"_s});
-    QCOMPARE(read(written({5, 4})), (QStringList{u"şarkı"_s, u"ışık"_s}));
-}
-
-void TextReaderTest::whereNoLineIsOfAnotherLanguageNoneIsReadInIt()
-{
-    m_fake->setLanguages({u"eng"_s, u"tur"_s});
-    m_fake->setReader([](const QImage&, const QString& language) {
-        return language == u"eng"_s ? word(u"quartz@oak"_s, 72) : word(u"quartzaoak"_s, 85);
-    });
-    QCOMPARE(read(written({5, 4})), (QStringList{u"quartz@oak"_s, u"quartz@oak"_s}));
-}
-
-void TextReaderTest::wordsOfTwoLanguagesMayStandOnOneLine()
-{
-    m_fake->setLanguages({u"eng"_s, u"tur"_s});
-    m_fake->setReader([](const QImage&, const QString& language) -> QList<RecognizedWord> {
-        if (language == u"eng"_s)
-            return {{u"gtin"_s, 40}, {u"square"_s, 95}, {u"sarki"_s, 96}, {u"equal"_s, 96}};
-        return {{u"gün"_s, 97}, {u"sguare"_s, 91}, {u"şarkı"_s, 95}, {u"egual"_s, 91}};
-    });
-    QCOMPARE(read(written({5})), QStringList{u"gün square şarkı equal"_s});
-}
-
-void TextReaderTest::theLanguagesAskedForAreThoseRead()
-{
-    m_fake->setReader([](const QImage&, const QString& language) { return word(language, 50); });
-    QCOMPARE(m_reader->recognize(written({5}), {.languages = {{u"tur"_s, u"deu"_s}}}),
-             QStringList{u"tur"_s});
-    QStringList languages;
-    for (const FakeLineRecognizer::Reading& reading : m_fake->readings())
-        languages.append(reading.language);
-    languages.removeDuplicates();
-    QCOMPARE(languages, (QStringList{u"tur"_s, u"deu"_s}));
 }
 
 void TextReaderTest::aFailureComesThroughAndTheNextPictureIsRead()
