@@ -307,9 +307,9 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
     // A wish from before is not meant for this reading.
     if (m_wantsRest.exchange(false))
         forget();
-    m_began = processorTime();
     m_current.clear();
     const QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
+    m_began = processorTime();
     const QList<Reading> readings = readInAll(pieces, options);
     m_known = std::exchange(m_current, {});
     return linesOf(pieces, readings);

@@ -28,8 +28,8 @@ namespace mossbank {
 /// Threading: any thread; one picture at a time, the rest wait.
 class TextReader final : public TextRecognizer {
 public:
-    /// `patience`: the processor time that a picture may take. What looks like text all over could
-    /// take minutes; on a busy machine any picture may, and is read all the same.
+    /// `patience`: the processor time that the lines of a picture may take. What looks like text
+    /// all over could take minutes; on a busy machine any picture may, and is read all the same.
     explicit TextReader(std::unique_ptr<LineRecognizer> recognizer,
                         std::chrono::milliseconds patience = std::chrono::seconds(30));
     ~TextReader() override;

@@ -66,7 +66,7 @@ private:
 
 void TextReaderLimitsTest::aPictureIsNotReadForEver()
 {
-    make(std::chrono::milliseconds(150));
+    make(std::chrono::milliseconds(600));
     m_fake->setReader([](const QImage& line, const QString&) {
         work(std::chrono::milliseconds(50));
         return FakeLineRecognizer::wordsOn(line);
@@ -83,9 +83,9 @@ void TextReaderLimitsTest::aPictureIsNotReadForEver()
 
 void TextReaderLimitsTest::aPictureThatOnlyWaitsIsReadWhole()
 {
-    make(std::chrono::milliseconds(150));
+    make(std::chrono::milliseconds(600));
     m_fake->setReader([](const QImage& line, const QString&) {
-        QTest::qSleep(20);
+        QTest::qSleep(80);
         return FakeLineRecognizer::wordsOn(line);
     });
     QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
