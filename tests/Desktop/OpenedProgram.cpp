@@ -16,7 +16,7 @@ namespace mossbank::test {
 
 namespace {
 
-constexpr int kPatience = 40'000;
+constexpr int kPatience = 20'000;
 
 /// Whether a window with this in its title is shown that is at least so wide.
 bool isShown(Screen& screen, const QString& title, int width)
