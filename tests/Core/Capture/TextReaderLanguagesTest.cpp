@@ -2,9 +2,8 @@
 //
 // How a line is read more than once: smaller where the first try was unsure, and in every language
 // that may be there.
-#include "MossbankCore/Capture/TextReader.h"
+#include "tests/Core/Capture/ReaderOfFakeLines.h"
 #include "tests/Core/Capture/WrittenLines.h"
-#include "tests/Fakes/FakeLineRecognizer.h"
 
 #include <QTest>
 
@@ -12,17 +11,11 @@ namespace mossbank {
 
 using namespace Qt::StringLiterals;
 
-class TextReaderLanguagesTest : public QObject {
+class TextReaderLanguagesTest : public QObject, private ReaderOfFakeLines {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        auto fake = std::make_unique<FakeLineRecognizer>();
-        m_fake = fake.get();
-        m_reader = std::make_unique<TextReader>(std::move(fake));
-    }
-
+    void init() { makeReader(); }
     void anUnsureLineIsTriedOnceMoreSmaller();
     void theSurerOfTwoTriesCounts();
     void aSecondTryThatIsUnsureTooDoesNotRunWordsTogether();
@@ -32,18 +25,6 @@ private Q_SLOTS:
     void whereNoLineIsOfAnotherLanguageNoneIsReadInIt();
     void wordsOfTwoLanguagesMayStandOnOneLine();
     void theLanguagesAskedForAreThoseRead();
-
-private:
-    QStringList read(const QImage& picture) { return m_reader->recognize(picture, {}); }
-    qsizetype readingsOf(const QImage& picture)
-    {
-        m_fake->forgetReadings();
-        read(picture);
-        return m_fake->readings().size();
-    }
-
-    std::unique_ptr<TextReader> m_reader;
-    FakeLineRecognizer* m_fake = nullptr;
 };
 
 void TextReaderLanguagesTest::anUnsureLineIsTriedOnceMoreSmaller()

@@ -2,10 +2,9 @@
 //
 // How long the reading of a picture may take: of one that is text all over, of one that nobody
 // waits for any more, with a hundred languages installed.
-#include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Background.h"
 #include "tests/Core/Capture/DrawnText.h"
-#include "tests/Fakes/FakeLineRecognizer.h"
+#include "tests/Core/Capture/ReaderOfFakeLines.h"
 
 #include <QFuture>
 #include <QSemaphore>
@@ -42,7 +41,7 @@ void work(std::chrono::milliseconds time)
 
 } // namespace
 
-class TextReaderLimitsTest : public QObject {
+class TextReaderLimitsTest : public QObject, private ReaderOfFakeLines {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -51,22 +50,11 @@ private Q_SLOTS:
     void whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole();
     void ofManyLanguagesOnlyAFewAreTriedEverywhere();
     void aFarLanguageThatIsThereIsRead();
-
-private:
-    void make(std::chrono::milliseconds patience = std::chrono::minutes(1))
-    {
-        auto fake = std::make_unique<FakeLineRecognizer>();
-        m_fake = fake.get();
-        m_reader = std::make_unique<TextReader>(std::move(fake), patience);
-    }
-
-    std::unique_ptr<TextReader> m_reader;
-    FakeLineRecognizer* m_fake = nullptr;
 };
 
 void TextReaderLimitsTest::aPictureIsNotReadForEver()
 {
-    make(std::chrono::milliseconds(600));
+    makeReader(std::chrono::milliseconds(600));
     m_fake->setReader([](const QImage& line, const QString&) {
         work(std::chrono::milliseconds(50));
         return FakeLineRecognizer::wordsOn(line);
@@ -83,7 +71,7 @@ void TextReaderLimitsTest::aPictureIsNotReadForEver()
 
 void TextReaderLimitsTest::aPictureThatOnlyWaitsIsReadWhole()
 {
-    make(std::chrono::milliseconds(600));
+    makeReader(std::chrono::milliseconds(600));
     m_fake->setReader([](const QImage& line, const QString&) {
         QTest::qSleep(80);
         return FakeLineRecognizer::wordsOn(line);
@@ -93,7 +81,7 @@ void TextReaderLimitsTest::aPictureThatOnlyWaitsIsReadWhole()
 
 void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
 {
-    make();
+    makeReader();
     QSemaphore begun;
     m_fake->setReader([&](const QImage& line, const QString&) {
         begun.release();
@@ -105,7 +93,7 @@ void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
     begun.acquire();
     m_reader->rest();
     QVERIFY(reading.result().size() < kLines / 2);
-    // Also when the rest has not yet come about.
+    // Also right after the wish.
     m_reader->rest();
     QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
     QTRY_VERIFY(m_fake->rests() >= 2);
@@ -113,7 +101,7 @@ void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
 
 void TextReaderLimitsTest::ofManyLanguagesOnlyAFewAreTriedEverywhere()
 {
-    make();
+    makeReader();
     QStringList languages = {u"eng"_s, u"tur"_s, u"deu"_s};
     for (int number = 0; number < 50; ++number)
         languages.append(u"far%1"_s.arg(number));
@@ -132,7 +120,7 @@ void TextReaderLimitsTest::ofManyLanguagesOnlyAFewAreTriedEverywhere()
 
 void TextReaderLimitsTest::aFarLanguageThatIsThereIsRead()
 {
-    make();
+    makeReader();
     m_fake->setLanguages({u"eng"_s, u"tur"_s, u"deu"_s, u"fin"_s});
     m_fake->setReader([](const QImage&, const QString& language) -> QList<RecognizedWord> {
         return {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MossbankCore/Capture/TextReader.h"
 
 #include "MossbankCore/Support/Background.h"
 #include "MossbankCore/Support/Failure.h"
+#include "tests/Core/Capture/ReaderOfFakeLines.h"
 #include "tests/Core/Capture/WrittenLines.h"
-#include "tests/Fakes/FakeLineRecognizer.h"
 
 #include <QFuture>
 #include <QSemaphore>
@@ -14,10 +13,11 @@ namespace mossbank {
 
 using namespace Qt::StringLiterals;
 
-class TextReaderTest : public QObject {
+class TextReaderTest : public QObject, private ReaderOfFakeLines {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { makeReader(); }
     void eachLineIsALineOfText();
     void columnsAreReadFromTheLeft();
     void theWordsOfALineHaveOneSpaceBetween();
@@ -44,26 +44,6 @@ private Q_SLOTS:
 
     void aFailureComesThroughAndTheNextPictureIsRead();
     void severalPicturesAtOnceAreEachReadRight();
-
-private:
-    QStringList read(const QImage& picture) { return m_reader->recognize(picture, {}); }
-    qsizetype readingsOf(const QImage& picture)
-    {
-        m_fake->forgetReadings();
-        read(picture);
-        return m_fake->readings().size();
-    }
-
-    std::unique_ptr<TextReader> m_reader;
-    FakeLineRecognizer* m_fake = nullptr;
-
-private Q_SLOTS:
-    void init()
-    {
-        auto fake = std::make_unique<FakeLineRecognizer>();
-        m_fake = fake.get();
-        m_reader = std::make_unique<TextReader>(std::move(fake));
-    }
 };
 
 void TextReaderTest::eachLineIsALineOfText()
