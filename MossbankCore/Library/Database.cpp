@@ -11,6 +11,9 @@
 
 #include <array>
 #include <charconv>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <utility>
 
 namespace mossbank {
@@ -154,16 +157,17 @@ Database::GivingUp::GivingUp(Database& database, std::function<bool()> isUnwante
     : m_database(database)
     , m_isUnwanted(std::move(isUnwanted))
 {
-    constexpr int kInstructions = 1000; // some tens of microseconds
-    const auto ask = [](void* self) {
-        return static_cast<GivingUp*>(self)->m_isUnwanted() ? 1 : 0;
-    };
-    sqlite3_progress_handler(m_database.m_connection.get(), kInstructions, ask, this);
-}
-
-Database::GivingUp::~GivingUp()
-{
-    sqlite3_progress_handler(m_database.m_connection.get(), 0, nullptr, nullptr);
+    m_watch = std::jthread([this](const std::stop_token& over) {
+        constexpr auto kBetween = std::chrono::milliseconds(5);
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any wakeUp;
+        // Again and again: an interruption that falls between two statements is forgotten.
+        while (!wakeUp.wait_for(lock, over, kBetween, [&] { return over.stop_requested(); })) {
+            if (m_isUnwanted())
+                sqlite3_interrupt(m_database.m_connection.get());
+        }
+    });
 }
 
 QString Database::errorMessage() const

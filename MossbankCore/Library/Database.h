@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <thread>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -73,15 +74,19 @@ public:
 
     /// While it lives, statements give up with SQLite's error soon after `isUnwanted` says so. One
     /// at a time.
+    ///
+    /// `isUnwanted` is asked on a thread of its own: within a step of the full-text index SQLite
+    /// asks nobody, while an interruption from outside reaches it there, too.
     class GivingUp {
     public:
         GivingUp(Database& database, std::function<bool()> isUnwanted);
-        ~GivingUp();
         Q_DISABLE_COPY_MOVE(GivingUp)
 
     private:
         Database& m_database;
         std::function<bool()> m_isUnwanted;
+        /// Last, so that it has ended before anything above goes.
+        std::jthread m_watch;
     };
 
     /// SQLite's words for what went wrong last.

@@ -4,6 +4,7 @@
 #include "MossbankCore/Library/DayCounter.h"
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/Schema.h"
+#include "MossbankCore/Library/SmallerSteps.h"
 
 #include <QRegularExpression>
 
@@ -41,7 +42,7 @@ bool HistoryStore::addQuery(Conditions& conditions, const QString& query, Walk w
     conditions.clauses.append(
         (alongTheTimes ? u"+"_s : QString()) +
         u"rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ?)"_s);
-    conditions.values.append(*expression);
+    conditions.values.append(inSmallerSteps(m_db, *expression));
     return true;
 }
 

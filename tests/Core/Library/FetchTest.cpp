@@ -39,6 +39,7 @@ private Q_SLOTS:
     void conditionsAreJoined();
     void theLimitIsHeldWithinBounds();
     void theWayToTheRowsIsTheQuickerOne();
+    void aLetterIsAskedForInSmallSteps();
     void fewAndManyComeInTheSameOrder();
     void aFailingQueryIsSqlitesSentence();
 
@@ -291,6 +292,25 @@ void FetchTest::theWayToTheRowsIsTheQuickerOne()
     // An index is there for the application alone; whichever SQLite takes, it reads no whole table.
     const QString byApp = planOf({.app = u"Editor"_s, .limit = 500});
     QVERIFY2(byApp.contains(u"USING INDEX memories_"_s), qPrintable(byApp));
+}
+
+void FetchTest::aLetterIsAskedForInSmallSteps()
+{
+    m_store.reset();
+    SqlWatch watch;
+    m_store = std::make_unique<HistoryStore>(HistoryStore::Writing{.root = m_folder->root()});
+    save(u"A"_s, 1, u"moss"_s);
+    save(u"B"_s, 2, u"oak"_s);
+    const auto looksWordsUp = [&watch] {
+        return watch.take().join(u'\n').contains(u"indexed_words"_s);
+    };
+    watch.take();
+    QCOMPARE(found({.query = u"M"_s}), QStringList{u"A"_s});
+    QVERIFY(looksWordsUp());
+    QCOMPARE(m_store->dayCounts({.query = u"o"_s}).result().size(), 1);
+    QVERIFY(looksWordsUp());
+    QCOMPARE(found({.query = u"mo"_s}), QStringList{u"A"_s});
+    QVERIFY(!looksWordsUp());
 }
 
 void FetchTest::fewAndManyComeInTheSameOrder()
