@@ -48,8 +48,11 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_preferences(surroundings.preferences)
     , m_store(std::move(library.store))
     , m_vault(std::move(library.vault))
-    , m_recorder(std::move(surroundings),
-                 {.pauses = m_pauses, .afterSave = m_afterSave, .store = m_store.get()})
+    , m_addresses(surroundings.addresses, surroundings.clock)
+    , m_recorder(std::move(surroundings), {.pauses = m_pauses,
+                                           .afterSave = m_afterSave,
+                                           .addresses = m_addresses,
+                                           .store = m_store.get()})
 {
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);

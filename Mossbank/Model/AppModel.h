@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Mossbank/Model/AfterSave.h"
+#include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/PauseControl.h"
 #include "Mossbank/Model/Recorder.h"
 #include "MossbankCore/Library/HistoryStore.h"
@@ -67,6 +68,7 @@ private:
     Preferences& m_preferences;
     std::unique_ptr<HistoryStore> m_store;
     std::optional<ImageVault> m_vault;
+    BrowserAddress m_addresses;
     NoPauses m_pauses;
     NothingAfterSave m_afterSave;
     Recorder m_recorder;

@@ -72,13 +72,15 @@ private:
     Verdict frontIsStillTheSame();
     QCoro::Task<Verdict> save();
     Verdict remember();
-    QCoro::Task<Verdict> noteRefusals();
+    Verdict noteRefusals();
     Verdict sayThatItIsSaved();
     QCoro::Task<Verdict> applyRetention();
     QCoro::Task<Verdict> refresh();
 
     QStringList includedApplications() const;
     Memory makeMemory() const;
+    /// What the user knows the front application by.
+    QString nameOfFront() const;
 
     const Surroundings& around() const;
     bool isCurrent() const;

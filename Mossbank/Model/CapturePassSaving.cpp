@@ -2,11 +2,11 @@
 //
 // The second half of a capture pass: from the decision to save to what follows a save.
 #include "Mossbank/Model/AfterSave.h"
+#include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/CapturePass.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Model/Texts.h"
-#include "Mossbank/Ports/AddressSource.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "MossbankCore/Capture/WindowTitle.h"
 #include "MossbankCore/Library/HistoryStore.h"
@@ -29,13 +29,9 @@ CaptureVerdict CapturePass::showThatItSaves()
 
 CaptureVerdict CapturePass::askForAddress()
 {
-    AddressSource& addresses = around().addresses;
-    if (around().preferences.savesAddresses() && addresses.canAsk(m_front.bundleID)) {
-        Application browser = m_front;
-        if (browser.name.isEmpty())
-            browser.name = browser.bundleID;
-        m_address = addresses.address(browser);
-    }
+    BrowserAddress& addresses = m_recorder->m_neighbours.addresses;
+    if (around().preferences.savesAddresses() && addresses.canAsk(m_front.bundleID))
+        m_address = addresses.address(m_front.bundleID, nameOfFront());
     return Verdict::goOn();
 }
 
@@ -82,10 +78,15 @@ QCoro::Task<CaptureVerdict> CapturePass::save()
     co_return Verdict::goOn();
 }
 
+QString CapturePass::nameOfFront() const
+{
+    return m_front.name.isEmpty() ? m_front.bundleID : m_front.name;
+}
+
 Memory CapturePass::makeMemory() const
 {
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const QString appName = m_front.name.isEmpty() ? m_front.bundleID : m_front.name;
+    const QString appName = nameOfFront();
     const auto title =
         m_window ? WindowTitle::worthKeeping(m_window->title, appName) : std::nullopt;
     return {
@@ -113,20 +114,11 @@ CaptureVerdict CapturePass::remember()
     return Verdict::goOn();
 }
 
-QCoro::Task<CaptureVerdict> CapturePass::noteRefusals()
+CaptureVerdict CapturePass::noteRefusals()
 {
-    if (!m_address)
-        co_return Verdict::goOn();
-    std::optional<QStringList> names;
-    try {
-        names = co_await awaited(around().addresses.refusedNames());
-    } catch (...) {
-        // The names are for showing; the next pass asks again.
-        names.reset();
-    }
-    if (m_recorder && names)
-        m_recorder->setRefusedBrowsers(*names);
-    co_return Verdict::goOn();
+    if (m_address)
+        m_recorder->setRefusedBrowsers(m_recorder->m_neighbours.addresses.refusedNames());
+    return Verdict::goOn();
 }
 
 CaptureVerdict CapturePass::sayThatItIsSaved()

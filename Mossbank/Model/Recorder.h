@@ -16,6 +16,7 @@
 namespace mossbank {
 
 class AfterSave;
+class BrowserAddress;
 class CapturePass;
 class HistoryStore;
 class PauseControl;
@@ -40,6 +41,7 @@ public:
     struct Neighbours {
         PauseControl& pauses;
         AfterSave& afterSave;
+        BrowserAddress& addresses;
         /// Absent when the library could not be opened: then nothing is ever recorded.
         HistoryStore* store;
     };

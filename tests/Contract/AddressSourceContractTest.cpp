@@ -32,8 +32,8 @@ private Q_SLOTS:
         QVERIFY(isSound(source->availability()));
         QCOMPARE(source->availability().reason, isNull ? kReason : QString());
         QVERIFY(!source->canAsk(u"org.example.Editor"_s));
-        QVERIFY(!source->address({u"org.example.Editor"_s, u"Editor"_s}).result());
-        QCOMPARE(source->refusedNames().result(), QStringList());
+        QCOMPARE(source->ask(u"org.example.Editor"_s).result(), AddressAnswer::failed());
+        QVERIFY(!source->switchOn().isEmpty());
     }
 };
 

@@ -2,6 +2,7 @@
 //
 // Real programs in which something moves on its own, before the real recorder and the real screen.
 // Only time is told: five minutes are seconds, for the recorder and for the programs alike.
+#include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
@@ -82,6 +83,7 @@ private:
     Preferences m_preferences{m_folder.filePath(u"choices.ini"_s)};
     FakePauses m_pauses;
     FakeAfterSave m_afterSave;
+    BrowserAddress m_pageAddresses{m_addresses, m_clock};
     HistoryStore m_store{HistoryStore::Writing{.root = m_folder.filePath(u"Library"_s)}};
     Recorder m_recorder{{.clock = m_clock,
                          .calendar = [] { return Calendar(QTimeZone::utc(), QLocale::c()); },
@@ -92,7 +94,10 @@ private:
                          .addresses = m_addresses,
                          .recognizer = m_recognizer,
                          .preferences = m_preferences},
-                        {.pauses = m_pauses, .afterSave = m_afterSave, .store = &m_store}};
+                        {.pauses = m_pauses,
+                         .afterSave = m_afterSave,
+                         .addresses = m_pageAddresses,
+                         .store = &m_store}};
 };
 
 /// A terminal beside, in which a text appears when it is told.

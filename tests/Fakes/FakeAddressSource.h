@@ -2,11 +2,12 @@
 #pragma once
 
 #include "Mossbank/Ports/AddressSource.h"
-#include "MossbankCore/Library/StoreError.h"
+#include "MossbankCore/Support/Failure.h"
 
 #include <QPromise>
+#include <QStringList>
 
-#include <vector>
+#include <deque>
 
 namespace mossbank {
 
@@ -14,43 +15,43 @@ namespace mossbank {
 class FakeAddressSource final : public AddressSource {
 public:
     QStringList browsers;
-    std::optional<QString> addressNow;
-    QStringList refusedNamesNow;
-    bool holdsAddress = false;
+    AddressAnswer answerNow;
+    bool holdsAnswers = false;
     /// When not empty, what every answer fails with.
     QString failure;
-    std::vector<Application> asked;
+    QStringList asked;
+    int timesSwitchedOn = 0;
 
     Availability availability() const override { return {}; }
     bool canAsk(const QString& bundleID) const override { return browsers.contains(bundleID); }
 
-    QFuture<std::optional<QString>> address(const Application& browser) override
+    QFuture<AddressAnswer> ask(const QString& bundleID) override
     {
-        asked.push_back(browser);
+        asked.append(bundleID);
         if (!failure.isEmpty())
-            return QtFuture::makeExceptionalFuture<std::optional<QString>>(StoreError(failure));
-        if (!holdsAddress)
-            return QtFuture::makeReadyFuture(addressNow);
-        m_address = {};
-        m_address.start();
-        return m_address.future();
+            return QtFuture::makeExceptionalFuture<AddressAnswer>(Failure(failure));
+        if (!holdsAnswers)
+            return QtFuture::makeReadyFuture(answerNow);
+        m_held.emplace_back().start();
+        return m_held.back().future();
     }
 
-    QFuture<QStringList> refusedNames() override
+    QString switchOn() override
     {
-        if (!failure.isEmpty())
-            return QtFuture::makeExceptionalFuture<QStringList>(StoreError(failure));
-        return QtFuture::makeReadyFuture(refusedNamesNow);
+        ++timesSwitchedOn;
+        return QStringLiteral("Browsers have to be started again.");
     }
 
-    void releaseAddress()
+    /// Answers the question that has waited longest.
+    void release()
     {
-        m_address.addResult(addressNow);
-        m_address.finish();
+        m_held.front().addResult(answerNow);
+        m_held.front().finish();
+        m_held.pop_front();
     }
 
 private:
-    QPromise<std::optional<QString>> m_address;
+    std::deque<QPromise<AddressAnswer>> m_held;
 };
 
 } // namespace mossbank

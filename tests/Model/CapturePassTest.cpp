@@ -249,17 +249,17 @@ private Q_SLOTS:
         rig.preferences.setSavesAddresses(savesAddresses);
         if (isKnown)
             rig.addresses.browsers = {browser.bundleID};
-        rig.addresses.addressNow = u"https://example.org/page?x=1"_s;
-        rig.addresses.refusedNamesNow = {u"Some Browser"_s};
+        rig.addresses.answerNow = AddressAnswer::answered(u"https://example.org/page?x=1"_s);
         rig.start();
         const bool isAsked = savesAddresses && isKnown;
-        QCOMPARE(rig.addresses.asked.size(), std::size_t(isAsked ? 1 : 0));
+        QCOMPARE(rig.addresses.asked, isAsked ? QStringList{browser.bundleID} : QStringList());
         QCOMPARE(rig.saved().first().link, isAsked ? u"https://example.org/page?x=1"_s : QString());
-        QCOMPARE(rig.recorder->refusedBrowsers(),
-                 isAsked ? QStringList{u"Some Browser"_s} : QStringList());
-        if (isAsked)
-            QCOMPARE(rig.addresses.asked.front().name,
-                     hasName ? u"Editor"_s : u"org.example.Editor"_s);
+        rig.addresses.answerNow = AddressAnswer::refused();
+        rig.drawBlock(QRect(0, 0, 200, 100));
+        rig.nextPass();
+        QCOMPARE(rig.saved().first().link, QString());
+        const QString name = hasName ? u"Editor"_s : u"org.example.Editor"_s;
+        QCOMPARE(rig.recorder->refusedBrowsers(), isAsked ? QStringList{name} : QStringList());
     }
 
     void anAddressThatCannotBeHadLeavesTheLinkEmpty()
@@ -274,15 +274,15 @@ private Q_SLOTS:
     {
         RecorderRig rig;
         rig.addresses.browsers = {RecorderRig::kEditor.bundleID};
-        rig.addresses.addressNow = u"https://example.org/late"_s;
-        rig.addresses.holdsAddress = true;
+        rig.addresses.answerNow = AddressAnswer::answered(u"https://example.org/late"_s);
+        rig.addresses.holdsAnswers = true;
         rig.recorder->toggleRecording();
         // The reading goes on side by side with the question.
         QTRY_COMPARE(rig.recognizer.readings(), 1);
         QVERIFY(rig.recorder->isSaving());
         QTest::qWait(20);
         QCOMPARE(rig.saved().size(), 0);
-        rig.addresses.releaseAddress();
+        rig.addresses.release();
         rig.settle();
         QCOMPARE(rig.saved().first().link, u"https://example.org/late"_s);
     }

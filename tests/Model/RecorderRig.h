@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Recorder.h"
 #include "MossbankCore/Library/HistoryStore.h"
@@ -47,6 +48,7 @@ public:
     Preferences preferences{folder.filePath(QStringLiteral("choices.ini"))};
     FakePauses pauses;
     FakeAfterSave afterSave;
+    BrowserAddress pageAddresses{addresses, clock};
     std::unique_ptr<HistoryStore> store;
     std::unique_ptr<Recorder> recorder;
 
@@ -73,9 +75,11 @@ public:
     /// As after a fresh launch on the same library.
     void makeRecorder()
     {
-        recorder = std::make_unique<Recorder>(
-            surroundings(),
-            Recorder::Neighbours{.pauses = pauses, .afterSave = afterSave, .store = store.get()});
+        recorder = std::make_unique<Recorder>(surroundings(),
+                                              Recorder::Neighbours{.pauses = pauses,
+                                                                   .afterSave = afterSave,
+                                                                   .addresses = pageAddresses,
+                                                                   .store = store.get()});
     }
 
     Surroundings surroundings()

@@ -340,7 +340,7 @@ private Q_SLOTS:
         QSemaphore reading;
         rig.screen.holdsContent = moment == u"content";
         rig.screen.holdsPicture = moment == u"picture";
-        rig.addresses.holdsAddress = moment == u"address";
+        rig.addresses.holdsAnswers = moment == u"address";
         rig.addresses.browsers = {RecorderRig::kEditor.bundleID};
         if (moment == u"reading")
             rig.recognizer.setHook([&] { reading.acquire(); });
@@ -367,7 +367,7 @@ private Q_SLOTS:
         if (moment == u"picture")
             rig.screen.releasePicture();
         if (moment == u"address")
-            rig.addresses.releaseAddress();
+            rig.addresses.release();
         reading.release();
         rig.sealing.release();
         QThreadPool::globalInstance()->waitForDone();

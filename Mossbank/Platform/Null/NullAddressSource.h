@@ -17,14 +17,11 @@ public:
 
     Availability availability() const override { return Availability::missing(m_reason); }
     bool canAsk(const QString&) const override { return false; }
-    QFuture<std::optional<QString>> address(const Application&) override
+    QFuture<AddressAnswer> ask(const QString&) override
     {
-        return QtFuture::makeReadyFuture(std::optional<QString>());
+        return QtFuture::makeReadyFuture(AddressAnswer::failed());
     }
-    QFuture<QStringList> refusedNames() override
-    {
-        return QtFuture::makeReadyFuture(QStringList());
-    }
+    QString switchOn() override { return m_reason; }
 
 private:
     QString m_reason;
