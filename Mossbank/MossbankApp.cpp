@@ -37,7 +37,8 @@ void sayWhatIsMissing(const Platform& platform)
 {
     for (const Availability& port :
          {platform.frontApplication->availability(), platform.screenState->availability(),
-          platform.secureInput->availability(), platform.addresses->availability()}) {
+          platform.secureInput->availability(), platform.sessionEvents->availability(),
+          platform.addresses->availability()}) {
         if (!port.isAvailable)
             TerminalStatus::complain(port.reason);
     }
@@ -66,7 +67,9 @@ int run(const Platform& platform, const QString& library)
                     .frontApplication = *platform.frontApplication,
                     .screenState = *platform.screenState,
                     .secureInput = *platform.secureInput,
+                    .sessionEvents = *platform.sessionEvents,
                     .addresses = *platform.addresses,
+                    .applicationChooser = *platform.applicationChooser,
                     .recognizer = *platform.recognizer,
                     .preferences = preferences},
                    OpenedLibrary::at(library, platform.keychain.get()));

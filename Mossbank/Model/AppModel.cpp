@@ -46,14 +46,20 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     : QObject(parent)
     , m_clock(surroundings.clock)
     , m_preferences(surroundings.preferences)
+    , m_addressSource(surroundings.addresses)
     , m_store(std::move(library.store))
     , m_vault(std::move(library.vault))
     , m_addresses(surroundings.addresses, surroundings.clock)
-    , m_recorder(std::move(surroundings), {.pauses = m_pauses,
-                                           .afterSave = m_afterSave,
-                                           .addresses = m_addresses,
-                                           .store = m_store.get()})
+    , m_timedPause(surroundings.clock, surroundings.preferences)
+    , m_recorder(surroundings, {.pauses = m_timedPause,
+                                .afterSave = m_afterSave,
+                                .addresses = m_addresses,
+                                .store = m_store.get()})
+    , m_pauses(surroundings, m_timedPause, m_recorder)
+    , m_exclusions(surroundings, m_recorder)
 {
+    connect(&m_preferences, &Preferences::savesAddressesChanged, this,
+            &AppModel::switchAddressesOn);
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);
 }
@@ -62,8 +68,22 @@ AppModel::~AppModel() = default;
 
 void AppModel::finishedLaunching()
 {
+    m_exclusions.watchActiveApps();
+    // It lasts for a session of the desktop; the choice, once made, lasts for good.
+    if (m_preferences.savesAddresses() && m_preferences.hasChosenAddresses())
+        (void)m_addressSource.switchOn();
+    if (m_pauses.resumeStoredPause())
+        return;
     if (m_preferences.recordsAtLaunch())
         m_recorder.startWithoutAsking();
+}
+
+void AppModel::switchAddressesOn()
+{
+    if (!m_preferences.savesAddresses())
+        return;
+    if (const QString told = m_addressSource.switchOn(); !told.isEmpty())
+        m_recorder.setStatus(told);
 }
 
 void AppModel::prepareToQuit()

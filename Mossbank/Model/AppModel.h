@@ -3,8 +3,10 @@
 
 #include "Mossbank/Model/AfterSave.h"
 #include "Mossbank/Model/BrowserAddress.h"
-#include "Mossbank/Model/PauseControl.h"
+#include "Mossbank/Model/Exclusions.h"
+#include "Mossbank/Model/Pauses.h"
 #include "Mossbank/Model/Recorder.h"
+#include "Mossbank/Model/TimedPause.h"
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/ImageVault.h"
 
@@ -46,12 +48,16 @@ public:
     ~AppModel() override;
 
     Recorder& recorder() { return m_recorder; }
+    Pauses& pauses() { return m_pauses; }
+    const TimedPause& timedPause() const { return m_timedPause; }
+    Exclusions& exclusions() { return m_exclusions; }
     /// Absent when the library could not be opened.
     HistoryStore* store() { return m_store.get(); }
     /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.
     const std::optional<ImageVault>& vault() const { return m_vault; }
 
-    /// What is done once everything is up: recording starts if the user asked for that.
+    /// What is done once everything is up: a pause of the last run goes on, or else recording
+    /// starts if the user asked for that.
     void finishedLaunching();
 
     /// Stops recording. `readyToQuit` follows when what was being saved is saved, or after ten
@@ -62,16 +68,20 @@ Q_SIGNALS:
     void readyToQuit();
 
 private:
+    void switchAddressesOn();
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
     Clock& m_clock;
     Preferences& m_preferences;
+    AddressSource& m_addressSource;
     std::unique_ptr<HistoryStore> m_store;
     std::optional<ImageVault> m_vault;
     BrowserAddress m_addresses;
-    NoPauses m_pauses;
+    TimedPause m_timedPause;
     NothingAfterSave m_afterSave;
     Recorder m_recorder;
+    Pauses m_pauses;
+    Exclusions m_exclusions;
     /// Last: cancelled before anything above goes.
     Job m_quitting;
 };

@@ -9,6 +9,7 @@
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
 #include "MossbankCore/Capture/DisplayChooser.h"
+#include "MossbankCore/Capture/InactivityMonitor.h"
 #include "MossbankCore/Library/StoreError.h"
 #include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Awaited.h"
@@ -333,7 +334,7 @@ void CapturePass::conclude(const Verdict& verdict)
         m_recorder->setStatus(verdict.text);
         break;
     case Verdict::Kind::Locked:
-        m_recorder->stopForLockedScreen();
+        m_recorder->stopForAbsence(InactivityEvent(InactivityEvent::ScreenLocked).message());
         break;
     case Verdict::Kind::NotAllowed:
         m_recorder->stopForLostPermission();

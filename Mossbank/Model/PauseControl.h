@@ -16,11 +16,4 @@ public:
     virtual void cancelPause() = 0;
 };
 
-/// There are no pauses.
-class NoPauses final : public PauseControl {
-public:
-    bool isPaused() const override { return false; }
-    void cancelPause() override {}
-};
-
 } // namespace mossbank

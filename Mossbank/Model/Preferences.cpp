@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/Preferences.h"
 
+#include "MossbankCore/Support/Calendar.h"
+
+#include <QDateTime>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -23,15 +26,24 @@ const QString kSavesAddresses = u"savesAddresses"_s;
 const QString kRecordsAtLaunch = u"recordsAtLaunch"_s;
 const QString kResumesAfterAway = u"resumesAfterAway"_s;
 const QString kExcludedBundles = u"excludedBundles"_s;
+const QString kPausedUntil = u"pausedUntil"_s;
 const QString kRecordsAfterRelaunch = u"recordsAfterRelaunch"_s;
 
-/// Password managers. A default and no more: a stored list replaces it whole.
+/// Password managers and what shows keys. A default and no more: a stored list replaces it whole.
 QStringList passwordManagers()
 {
-    return {u"com.1password.1password"_s, u"com.agilebits.onepassword7"_s,
-            u"com.apple.Passwords"_s,     u"com.apple.keychainaccess"_s,
-            u"com.bitwarden.desktop"_s,   u"com.lastpass.LastPass"_s,
-            u"com.dashlane.Dashlane"_s};
+    QStringList bundleIDs = {u"com.1password.1password"_s, u"com.agilebits.onepassword7"_s,
+                             u"com.apple.Passwords"_s,     u"com.apple.keychainaccess"_s,
+                             u"com.bitwarden.desktop"_s,   u"com.lastpass.LastPass"_s,
+                             u"com.dashlane.Dashlane"_s};
+#ifdef Q_OS_LINUX
+    // Each by the names of its desktop file in packages, bundles and stores.
+    bundleIDs += {u"org.keepassxc.KeePassXC"_s,        u"keepassxc"_s, u"1password"_s,
+                  u"com.onepassword.OnePassword"_s,    u"bitwarden"_s, u"org.gnome.World.Secrets"_s,
+                  u"org.gnome.seahorse.Application"_s, u"seahorse"_s,  u"org.kde.kwalletmanager5"_s,
+                  u"org.kde.kwalletmanager"_s};
+#endif
+    return bundleIDs;
 }
 
 } // namespace
@@ -109,6 +121,11 @@ void Preferences::setSavesAddresses(bool saves)
     Q_EMIT savesAddressesChanged();
 }
 
+bool Preferences::hasChosenAddresses() const
+{
+    return m_settings.contains(kSavesAddresses);
+}
+
 void Preferences::setRecordsAtLaunch(bool records)
 {
     m_recordsAtLaunch = records;
@@ -128,6 +145,27 @@ void Preferences::setExcludedBundles(const QStringList& bundleIDs)
     m_excludedBundles = bundleIDs;
     m_settings.setValue(kExcludedBundles, bundleIDs);
     Q_EMIT excludedBundlesChanged();
+}
+
+std::optional<Date> Preferences::pausedUntil() const
+{
+    const QDateTime stored =
+        QDateTime::fromString(word(kPausedUntil, {}), Qt::ISODateWithMs).toUTC();
+    if (!stored.isValid())
+        return std::nullopt;
+    constexpr double kMillisecondsASecond = 1000;
+    return Date{static_cast<double>(stored.toMSecsSinceEpoch()) / kMillisecondsASecond};
+}
+
+void Preferences::setPausedUntil(Date date)
+{
+    const QDateTime moment = Calendar(QTimeZone::utc(), QLocale::c()).local(date);
+    m_settings.setValue(kPausedUntil, moment.toString(Qt::ISODateWithMs));
+}
+
+void Preferences::removePausedUntil()
+{
+    m_settings.remove(kPausedUntil);
 }
 
 void Preferences::removeRecordsAfterRelaunch()

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "MossbankCore/Support/Date.h"
+
 #include <QObject>
 #include <QSettings>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace mossbank {
 
@@ -60,6 +64,8 @@ public:
     /// Whether browsers are asked for the address of the page.
     bool savesAddresses() const { return m_savesAddresses; }
     void setSavesAddresses(bool saves);
+    /// Whether the user ever chose, rather than left it as it is.
+    bool hasChosenAddresses() const;
 
     /// Whether recording starts with the program.
     bool recordsAtLaunch() const { return m_recordsAtLaunch; }
@@ -72,6 +78,12 @@ public:
     /// Identities of the applications that are never to be in a picture.
     QStringList excludedBundles() const { return m_excludedBundles; }
     void setExcludedBundles(const QStringList& bundleIDs);
+
+    /// The end of a timed pause, kept across a restart. Absent when none is stored, and when what
+    /// is stored is no date.
+    std::optional<Date> pausedUntil() const;
+    void setPausedUntil(Date date);
+    void removePausedUntil();
 
     /// Forgets that recording was on when the program was last told to relaunch.
     void removeRecordsAfterRelaunch();

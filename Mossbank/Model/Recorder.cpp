@@ -90,10 +90,10 @@ void Recorder::endPass()
     Q_EMIT passEnded();
 }
 
-void Recorder::stopForLockedScreen()
+void Recorder::stopForAbsence(const QString& message)
 {
     endRecording();
-    m_state.status = localized("Paused when the screen locked");
+    m_state.status = message;
     m_stoppedForAway = m_around.preferences.resumesAfterAway();
     tellChanges();
 }
@@ -130,6 +130,11 @@ void Recorder::captureNow()
 {
     if (!m_captureNow.isRunning())
         m_captureNow = Job::start(&Recorder::capture, this);
+}
+
+bool Recorder::secureInputPaused() const
+{
+    return m_state.isRecording && m_state.status == RecorderTexts::secureInputSkipped();
 }
 
 void Recorder::openPermissions()

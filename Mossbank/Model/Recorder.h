@@ -72,6 +72,9 @@ public:
     void toggleRecording();
     /// Ends recording and any timed pause. Whoever stops for a reason says so afterwards.
     void stop();
+    /// Stops because the user has left, and says so. Whether recording should come back with them
+    /// is the user's choice.
+    void stopForAbsence(const QString& message);
     /// Starts recording if that is allowed already, and never has the system ask: for every start
     /// that the user did not press a button for.
     void startWithoutAsking();
@@ -80,6 +83,11 @@ public:
     /// Opens the system's settings of who may see the screen.
     void openPermissions();
 
+    /// Recording goes on, and skips for as long as something secret may be typed.
+    bool secureInputPaused() const;
+
+    /// Says what was done last, in place of what was said before.
+    void setStatus(const QString& status);
     /// Shows a failure to the user, in place of the one before.
     void setErrorMessage(const std::optional<QString>& message);
 
@@ -119,7 +127,6 @@ private:
 
     /// Ends the recording without a signal, so that whoever does it for a reason can say so first.
     void endRecording();
-    void stopForLockedScreen();
     void stopForLostPermission();
     void stopForFailure(const QString& reason);
     /// Has the recogniser forget what it read and give its memory back.
@@ -127,7 +134,6 @@ private:
     /// What a pass that held the capture does last.
     void endPass();
     void setSaving(bool isSaving);
-    void setStatus(const QString& status);
     void setRefusedBrowsers(const QStringList& names);
     /// Sends the signals of what differs from what they last told. Nothing is sent for a line that
     /// stands there already: skips come in long runs.

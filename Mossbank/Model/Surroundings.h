@@ -6,12 +6,14 @@
 namespace mossbank {
 
 class AddressSource;
+class ApplicationChooser;
 class Clock;
 class FrontApplication;
 class Preferences;
 class Screen;
 class ScreenState;
 class SecureInput;
+class SessionEvents;
 class TextRecognizer;
 
 /// What the model runs on: the desktop, the time, the user's choices. All of it outlives the model,
@@ -23,7 +25,9 @@ struct Surroundings {
     FrontApplication& frontApplication;
     ScreenState& screenState;
     SecureInput& secureInput;
+    SessionEvents& sessionEvents;
     AddressSource& addresses;
+    ApplicationChooser& applicationChooser;
     TextRecognizer& recognizer;
     Preferences& preferences;
 };

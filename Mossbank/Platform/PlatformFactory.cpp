@@ -6,10 +6,12 @@
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
+#include "Mossbank/Platform/Null/NullApplicationChooser.h"
 #include "Mossbank/Platform/Null/NullFrontApplication.h"
 #include "Mossbank/Platform/Null/NullScreen.h"
 #include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
+#include "Mossbank/Platform/Null/NullSessionEvents.h"
 #include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Failure.h"
 
@@ -50,8 +52,12 @@ Platform makePlatform(const QString& ownBundleID)
         u"This version cannot tell on Linux whether the screen is locked or asleep."_s);
     platform.secureInput = std::make_unique<NullSecureInput>(
         u"This version cannot tell on Linux when a password is typed."_s);
+    platform.sessionEvents = std::make_unique<NullSessionEvents>(
+        u"This version cannot tell on Linux when you leave and come back."_s);
     platform.addresses = std::make_unique<NullAddressSource>(
         u"This version cannot ask browsers on Linux for the address of a page."_s);
+    platform.applicationChooser = std::make_unique<NullApplicationChooser>(
+        u"This version has no window to choose an application in."_s);
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     return platform;

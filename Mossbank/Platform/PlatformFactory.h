@@ -2,10 +2,12 @@
 #pragma once
 
 #include "Mossbank/Ports/AddressSource.h"
+#include "Mossbank/Ports/ApplicationChooser.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/Screen.h"
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
+#include "Mossbank/Ports/SessionEvents.h"
 #include "MossbankCore/Ports/Keychain.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
@@ -21,7 +23,9 @@ struct Platform {
     std::unique_ptr<FrontApplication> frontApplication;
     std::unique_ptr<ScreenState> screenState;
     std::unique_ptr<SecureInput> secureInput;
+    std::unique_ptr<SessionEvents> sessionEvents;
     std::unique_ptr<AddressSource> addresses;
+    std::unique_ptr<ApplicationChooser> applicationChooser;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
 };

@@ -76,6 +76,20 @@ std::optional<Date> Calendar::startOfDay(int year, int month, int day) const
     return fromWholeSeconds(start);
 }
 
+std::optional<Date> Calendar::next(int hour, int minute, Date date) const
+{
+    if (!isWithinReach(date))
+        return std::nullopt;
+    constexpr qint64 kSecondsAMinute = 60;
+    const qint64 timeOfDay = hour * kSecondsAnHour + minute * kSecondsAMinute;
+    for (qint64 number = shownDay(wholeSeconds(date));; ++number) {
+        const qint64 second = firstShowing(number * kSecondsADay + timeOfDay);
+        // The day may be missing from the year.
+        if (shownDay(second) == number && date < fromWholeSeconds(second))
+            return fromWholeSeconds(second);
+    }
+}
+
 QString Calendar::shortTime(Date date) const
 {
     return m_locale.toString(local(date).time(), QLocale::ShortFormat);
@@ -115,12 +129,16 @@ DateInterval Calendar::hour(Date date) const
 
 qint64 Calendar::beginningOfDay(qint64 number) const
 {
-    const qint64 midnight = number * kSecondsADay;
-    // No zone is a whole day away from UTC, so here the clocks show an earlier day. From change
-    // to change onward, the first stretch whose clocks come to show midnight or later has it.
-    qint64 from = midnight - kSecondsADay;
+    return firstShowing(number * kSecondsADay);
+}
+
+qint64 Calendar::firstShowing(qint64 shown) const
+{
+    // No zone is a whole day away from UTC, so here the clocks show an earlier time. From change
+    // to change onward, the first stretch whose clocks come to show that time or later has it.
+    qint64 from = shown - kSecondsADay;
     while (true) {
-        const qint64 found = std::max(from, midnight - offsetAt(from));
+        const qint64 found = std::max(from, shown - offsetAt(from));
         const auto change = nextChange(from, found + 1);
         if (!change)
             return found;

@@ -41,6 +41,11 @@ public:
     /// The first moment of a day given by its numbers; absent where the zone has no such day.
     std::optional<Date> startOfDay(int year, int month, int day) const;
 
+    /// The first moment after `date` at which the clocks show that time of day: where they leave
+    /// it out, the moment at which they go on; where they show it twice, the first. Absent for a
+    /// date beyond the calendar's reach.
+    std::optional<Date> next(int hour, int minute, Date date) const;
+
     /// The time of day as the locale writes it briefly ("14:05", "2:05 PM").
     QString shortTime(Date date) const;
 
@@ -53,6 +58,8 @@ private:
     /// The first second at which the clocks show the day of this number, counted from
     /// 1970-01-01, or a later one.
     qint64 beginningOfDay(qint64 number) const;
+    /// The first second at which the clocks show so many seconds since 1970-01-01 or more.
+    qint64 firstShowing(qint64 shown) const;
     /// The number of the day that the clocks show.
     qint64 shownDay(qint64 second) const;
     qint64 offsetAt(qint64 second) const;

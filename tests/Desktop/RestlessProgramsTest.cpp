@@ -9,9 +9,11 @@
 #include "MossbankCore/Library/HistoryStore.h"
 #include "tests/Desktop/DesktopTest.h"
 #include "tests/Fakes/FakeAddressSource.h"
+#include "tests/Fakes/FakeApplicationChooser.h"
 #include "tests/Fakes/FakeClock.h"
 #include "tests/Fakes/FakeGuards.h"
 #include "tests/Fakes/FakeNeighbours.h"
+#include "tests/Fakes/FakeSessionEvents.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
 
 #include <QElapsedTimer>
@@ -78,7 +80,9 @@ private:
     X11FrontApplication m_front{std::make_shared<ApplicationCatalog>(), ownProgram()};
     FakeScreenState m_state;
     FakeSecureInput m_secureInput;
+    FakeSessionEvents m_sessionEvents;
     FakeAddressSource m_addresses;
+    FakeApplicationChooser m_applicationChooser;
     FakeTextRecognizer m_recognizer{{u"what is there"_s}};
     Preferences m_preferences{m_folder.filePath(u"choices.ini"_s)};
     FakePauses m_pauses;
@@ -91,7 +95,9 @@ private:
                          .frontApplication = m_front,
                          .screenState = m_state,
                          .secureInput = m_secureInput,
+                         .sessionEvents = m_sessionEvents,
                          .addresses = m_addresses,
+                         .applicationChooser = m_applicationChooser,
                          .recognizer = m_recognizer,
                          .preferences = m_preferences},
                         {.pauses = m_pauses,

@@ -36,7 +36,11 @@ class PreferencesTest : public QObject {
                  (QStringList{u"com.1password.1password"_s, u"com.agilebits.onepassword7"_s,
                               u"com.apple.Passwords"_s, u"com.apple.keychainaccess"_s,
                               u"com.bitwarden.desktop"_s, u"com.lastpass.LastPass"_s,
-                              u"com.dashlane.Dashlane"_s}));
+                              u"com.dashlane.Dashlane"_s, u"org.keepassxc.KeePassXC"_s,
+                              u"keepassxc"_s, u"1password"_s, u"com.onepassword.OnePassword"_s,
+                              u"bitwarden"_s, u"org.gnome.World.Secrets"_s,
+                              u"org.gnome.seahorse.Application"_s, u"seahorse"_s,
+                              u"org.kde.kwalletmanager5"_s, u"org.kde.kwalletmanager"_s}));
     }
 
 private Q_SLOTS:

@@ -6,11 +6,13 @@
 #include "Mossbank/Model/Recorder.h"
 #include "MossbankCore/Library/HistoryStore.h"
 #include "tests/Fakes/FakeAddressSource.h"
+#include "tests/Fakes/FakeApplicationChooser.h"
 #include "tests/Fakes/FakeClock.h"
 #include "tests/Fakes/FakeFrontApplication.h"
 #include "tests/Fakes/FakeGuards.h"
 #include "tests/Fakes/FakeNeighbours.h"
 #include "tests/Fakes/FakeScreen.h"
+#include "tests/Fakes/FakeSessionEvents.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
 #include "tests/Fakes/NonceHook.h"
 
@@ -43,7 +45,9 @@ public:
     FakeFrontApplication front;
     FakeScreenState state;
     FakeSecureInput secureInput;
+    FakeSessionEvents sessionEvents;
     FakeAddressSource addresses;
+    FakeApplicationChooser applicationChooser;
     FakeTextRecognizer recognizer{{QStringLiteral("first line"), QStringLiteral("second line")}};
     Preferences preferences{folder.filePath(QStringLiteral("choices.ini"))};
     FakePauses pauses;
@@ -90,7 +94,9 @@ public:
                 .frontApplication = front,
                 .screenState = state,
                 .secureInput = secureInput,
+                .sessionEvents = sessionEvents,
                 .addresses = addresses,
+                .applicationChooser = applicationChooser,
                 .recognizer = recognizer,
                 .preferences = preferences};
     }

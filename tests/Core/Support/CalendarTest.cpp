@@ -37,6 +37,8 @@ private Q_SLOTS:
     void aDayGivenByItsNumbersStartsAtItsFirstMoment();
     void aDayThatIsNotInTheYearHasNoStart_data();
     void aDayThatIsNotInTheYearHasNoStart();
+    void theNextTimeOfDayIsTheFirstThatTheClocksShow_data();
+    void theNextTimeOfDayIsTheFirstThatTheClocksShow();
 
     void anUnknownZoneCountsAsUtc();
     void theTimeOfDayIsWrittenAsTheLocaleWritesIt_data();
@@ -129,6 +131,32 @@ void CalendarTest::aDayGivenByItsNumbersStartsAtItsFirstMoment()
     const auto found = calendarOf(zone).startOfDay(day.year(), day.month(), day.day());
     QVERIFY(found);
     QCOMPARE(written(*found), written(moment(start)));
+}
+
+void CalendarTest::theNextTimeOfDayIsTheFirstThatTheClocksShow_data()
+{
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("next");
+    QTest::newRow("later the same day")
+        << u"2024-05-17T00:00:00Z"_s << u"2024-05-17T00:30:00.000Z"_s;
+    QTest::newRow("a moment before")
+        << u"2024-05-17T00:29:59.999Z"_s << u"2024-05-17T00:30:00.000Z"_s;
+    QTest::newRow("exactly then") << u"2024-05-17T00:30:00Z"_s << u"2024-05-18T00:30:00.000Z"_s;
+    QTest::newRow("left out by the clocks")
+        << u"2024-03-30T23:30:00Z"_s << u"2024-03-31T01:00:00.000Z"_s;
+    QTest::newRow("shown twice") << u"2024-10-26T23:30:00Z"_s << u"2024-10-27T00:30:00.000Z"_s;
+    QTest::newRow("between the two") << u"2024-10-27T00:45:00Z"_s << u"2024-10-28T01:30:00.000Z"_s;
+    QTest::newRow("before 1970") << u"1960-01-01T12:00:00Z"_s << u"1960-01-02T01:30:00.000Z"_s;
+}
+
+void CalendarTest::theNextTimeOfDayIsTheFirstThatTheClocksShow()
+{
+    QFETCH(QString, from);
+    QFETCH(QString, next);
+    const auto found = calendarOf(u"Europe/Berlin"_s).next(2, 30, moment(from));
+    QVERIFY(found);
+    QCOMPARE(written(*found), next);
+    QVERIFY(!calendarOf(u"Europe/Berlin"_s).next(2, 30, {std::numeric_limits<double>::infinity()}));
 }
 
 void CalendarTest::aDayThatIsNotInTheYearHasNoStart_data()
