@@ -3,15 +3,14 @@
 
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
+#include "Mossbank/Platform/Linux/SessionWatch.h"
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
 #include "Mossbank/Platform/Null/NullApplicationChooser.h"
 #include "Mossbank/Platform/Null/NullFrontApplication.h"
 #include "Mossbank/Platform/Null/NullScreen.h"
-#include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
-#include "Mossbank/Platform/Null/NullSessionEvents.h"
 #include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Failure.h"
 
@@ -48,12 +47,11 @@ Platform makePlatform(const QString& ownBundleID)
         platform.screen = std::make_unique<NullScreen>(failure.message());
         platform.frontApplication = std::make_unique<NullFrontApplication>(failure.message());
     }
-    platform.screenState = std::make_unique<NullScreenState>(
-        u"This version cannot tell on Linux whether the screen is locked or asleep."_s);
+    const auto session = std::make_shared<SessionWatch>();
+    platform.screenState = std::make_unique<LinuxScreenState>(session);
+    platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
     platform.secureInput = std::make_unique<NullSecureInput>(
         u"This version cannot tell on Linux when a password is typed."_s);
-    platform.sessionEvents = std::make_unique<NullSessionEvents>(
-        u"This version cannot tell on Linux when you leave and come back."_s);
     platform.addresses = std::make_unique<NullAddressSource>(
         u"This version cannot ask browsers on Linux for the address of a page."_s);
     platform.applicationChooser = std::make_unique<NullApplicationChooser>(

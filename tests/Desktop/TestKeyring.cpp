@@ -7,10 +7,7 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QFile>
 #include <QThread>
-
-#include <sys/prctl.h>
 
 #include <csignal>
 
@@ -21,18 +18,6 @@ namespace mossbank::test {
 namespace {
 
 constexpr int kPatience = 10'000;
-
-/// Without the services that the machine starts on demand: a keyring is there when a test says so.
-const QString kConfiguration = uR"(<busconfig>
-  <type>session</type>
-  <listen>unix:dir=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)"_s;
 
 /// A service that knows nothing from before.
 GObjectOwned<SecretService> freshService()
@@ -47,21 +32,6 @@ ObjectList search(SecretService* service, const QString& account)
         service, &kKeyringSchema, keyringAttributes(VaultKey::kService, account).get(),
         static_cast<SecretSearchFlags>(SECRET_SEARCH_ALL | SECRET_SEARCH_LOAD_SECRETS), nullptr,
         nullptr));
-}
-
-void end(QProcess& process)
-{
-    if (process.state() == QProcess::NotRunning)
-        return;
-    // It may stand still.
-    process.kill();
-    process.waitForFinished(kPatience);
-}
-
-/// Has the process end with the test, also when that one crashes.
-void tie(QProcess& process)
-{
-    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
 }
 
 void signalTo(const QProcess& process, int signal)
@@ -100,11 +70,10 @@ struct TestKeyring::Connection {
 };
 
 TestKeyring::TestKeyring(const Options& options)
-    : m_previousAddress(qgetenv("DBUS_SESSION_BUS_ADDRESS"))
+    : m_problem(m_bus.problem())
 {
-    if (!startBus())
+    if (!m_problem.isEmpty())
         return;
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toLocal8Bit());
     m_connection = std::make_unique<Connection>();
     if (options.hasService)
         startService(options);
@@ -113,36 +82,7 @@ TestKeyring::TestKeyring(const Options& options)
 TestKeyring::~TestKeyring()
 {
     m_connection.reset();
-    end(m_service);
-    end(m_bus);
-    if (m_previousAddress.isEmpty())
-        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
-    else
-        qputenv("DBUS_SESSION_BUS_ADDRESS", m_previousAddress);
-}
-
-bool TestKeyring::startBus()
-{
-    m_problem = whyMissing(u"dbus-daemon"_s, u"dbus-daemon"_s);
-    if (!m_problem.isEmpty())
-        return false;
-    QFile configuration(m_home.filePath(u"bus.conf"_s));
-    if (!configuration.open(QIODevice::WriteOnly) ||
-        configuration.write(kConfiguration.arg(m_home.path()).toUtf8()) <= 0)
-        qFatal("cannot write %s", qPrintable(configuration.fileName()));
-    configuration.close();
-    tie(m_bus);
-    m_bus.start(u"dbus-daemon"_s, {u"--config-file"_s, configuration.fileName(), u"--nofork"_s,
-                                   u"--print-address=1"_s});
-    const QDeadlineTimer deadline(kPatience);
-    while (!m_bus.canReadLine() && !deadline.hasExpired() &&
-           m_bus.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
-    }
-    m_address = QString::fromLocal8Bit(m_bus.readLine().trimmed());
-    if (m_address.isEmpty())
-        m_problem =
-            u"dbus-daemon did not start: "_s + QString::fromLocal8Bit(m_bus.readAllStandardError());
-    return m_problem.isEmpty();
+    TestBus::end(m_service);
 }
 
 bool TestKeyring::startService(const Options& options)
@@ -159,7 +99,7 @@ bool TestKeyring::startService(const Options& options)
     QStringList arguments = {u"--foreground"_s, u"--components=secrets"_s};
     if (options.hasDefault)
         arguments.append(u"--unlock"_s);
-    tie(m_service);
+    endWithTest(m_service);
     m_service.start(u"gnome-keyring-daemon"_s, arguments);
     m_service.waitForStarted(kPatience);
     m_service.write(password().toUtf8());
@@ -290,17 +230,17 @@ void TestKeyring::goOn()
 
 void TestKeyring::busStandsStill()
 {
-    signalTo(m_bus, SIGSTOP);
+    signalTo(m_bus.process(), SIGSTOP);
 }
 
 void TestKeyring::busGoesOn()
 {
-    signalTo(m_bus, SIGCONT);
+    signalTo(m_bus.process(), SIGCONT);
 }
 
 void TestKeyring::killService()
 {
-    end(m_service);
+    TestBus::end(m_service);
 }
 
 } // namespace mossbank::test

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/Desktop/TestBus.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QMap>
@@ -13,7 +15,6 @@
 namespace mossbank::test {
 
 /// A session bus of the tests' own with a real keyring on it, which goes with it.
-/// DBUS_SESSION_BUS_ADDRESS names the bus while it lives, and nothing of the user's is touched.
 class TestKeyring {
 public:
     struct Options {
@@ -33,7 +34,7 @@ public:
 
     /// Why it could not be set up. Empty when all went well.
     const QString& problem() const { return m_problem; }
-    QString address() const { return m_address; }
+    QString address() const { return m_bus.address(); }
 
     /// The secrets of all items of the library's key; empty ones for those that are locked.
     QList<QByteArray> secrets() const { return secrets(QStringLiteral("library")); }
@@ -64,13 +65,10 @@ public:
     void killService();
 
 private:
-    bool startBus();
     bool startService(const Options& options);
 
     QTemporaryDir m_home;
-    QByteArray m_previousAddress;
-    QString m_address;
-    QProcess m_bus;
+    TestBus m_bus{TestBus::Kind::Session};
     QProcess m_service;
     QString m_problem;
     struct Connection;

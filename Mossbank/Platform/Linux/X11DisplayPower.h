@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Mossbank/Platform/Linux/X11Connection.h"
+
+#include <memory>
+
+namespace mossbank {
+
+/// Whether the displays of the X server are off or blanked. Servers without DPMS are ordinary.
+///
+/// Threading: one thread. Waits for the server a short while only.
+class X11DisplayPower {
+public:
+    X11DisplayPower();
+    ~X11DisplayPower();
+    Q_DISABLE_COPY_MOVE(X11DisplayPower)
+
+    /// False where nothing says so.
+    bool isAsleep();
+
+private:
+    bool isOff() const;
+    bool isBlanked() const;
+
+    /// Absent while there is no server.
+    std::unique_ptr<X11Connection> m_connection;
+};
+
+} // namespace mossbank

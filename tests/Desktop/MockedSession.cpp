@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/Desktop/MockedSession.h"
+
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDeadlineTimer>
+#include <QFileInfo>
+#include <QThread>
+
+using namespace Qt::StringLiterals;
+
+namespace mossbank::test {
+
+namespace {
+
+constexpr int kPatience = 10'000;
+
+/// Debian's own, which knows Debian's modules, whatever else is called by that name.
+const QString kPython = u"/usr/bin/python3"_s;
+const QString kMock = u"org.freedesktop.DBus.Mock"_s;
+
+const QString kLogind = u"org.freedesktop.login1"_s;
+const QString kLogindPath = u"/org/freedesktop/login1"_s;
+const QString kManager = u"org.freedesktop.login1.Manager"_s;
+const QString kSession = u"org.freedesktop.login1.Session"_s;
+const QString kSessionPath = u"/org/freedesktop/login1/session/c1"_s;
+
+const QString kScreenSaver = u"org.gnome.ScreenSaver"_s;
+const QString kScreenSaverPath = u"/org/gnome/ScreenSaver"_s;
+
+} // namespace
+
+MockedService::MockedService(TestBus& bus, QDBusConnection::BusType type, const QString& service,
+                             const QString& path, const QStringList& arguments)
+    : m_connection(type)
+    , m_service(service)
+    , m_path(path)
+    , m_process(bus.start(kPython, QStringList{u"-m"_s, u"dbusmock"_s} + arguments))
+{
+    m_problem = bus.problem();
+    if (m_problem.isEmpty() && !waitUntilThere())
+        m_problem = u"dbusmock did not start (package python3-dbusmock): "_s +
+                    QString::fromLocal8Bit(m_process.readAll());
+}
+
+MockedService::~MockedService()
+{
+    TestBus::end(m_process);
+}
+
+bool MockedService::waitUntilThere()
+{
+    const QDeadlineTimer deadline(kPatience);
+    while (!deadline.hasExpired() && m_process.state() != QProcess::NotRunning) {
+        if (call(m_path, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s, {}))
+            return true;
+        m_process.waitForFinished(20);
+    }
+    return false;
+}
+
+bool MockedService::call(const QString& path, const QString& interface, const QString& method,
+                         const QVariantList& arguments)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(m_service, path, interface, method);
+    message.setArguments(arguments);
+    return m_connection->call(message, QDBus::Block, kPatience).type() ==
+           QDBusMessage::ReplyMessage;
+}
+
+bool MockedService::mock(const QString& path, const QString& method, const QVariantList& arguments)
+{
+    return call(path, kMock, method, arguments);
+}
+
+MockedLogind::MockedLogind(TestBus& systemBus)
+    : m_service(systemBus, QDBusConnection::SystemBus, kLogind, kLogindPath,
+                {u"--system"_s, u"--template"_s, u"logind"_s})
+{
+    m_service.mock(kLogindPath, u"AddSession"_s,
+                   {u"c1"_s, u"seat0"_s, quint32{1000}, u"somebody"_s, true});
+    // The template lacks it.
+    m_service.mock(
+        kLogindPath, u"AddMethod"_s,
+        {kManager, u"GetSessionByPID"_s, u"u"_s, u"o"_s, u"ret = '%1'"_s.arg(kSessionPath)});
+}
+
+MockedLogind::~MockedLogind() = default;
+
+bool MockedLogind::setLocked(bool isLocked)
+{
+    return setProperty(u"LockedHint"_s, isLocked);
+}
+
+bool MockedLogind::setActive(bool isActive)
+{
+    return setProperty(u"Active"_s, isActive);
+}
+
+bool MockedLogind::setProperty(const QString& name, bool value)
+{
+    return m_service.mock(kSessionPath, u"UpdateProperties"_s,
+                          {kSession, QVariantMap{{name, value}}});
+}
+
+bool MockedLogind::sleep(bool isBeginning)
+{
+    return m_service.mock(kLogindPath, u"EmitSignal"_s,
+                          {kManager, u"PrepareForSleep"_s, u"b"_s,
+                           QVariantList{QVariant::fromValue(QDBusVariant(isBeginning))}});
+}
+
+MockedScreenSaver::MockedScreenSaver(TestBus& sessionBus)
+    : m_service(sessionBus, QDBusConnection::SessionBus, kScreenSaver, kScreenSaverPath,
+                {u"--session"_s, u"--template"_s, u"gnome_screensaver"_s})
+{
+}
+
+bool MockedScreenSaver::setActive(bool isActive)
+{
+    return m_service.call(kScreenSaverPath, kScreenSaver, u"SetActive"_s, {isActive});
+}
+
+} // namespace mossbank::test

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Mossbank/Platform/Linux/BusConnection.h"
+#include "tests/Desktop/TestBus.h"
+
+#include <QString>
+#include <QVariantList>
+
+#include <memory>
+
+namespace mossbank::test {
+
+/// A service that stands in for one of the machine's, by python3-dbusmock.
+class MockedService {
+public:
+    /// `arguments` are dbusmock's.
+    MockedService(TestBus& bus, QDBusConnection::BusType type, const QString& service,
+                  const QString& path, const QStringList& arguments);
+    ~MockedService();
+    Q_DISABLE_COPY_MOVE(MockedService)
+
+    /// Why it is not there. Empty when all went well.
+    const QString& problem() const { return m_problem; }
+
+    /// Calls a method and waits for its end. False when it failed.
+    bool call(const QString& path, const QString& interface, const QString& method,
+              const QVariantList& arguments);
+    /// The same of what dbusmock itself offers.
+    bool mock(const QString& path, const QString& method, const QVariantList& arguments);
+
+    QProcess& process() { return m_process; }
+
+private:
+    bool waitUntilThere();
+
+    BusConnection m_connection;
+    QString m_service;
+    QString m_path;
+    QProcess& m_process;
+    QString m_problem;
+};
+
+/// A logind that knows the session of this process.
+class MockedLogind {
+public:
+    explicit MockedLogind(TestBus& systemBus);
+    ~MockedLogind();
+    Q_DISABLE_COPY_MOVE(MockedLogind)
+
+    QString problem() const { return m_service.problem(); }
+
+    bool setLocked(bool isLocked);
+    bool setActive(bool isActive);
+    bool sleep(bool isBeginning);
+
+    QProcess& process() { return m_service.process(); }
+
+private:
+    bool setProperty(const QString& name, bool value);
+
+    MockedService m_service;
+};
+
+/// The screen saver of GNOME.
+class MockedScreenSaver {
+public:
+    explicit MockedScreenSaver(TestBus& sessionBus);
+
+    QString problem() const { return m_service.problem(); }
+    bool setActive(bool isActive);
+    QProcess& process() { return m_service.process(); }
+
+private:
+    MockedService m_service;
+};
+
+} // namespace mossbank::test

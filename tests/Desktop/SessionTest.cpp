@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What logind, the screen saver and the X server tell of the user's leaving and return.
+#include "Mossbank/Platform/Linux/SessionWatch.h"
+#include "MossbankCore/Capture/InactivityMonitor.h"
+#include "tests/Contract/Contract.h"
+#include "tests/Desktop/MockedSession.h"
+#include "tests/Desktop/VirtualDesktop.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+using namespace mossbank;
+using namespace mossbank::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kSleep = InactivityEvent(InactivityEvent::Sleep).name();
+const QString kResigned = InactivityEvent(InactivityEvent::SessionResigned).name();
+const QString kLocked = InactivityEvent(InactivityEvent::ScreenLocked).name();
+const QString kWake = ReturnEvent(ReturnEvent::Wake).name();
+const QString kActive = ReturnEvent(ReturnEvent::SessionActive).name();
+const QString kUnlocked = ReturnEvent(ReturnEvent::ScreenUnlocked).name();
+const QString kScreensWake = ReturnEvent(ReturnEvent::ScreensWake).name();
+
+} // namespace
+
+class SessionTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { qunsetenv("XDG_SESSION_ID"); }
+
+    void init()
+    {
+        m_told.clear();
+        m_desktop =
+            std::make_unique<VirtualDesktop>(VirtualDesktop::Options{.hasWindowManager = false});
+        QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
+        m_systemBus = std::make_unique<TestBus>(TestBus::Kind::System);
+        QVERIFY2(m_systemBus->problem().isEmpty(), qPrintable(m_systemBus->problem()));
+        m_sessionBus = std::make_unique<TestBus>(TestBus::Kind::Session);
+        QVERIFY2(m_sessionBus->problem().isEmpty(), qPrintable(m_sessionBus->problem()));
+    }
+
+    void cleanup()
+    {
+        m_monitor.reset();
+        m_state.reset();
+        m_events.reset();
+        m_logind.reset();
+        m_screenSaver.reset();
+        m_sessionBus.reset();
+        m_systemBus.reset();
+        m_desktop.reset();
+        qunsetenv("XDG_SESSION_ID");
+    }
+
+    void theSessionIsFound_data()
+    {
+        QTest::addColumn<QByteArray>("id");
+        QTest::addColumn<bool>("isFound");
+        QTest::newRow("by its process") << QByteArray() << true;
+        QTest::newRow("by its name") << QByteArray("c1") << true;
+        QTest::newRow("not by another name") << QByteArray("c2") << false;
+    }
+    void theSessionIsFound()
+    {
+        QFETCH(QByteArray, id);
+        QFETCH(bool, isFound);
+        QVERIFY(startLogind());
+        if (!id.isEmpty())
+            qputenv("XDG_SESSION_ID", id);
+        QVERIFY(m_logind->setLocked(true));
+        watch();
+        QCOMPARE(m_state->isLocked(), isFound);
+        QCOMPARE(m_events->isOnConsole().has_value(), isFound);
+        QVERIFY(isSound(m_events->availability()));
+    }
+
+    void logindTellsOfTheLock()
+    {
+        QVERIFY(startLogind());
+        watch();
+        QVERIFY(m_state->availability().isAvailable);
+        QVERIFY(m_events->availability().isAvailable);
+        QVERIFY(!m_state->isLocked());
+        QVERIFY(m_logind->setLocked(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        QVERIFY(m_state->isLocked());
+        QVERIFY(m_logind->setLocked(false));
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
+        QVERIFY(!m_state->isLocked());
+    }
+
+    void aLockThatWasThereBeforeIsKnown()
+    {
+        QVERIFY(startLogind());
+        QVERIFY(m_logind->setLocked(true));
+        watch();
+        QVERIFY(m_state->isLocked());
+        QVERIFY(m_logind->setLocked(false));
+        QTRY_COMPARE(m_told, QStringList{kUnlocked});
+    }
+
+    void theScreenSaverTellsOfTheLock()
+    {
+        QVERIFY(startScreenSaver());
+        watch();
+        QVERIFY(m_state->availability().isAvailable);
+        QVERIFY(!m_events->availability().isAvailable);
+        QVERIFY(!m_state->isLocked());
+        QVERIFY(m_screenSaver->setActive(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        QVERIFY(m_state->isLocked());
+        QVERIFY(m_screenSaver->setActive(false));
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
+    }
+
+    void aScreenSaverThatWasActiveBeforeIsKnown()
+    {
+        QVERIFY(startScreenSaver());
+        QVERIFY(m_screenSaver->setActive(true));
+        watch();
+        QVERIFY(m_state->isLocked());
+    }
+
+    void eitherOfTheTwoLocksAndBothUnlock()
+    {
+        QVERIFY(startLogind());
+        QVERIFY(startScreenSaver());
+        watch();
+        QVERIFY(m_screenSaver->setActive(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        QVERIFY(m_logind->setLocked(true));
+        QVERIFY(m_screenSaver->setActive(false));
+        QTest::qWait(kLongEnough);
+        QVERIFY(m_state->isLocked());
+        QCOMPARE(m_told, QStringList{kLocked});
+        QVERIFY(m_logind->setLocked(false));
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
+        QVERIFY(!m_state->isLocked());
+    }
+
+    void logindTellsOfSleepAndOfTheSession()
+    {
+        QVERIFY(startLogind());
+        watch();
+        QCOMPARE(m_events->isOnConsole(), std::optional(true));
+        QVERIFY(m_logind->sleep(true));
+        QTRY_COMPARE(m_told, QStringList{kSleep});
+        QVERIFY(m_logind->sleep(false));
+        QTRY_COMPARE(m_told, (QStringList{kSleep, kWake}));
+        m_told.clear();
+        QVERIFY(m_logind->setActive(false));
+        QTRY_COMPARE(m_told, QStringList{kResigned});
+        QCOMPARE(m_events->isOnConsole(), std::optional(false));
+        QVERIFY(m_logind->setActive(true));
+        QTRY_COMPARE(m_told, (QStringList{kResigned, kActive}));
+        QCOMPARE(m_events->isOnConsole(), std::optional(true));
+    }
+
+    void aLogindThatGoesAndComesBackIsHeardAgain()
+    {
+        QVERIFY(startLogind());
+        watch();
+        QVERIFY(m_logind->setLocked(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        m_logind.reset();
+        QTRY_VERIFY(!m_events->availability().isAvailable);
+        // Who was away stays away until told otherwise.
+        QVERIFY(m_state->isLocked());
+        QVERIFY(startLogind());
+        QTRY_VERIFY(m_events->availability().isAvailable);
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
+        QVERIFY(m_logind->setActive(false));
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked, kResigned}));
+    }
+
+    void aLogindThatComesLateIsHeard()
+    {
+        watch();
+        QVERIFY(!m_events->availability().isAvailable);
+        QVERIFY(!m_events->isOnConsole());
+        QVERIFY(startLogind());
+        QTRY_VERIFY(m_events->availability().isAvailable);
+        QVERIFY(m_logind->setLocked(true));
+        QTRY_VERIFY(m_told.contains(kLocked));
+    }
+
+    void aScreenSaverThatEndsCoversNothing()
+    {
+        QVERIFY(startScreenSaver());
+        watch();
+        QVERIFY(m_screenSaver->setActive(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        m_screenSaver.reset();
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
+        QVERIFY(!m_state->availability().isAvailable);
+        QVERIFY(startScreenSaver());
+        QTRY_VERIFY(m_state->availability().isAvailable);
+        QVERIFY(m_screenSaver->setActive(true));
+        QTRY_VERIFY(m_state->isLocked());
+    }
+
+    void withoutAnyBusNothingIsKnownAndNothingFails()
+    {
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
+        watch();
+        QVERIFY(isSound(m_state->availability()));
+        QVERIFY(!m_state->availability().isAvailable);
+        QVERIFY(!m_events->availability().isAvailable);
+        QVERIFY(!m_state->isLocked());
+        QVERIFY(!m_state->isMainDisplayAsleep());
+        QVERIFY(!m_events->isOnConsole());
+    }
+
+    void busesThatEndTakeNothingWithThem()
+    {
+        QVERIFY(startLogind());
+        QVERIFY(startScreenSaver());
+        watch();
+        TestBus::end(m_systemBus->process());
+        TestBus::end(m_sessionBus->process());
+        QTest::qWait(kLongEnough);
+        QVERIFY(!m_state->isLocked());
+        QVERIFY(!m_state->isMainDisplayAsleep());
+    }
+
+    void servicesThatStandStillAreNotWaitedFor()
+    {
+        QVERIFY(startLogind());
+        QVERIFY(startScreenSaver());
+        ::kill(static_cast<pid_t>(m_logind->process().processId()), SIGSTOP);
+        ::kill(static_cast<pid_t>(m_screenSaver->process().processId()), SIGSTOP);
+        QElapsedTimer timer;
+        timer.start();
+        watch();
+        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+        timer.restart();
+        for (int i = 0; i < 100; ++i)
+            QVERIFY(!m_state->isLocked());
+        QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void aBlankedScreenIsAsleepAndItsWakingIsTold()
+    {
+        watch();
+        QVERIFY(!m_state->isMainDisplayAsleep());
+        QVERIFY(xset(u"activate"_s));
+        QVERIFY(m_state->isMainDisplayAsleep());
+        QTest::qWait(kLongEnough);
+        QVERIFY(m_told.isEmpty());
+        QVERIFY(xset(u"reset"_s));
+        QVERIFY(!m_state->isMainDisplayAsleep());
+        QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{kScreensWake}, 6000);
+        QTest::qWait(2500);
+        QCOMPARE(m_told, QStringList{kScreensWake});
+    }
+
+    void anXServerThatEndsIsNotAsleep()
+    {
+        watch();
+        QVERIFY(xset(u"activate"_s));
+        QVERIFY(m_state->isMainDisplayAsleep());
+        m_desktop->killServer();
+        QVERIFY(!m_state->isMainDisplayAsleep());
+    }
+
+private:
+    /// For what must not come to have come.
+    static constexpr int kLongEnough = 200;
+
+    bool startLogind()
+    {
+        m_logind = std::make_unique<MockedLogind>(*m_systemBus);
+        if (!m_logind->problem().isEmpty())
+            qWarning("%s", qPrintable(m_logind->problem()));
+        return m_logind->problem().isEmpty();
+    }
+
+    bool startScreenSaver()
+    {
+        m_screenSaver = std::make_unique<MockedScreenSaver>(*m_sessionBus);
+        if (!m_screenSaver->problem().isEmpty())
+            qWarning("%s", qPrintable(m_screenSaver->problem()));
+        return m_screenSaver->problem().isEmpty();
+    }
+
+    void watch()
+    {
+        const auto session = std::make_shared<SessionWatch>();
+        m_state = std::make_unique<LinuxScreenState>(session);
+        m_events = std::make_unique<LinuxSessionEvents>(session);
+        m_monitor = std::make_unique<InactivityMonitor>(
+            m_events->workspace(), m_events->distributed(),
+            [this](InactivityEvent event) { m_told.append(event.name()); },
+            [this](ReturnEvent event) { m_told.append(event.name()); });
+    }
+
+    bool xset(const QString& what)
+    {
+        const auto outcome = m_desktop->run(u"xset"_s, {u"s"_s, what}, u"x11-xserver-utils"_s);
+        if (!outcome.isSuccess)
+            qWarning("%s", qPrintable(outcome.text));
+        return outcome.isSuccess;
+    }
+
+    std::unique_ptr<VirtualDesktop> m_desktop;
+    std::unique_ptr<TestBus> m_systemBus;
+    std::unique_ptr<TestBus> m_sessionBus;
+    std::unique_ptr<MockedLogind> m_logind;
+    std::unique_ptr<MockedScreenSaver> m_screenSaver;
+    std::unique_ptr<LinuxScreenState> m_state;
+    std::unique_ptr<LinuxSessionEvents> m_events;
+    std::unique_ptr<InactivityMonitor> m_monitor;
+    QStringList m_told;
+};
+
+QTEST_GUILESS_MAIN(SessionTest)
+#include "SessionTest.moc"
