@@ -8,6 +8,7 @@
 #include "Mossbank/SingleInstance.h"
 #include "Mossbank/TerminalStatus.h"
 #include "Mossbank/TerminationSignals.h"
+#include "Mossbank/Translations/LinuxWording.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/SystemClock.h"
 
@@ -94,6 +95,8 @@ int main(int argc, char* argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"Mossbank"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
+    LinuxWording wording;
+    QCoreApplication::installTranslator(&wording);
     parseCommandLine(application);
 
     const QString library = LibraryLocation::library();

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Translations/LinuxWording.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+namespace mossbank {
+
+namespace {
+
+struct Wording {
+    std::string_view source;
+    const char* here;
+};
+
+constexpr Wording kWordings[] = {
+    {"Paused when your Mac went to sleep", "Paused when this computer went to sleep"},
+    {"Screen recording permission is unavailable. Enable it in System Settings, then reopen "
+     "Mossbank.",
+     "Mossbank is not allowed to see the screen. Allow it in the settings of your desktop, then "
+     "start Mossbank again."},
+};
+
+} // namespace
+
+QString LinuxWording::translate(const char*, const char* source, const char*, int) const
+{
+    const auto found = std::ranges::find(kWordings, std::string_view(source), &Wording::source);
+    return found == std::end(kWordings) ? QString() : QString::fromUtf8(found->here);
+}
+
+} // namespace mossbank

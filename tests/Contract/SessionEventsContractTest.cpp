@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Linux/SessionWatch.h"
+#include "Mossbank/Platform/Null/NullApplicationChooser.h"
+#include "Mossbank/Platform/Null/NullSessionEvents.h"
+#include "MossbankCore/Capture/InactivityMonitor.h"
+#include "tests/Contract/Contract.h"
+#include "tests/Fakes/FakeApplicationChooser.h"
+#include "tests/Fakes/FakeSessionEvents.h"
+
+#include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace mossbank;
+using namespace mossbank::test;
+
+/// What everything that tells of the user's leaving holds to, and everything that has them choose.
+class SessionEventsContractTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void itSaysWhatItCannotTell_data()
+    {
+        QTest::addColumn<QString>("kind");
+        for (const char* kind : {"Null", "fake", "Linux without a bus"})
+            QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+    void itSaysWhatItCannotTell()
+    {
+        QFETCH(QString, kind);
+        const auto events = make(kind);
+        QVERIFY(isSound(events->availability()));
+        QCOMPARE(events->availability().isAvailable, kind == u"fake"_s);
+        // Nothing said is not a no.
+        QVERIFY(!events->isOnConsole());
+    }
+
+    void whoWatchesHearsOfAllSeven_data() { itSaysWhatItCannotTell_data(); }
+    void whoWatchesHearsOfAllSeven()
+    {
+        QFETCH(QString, kind);
+        const auto events = make(kind);
+        QStringList told;
+        {
+            const InactivityMonitor monitor(
+                events->workspace(), events->distributed(),
+                [&](InactivityEvent event) { told.append(event.name()); },
+                [&](ReturnEvent event) { told.append(event.name()); });
+            for (const InactivityEvent event : InactivityEvent::kAllCases)
+                (event.isDistributed() ? events->distributed() : events->workspace())
+                    .post(event.name());
+            for (const ReturnEvent event : ReturnEvent::kAllCases)
+                (event.isDistributed() ? events->distributed() : events->workspace())
+                    .post(event.name());
+            QCOMPARE(told.size(), 7);
+        }
+        events->workspace().post(InactivityEvent(InactivityEvent::Sleep).name());
+        events->distributed().post(InactivityEvent(InactivityEvent::ScreenLocked).name());
+        QCOMPARE(told.size(), 7);
+    }
+
+    void whoCannotChooseHasChosenNothing_data()
+    {
+        QTest::addColumn<bool>("isNull");
+        QTest::newRow("Null") << true;
+        QTest::newRow("fake") << false;
+    }
+    void whoCannotChooseHasChosenNothing()
+    {
+        QFETCH(bool, isNull);
+        std::unique_ptr<ApplicationChooser> chooser = std::make_unique<FakeApplicationChooser>();
+        if (isNull)
+            chooser = std::make_unique<NullApplicationChooser>(kReason);
+        QVERIFY(isSound(chooser->availability()));
+        QCOMPARE(chooser->availability().reason, isNull ? kReason : QString());
+        QVERIFY(!chooser->choose(u"Exclude an application"_s).result());
+    }
+
+private:
+    static std::unique_ptr<SessionEvents> make(const QString& kind)
+    {
+        if (kind == u"Null"_s)
+            return std::make_unique<NullSessionEvents>(kReason);
+        if (kind == u"fake"_s)
+            return std::make_unique<FakeSessionEvents>();
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
+        return std::make_unique<LinuxSessionEvents>(std::make_shared<SessionWatch>());
+    }
+};
+
+QTEST_GUILESS_MAIN(SessionEventsContractTest)
+#include "SessionEventsContractTest.moc"
