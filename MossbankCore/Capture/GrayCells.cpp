@@ -151,7 +151,10 @@ private:
 
 std::optional<Fingerprint> grayCells(const QImage& image, int size)
 {
-    if (image.isNull() || std::max(image.width(), image.height()) > kLongestSide)
+    // More cells than pixels of any screen tell nothing, and would not fit into memory.
+    constexpr int kMostCells = 8192;
+    if (image.isNull() || std::max(image.width(), image.height()) > kLongestSide ||
+        size > kMostCells)
         return std::nullopt;
     const auto cells = static_cast<std::size_t>(size);
     CellRows rows(image, cells);

@@ -16,7 +16,7 @@ namespace mossbank {
 /// Reads each pixel once and keeps a line of sums: it costs little more than reading the picture.
 ///
 /// `image`: four bytes a pixel, the fourth ignored. Absent when the picture is empty, or has a side
-/// of more than 65,535 pixels, as no screen has.
+/// of more than 65,535 pixels, as no screen has; and for a `size` above 8,192.
 /// Threading: any thread.
 std::optional<Fingerprint> grayCells(const QImage& image, int size);
 

@@ -287,6 +287,7 @@ private Q_SLOTS:
         QCOMPARE(recorder().status(), u"Recording is off"_s);
         QVERIFY(!m_model->timedPause().isPaused());
         QVERIFY(!m_rig->preferences.pausedUntil());
+        QCOMPARE(m_rig->clock.sleepers(), std::size_t(0));
         pass(7200);
         QVERIFY(!recorder().isRecording());
         m_model->pauses().cancelTimedPause();

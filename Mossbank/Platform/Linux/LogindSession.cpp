@@ -48,7 +48,6 @@ LogindSession::LogindSession(QObject* parent)
 
 void LogindSession::find()
 {
-    lose();
     m_path = sessionPath();
     if (m_path.isEmpty())
         return;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 namespace mossbank {
@@ -161,6 +162,8 @@ void GrayCellsTest::thereAreNoneOfNothingNorBeyondAnyScreen()
     QCOMPARE(grayCells(highest, 1), std::optional(Fingerprint{255}));
     QVERIFY(!grayCells(QImage(65'536, 1, QImage::Format_RGB32), 192));
     QVERIFY(!grayCells(QImage(1, 65'536, QImage::Format_RGB32), 192));
+    QVERIFY(!grayCells(highest, 8193));
+    QVERIFY(!grayCells(highest, std::numeric_limits<int>::max()));
 }
 
 } // namespace mossbank
