@@ -66,6 +66,75 @@ QRect column(const QRect& area, int from, int to)
     return {from, area.top(), to - from, area.height()};
 }
 
+/// The longest stretch of a colour in one of the rows of an area.
+int longestRun(const QImage& picture, const QRect& area, QRgb colour)
+{
+    int longest = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const QRgb* const row = pixelsOf(picture, y);
+        int run = 0;
+        for (int x = area.left(); x <= area.right(); ++x) {
+            run = distance(row[x], colour) <= kSame ? run + 1 : 0;
+            longest = std::max(longest, run);
+        }
+    }
+    return longest;
+}
+
+/// The rows just above and just below an area, in which there is hardly anything of its letters.
+QList<QRect> rowsAround(const QImage& picture, const QRect& area)
+{
+    const int rows = std::max(2, area.height() / 6);
+    QList<QRect> around;
+    for (const int top : {area.top() - rows, area.bottom() + 1}) {
+        const QRect beside = QRect(area.left(), top, area.width(), rows) & picture.rect();
+        if (!beside.isEmpty())
+            around.append(beside);
+    }
+    return around;
+}
+
+/// Whether a colour that much of an area has is that of its letters all the same: bold figures
+/// cover more than half of it. What is behind letters goes on above or below them. That of a badge
+/// as high as the area does not, but goes on along a row further than any letter is wide, or both
+/// over and under its letters nearly as far.
+bool isOfLetters(const QImage& picture, const QRect& area, QRgb colour)
+{
+    constexpr double kHardly = 0.25;
+    constexpr double kNearly = 0.75;
+    const int height = area.height();
+    if (area.width() <= height || longestRun(picture, area, colour) >= height)
+        return false;
+    const int third = (height + 2) / 3;
+    const int over = longestRun(picture, area.adjusted(0, 0, 0, third - height), colour);
+    const int under = longestRun(picture, area.adjusted(0, height - third, 0, 0), colour);
+    if (std::min(over, under) >= kNearly * height)
+        return false;
+    const QList<QRect> around = rowsAround(picture, area);
+    return !around.isEmpty() && std::ranges::all_of(around, [&](const QRect& rows) {
+        return share(picture, rows, colour) < kHardly;
+    });
+}
+
+/// The column at which one background gives way to the next within an area: with the most of the
+/// first before it and of the next from it on. A single column tells little: a stem may have the
+/// colour of what is around the badge.
+int borderOf(const QImage& picture, const QRect& area, QRgb first, QRgb next)
+{
+    int border = area.left();
+    double most = 0;
+    double sum = 0;
+    for (int x = area.left(); x < area.right(); ++x) {
+        const QRect one = column(area, x, x + 1);
+        sum += share(picture, one, first) - share(picture, one, next);
+        if (sum >= most) {
+            most = sum;
+            border = x + 1;
+        }
+    }
+    return border;
+}
+
 /// Gives to its neighbour what is too narrow to hold a letter, and joins what turns out to be on
 /// the same background.
 QList<LinePart> withoutSlivers(const QList<LinePart>& parts)
@@ -101,7 +170,10 @@ QList<LinePart> partsOf(const QImage& picture, const QRect& area)
     const int left = area.left();
     const int end = area.left() + area.width();
     QList<LinePart> parts;
-    QRgb current = commonest(picture, column(area, left, std::min(end, left + 2 * window)));
+    const QRect first = column(area, left, std::min(end, left + 2 * window));
+    QRgb current = commonest(picture, first);
+    if (isOfLetters(picture, first, current))
+        current = commonest(picture, rowsAround(picture, first).first());
     int start = left;
     for (int x = left; x < end; x += step) {
         const int to = std::min(end, std::max(left, x - window / 2) + window);
@@ -111,15 +183,11 @@ QList<LinePart> partsOf(const QImage& picture, const QRect& area)
             continue;
         const QRgb other = commonest(picture, around);
         const double least = still < kStill ? kNew : std::max(kNew, kMore * still);
-        if (distance(other, current) <= kSame || share(picture, around, other) < least)
+        if (distance(other, current) <= kSame || share(picture, around, other) < least ||
+            isOfLetters(picture, around, other))
             continue;
-        int border = std::max(start, around.left());
-        const auto isStill = [&](int at) {
-            const QRect one = column(area, at, at + 1);
-            return share(picture, one, current) >= share(picture, one, other);
-        };
-        while (border + 1 < to && isStill(border))
-            ++border;
+        const int border =
+            borderOf(picture, column(area, std::max(start, around.left()), to), current, other);
         if (border > start)
             parts.append({column(area, start, border), current});
         start = border;

@@ -10,6 +10,22 @@ namespace mossbank {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// An eight, 20 high, of which more is ink than not. Tells where it ends.
+int writeBoldEight(QImage& picture, const QPoint& at, QRgb ink)
+{
+    const QRgb background = picture.pixel(at);
+    const QRect figure(at, QSize(14, 20));
+    fill(picture, figure.adjusted(2, 0, -2, 0), ink);
+    fill(picture, figure.adjusted(0, 2, 0, -2), ink);
+    fill(picture, {at.x() + 5, at.y() + 4, 4, 4}, background);
+    fill(picture, {at.x() + 5, at.y() + 12, 4, 4}, background);
+    return figure.right() + 1;
+}
+
+} // namespace
+
 class LineBackgroundTest : public QObject {
     Q_OBJECT
 
@@ -109,6 +125,81 @@ private Q_SLOTS:
             fill(picture, {10 + letter * 12, 14, 8, 12}, kBlack);
         QCOMPARE(backgroundsOf(picture, {.area = line, .background = kWhite}, 10, 130),
                  std::vector<QRgb>(120, kWhite));
+    }
+
+    void boldFiguresAreNotParted_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("background");
+        QTest::addColumn<int>("thin");
+        QTest::newRow("alone") << kBlack << kWhite << 0;
+        QTest::newRow("alone, light on dark") << kWhite << qRgb(30, 30, 34) << 0;
+        QTest::newRow("after thin letters") << kBlack << kWhite << 4;
+    }
+    void boldFiguresAreNotParted()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, background);
+        QFETCH(int, thin);
+        QImage picture = plain({300, 60}, background);
+        const int left = 20;
+        int x = left;
+        if (thin > 0)
+            x = write(picture, {x, 20}, {thin}, ink, 20).right() + 6;
+        for (int figure = 0; figure < 3; ++figure)
+            x = writeBoldEight(picture, {x, 20}, ink) + 2;
+        const QRect line(left, 20, x - 2 - left, 20);
+        const QList<LinePart> expected = {{line, background}};
+        QCOMPARE(partsOf(picture, line), expected);
+    }
+
+    void aBadgeAsHighAsTheLineIsAPart_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QRect>("letters"); // within the badge
+        QTest::newRow("with one figure") << QSize(15, 16) << QRect(6, 4, 4, 8);
+        QTest::newRow("with a word from its top to its end")
+            << QSize(70, 16) << QRect(8, 3, 54, 13);
+    }
+    void aBadgeAsHighAsTheLineIsAPart()
+    {
+        QFETCH(QSize, size);
+        QFETCH(QRect, letters);
+        constexpr QRgb kBlue = qRgb(60, 76, 168);
+        QImage picture = plain({400, 60});
+        const QRect word = write(picture, {20, 22}, {5, 4});
+        const QRect badge({word.right() + 14, 20}, size);
+        fill(picture, badge, kBlue);
+        // Round, as badges are.
+        for (const int x : {badge.left(), badge.right()}) {
+            fill(picture, {x, badge.top(), 1, 4}, kWhite);
+            fill(picture, {x, badge.bottom() - 3, 1, 4}, kWhite);
+        }
+        for (int x = letters.left(); x < letters.right(); x += 5)
+            fill(picture, {badge.left() + x, badge.top() + letters.top(), 3, letters.height()},
+                 kWhite);
+        const QList<LinePart> parts =
+            partsOf(picture, {20, 20, badge.right() + 1 - 20, badge.height()});
+        QCOMPARE(parts.size(), 2);
+        QCOMPARE(parts.last().background, kBlue);
+    }
+
+    void theLastStemOnABadgeIsOnIt()
+    {
+        // Of the colour of what is around the badge, and as high as it.
+        constexpr QRgb kGreen = qRgb(44, 182, 107);
+        QImage picture = plain({400, 40});
+        const QRect badge(20, 10, 80, 16);
+        fill(picture, badge, kGreen);
+        const QRect letters = write(picture, {30, 12}, {5}, kWhite);
+        const QRect stem(letters.right() + 4, 10, 2, 16);
+        fill(picture, stem, kWhite);
+        QVERIFY(badge.contains(stem));
+        const QRect after = write(picture, {badge.right() + 12, 12}, {5});
+        const QList<LinePart> parts =
+            partsOf(picture, {20, 10, after.right() + 1 - 20, badge.height()});
+        QCOMPARE(parts.size(), 2);
+        QCOMPARE(parts.first().area.right(), badge.right());
     }
 
     void theSmallestAreasHaveOnePart()
