@@ -170,6 +170,16 @@ bool areAlike(const std::vector<Band>& bands)
     return highest.height() <= kHigher * lowest.height();
 }
 
+/// Whether a clear gap lies between one band and the next, as between lines and not within figures
+/// such as a 2 and a sign of per cent.
+bool areClearlyApart(const std::vector<Band>& bands)
+{
+    const int lowest = std::ranges::min(bands, {}, &Band::height).height();
+    return std::ranges::adjacent_find(bands, [&](const Band& upper, const Band& lower) {
+               return 4 * (lower.start - upper.end) < lowest;
+           }) == bands.end();
+}
+
 /// A piece of one line without what reaches far above or below it: a few specks of a picture beside
 /// it may have come with it.
 Box withoutOutskirts(const ColourSteps& steps, const Box& piece, const std::vector<int>& counts)
@@ -201,9 +211,12 @@ void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& li
     const bool mayBeSeveral = piece.height() >= kLowestPair && piece.height() <= 2 * piece.width();
     for (int y = piece.top; y < piece.bottom && mayBeSeveral; ++y)
         counts.push_back(steps.count(y, piece.left, piece.right));
+    // In a few letters the number of steps tells little of where lines end.
+    const bool isOfFewLetters = piece.width() < 3 * piece.height();
     for (; attempt < kFew.size() && !counts.empty(); ++attempt) {
         const std::vector<Band> bands = bandsOf(counts, kFew.at(attempt));
-        if (bands.size() < 2 || (attempt > 0 && !areAlike(bands)))
+        if (bands.size() < 2 || (attempt > 0 && !areAlike(bands)) ||
+            (attempt > 0 && isOfFewLetters && !areClearlyApart(bands)))
             continue;
         for (std::size_t band = 0; band < bands.size(); ++band) {
             const bool isLast = band + 1 == bands.size();

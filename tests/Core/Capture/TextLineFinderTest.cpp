@@ -176,14 +176,20 @@ private Q_SLOTS:
         QVERIFY(lines.last().top() > 21 && lines.last().top() <= 27);
     }
 
+    void linesWithManyDescendersArePartedBetween_data()
+    {
+        QTest::addColumn<int>("step");
+        QTest::newRow("a quarter of the letters of each reaches the next") << 44;
+        QTest::newRow("half of them") << 22;
+    }
     void linesWithManyDescendersArePartedBetween()
     {
-        // A quarter of the letters of each reaches the next.
+        QFETCH(int, step);
         QImage picture = plain({600, 80});
         QList<QRect> letters;
         for (const int top : {10, 24, 38})
             letters.append(write(picture, {20, top}, {20, 20}));
-        for (int x = 20; x < 460; x += 44) {
+        for (int x = 20; x < 460; x += step) {
             fill(picture, {x, 22, 2, 2}, kBlack);
             fill(picture, {x, 36, 2, 2}, kBlack);
         }
@@ -202,6 +208,19 @@ private Q_SLOTS:
         fill(picture, {36, 14, 4, 16}, kBlack);
         QCOMPARE(found(picture).size(), 1);
         QVERIFY(isAround(found(picture).first(), letters.adjusted(0, -16, 0, 0)));
+    }
+
+    void twoFiguresAreNotPartedWhereLittleOfThemIs()
+    {
+        // As of a 2 and a sign of per cent: a stroke of the one and one of the other in the middle.
+        QImage picture = plain({200, 80});
+        for (const int top : {20, 31})
+            for (const int x : {20, 29, 36, 42, 49, 55})
+                fill(picture, {x, top, 3, 10}, kBlack);
+        fill(picture, {24, 30, 3, 1}, kBlack);
+        fill(picture, {45, 30, 3, 1}, kBlack);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), QRect(20, 20, 38, 21)));
     }
 
     void aBarBesideLinesJoinsNone()
