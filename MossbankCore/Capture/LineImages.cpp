@@ -107,36 +107,36 @@ public:
     /// it.
     void removeWhatTouchesTheBorder()
     {
-        std::vector<QPoint> taken;
+        std::vector<Run> taken;
         const auto take = [&](int x, int y) {
-            at(x, y) = 0;
-            taken.emplace_back(x, y);
-        };
-        const auto takeInk = [&](int x, int y) {
-            if (at(x, y) > kInk)
-                take(x, y);
+            if (at(x, y) <= kInk)
+                return;
+            const Run run = runAt(x, y);
+            std::fill_n(&at(run.from, y), run.width(), 0);
+            taken.push_back(run);
         };
         for (int x = 0; x < width(); ++x) {
             if (!m_isCut.top)
-                takeInk(x, 0);
+                take(x, 0);
             if (!m_isCut.bottom)
-                takeInk(x, height() - 1);
+                take(x, height() - 1);
         }
         for (int y = 0; y < height(); ++y) {
             if (!m_isCut.left)
-                takeInk(0, y);
+                take(0, y);
             if (!m_isCut.right)
-                takeInk(width() - 1, y);
+                take(width() - 1, y);
         }
         while (!taken.empty()) {
-            const QPoint point = taken.back();
+            const Run run = taken.back();
             taken.pop_back();
             // Not across corners: there a badge and a letter may meet by their points.
-            for (const QPoint& step : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)}) {
-                const QPoint next = point + step;
-                if (QRect(0, 0, width(), height()).contains(next) &&
-                    isLighter(next.x(), next.y()) == isLighter(point.x(), point.y()))
-                    takeInk(next.x(), next.y());
+            for (const int y : {run.y - 1, run.y + 1}) {
+                for (int x = run.from; x < run.to && y >= 0 && y < height(); ++x) {
+                    if (isLighter(x, y) == run.isLighter && at(x, y) > kInk &&
+                        !standsOn(runAt(x, y), run))
+                        take(x, y);
+                }
             }
         }
     }
@@ -187,6 +187,43 @@ public:
     }
 
 private:
+    /// Ink side by side in a row on one side of the background.
+    struct Run {
+        int from = 0;
+        int to = 0; // left out
+        int y = 0;
+        bool isLighter = false;
+
+        int width() const { return to - from; }
+    };
+
+    Run runAt(int x, int y) const
+    {
+        const bool isThisLighter = isLighter(x, y);
+        const auto isOfIt = [&](int column) {
+            return at(column, y) > kInk && isLighter(column, y) == isThisLighter;
+        };
+        Run run = {.from = x, .to = x + 1, .y = y, .isLighter = isThisLighter};
+        while (run.from > 0 && isOfIt(run.from - 1))
+            --run.from;
+        while (run.to < width() && isOfIt(run.to))
+            ++run.to;
+        return run;
+    }
+
+    /// Whether a run is the foot or the head of a letter that meets what lies around a badge or a
+    /// row: narrow on something wide, and not near its end, as a side of a frame would be.
+    bool standsOn(const Run& letter, const Run& ground) const
+    {
+        constexpr int kSide = 2;
+        const bool isAtBorder = letter.from == 0 || letter.to == width();
+        const bool isNarrow =
+            10 * letter.width() <= 6 * m_part.height() && 2 * letter.width() <= ground.width();
+        const bool isFrame = ground.from > 0 && ground.to < width();
+        const bool isAtEnd = letter.from <= ground.from + kSide || letter.to >= ground.to - kSide;
+        return !isAtBorder && isNarrow && !(isFrame && isAtEnd);
+    }
+
     bool isThrough(int x) const
     {
         for (int y = 0; y < height(); ++y) {

@@ -149,6 +149,44 @@ private Q_SLOTS:
         QCOMPARE(darkPixels(images.first()), whole);
     }
 
+    void aLetterThatReachesTheRimOfABadgeKeepsAllButItsFoot_data()
+    {
+        QTest::addColumn<int>("rim");    // its first row, below the line
+        QTest::addColumn<int>("corner"); // the columns that it reaches up to
+        QTest::addColumn<int>("mostLost");
+        const int end = kPlace.y() + 12;
+        QTest::newRow("from within the rim") << end << 0 << 0;
+        QTest::newRow("at its corner") << end - 1 << kPlace.x() + 2 << 7 * 4;
+    }
+    void aLetterThatReachesTheRimOfABadgeKeepsAllButItsFoot()
+    {
+        QFETCH(int, rim);
+        QFETCH(int, corner);
+        QFETCH(int, mostLost);
+        // White around it, as the letters are.
+        QImage picture = plain(kSize, qRgb(30, 90, 200));
+        const QRect line = write(picture, kPlace, {4, 3}, kWhite);
+        const int whole = darkPixels(imagesOfLine(picture, line, {line}).first());
+        fill(picture, {0, rim + 1, kSize.width(), kSize.height() - rim - 1}, kWhite);
+        fill(picture, {0, rim, corner > 0 ? corner : kSize.width(), 1}, kWhite);
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QVERIFY(darkPixels(images.first()) <= whole);
+        QVERIFY(darkPixels(images.first()) >= whole - mostLost);
+    }
+
+    void theSidesOfAFrameGoWithIt()
+    {
+        QImage picture = plain(kSize);
+        const QRect line = write(picture, kPlace, {4, 3});
+        const QRgb grey = qRgb(120, 120, 120);
+        const QRect frame(line.left() - 3, line.top() - 3, line.width() + 6, 14);
+        fill(picture, {frame.left(), frame.top(), frame.width(), 1}, grey);
+        fill(picture, {frame.left(), frame.top(), 1, frame.height()}, grey);
+        fill(picture, {frame.right(), frame.top(), 1, frame.height()}, grey);
+        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+    }
+
     void aLetterOfOneStrokeIsNoBorder()
     {
         QImage picture = plain(kSize);
