@@ -26,6 +26,7 @@ inline const QRgb* pixelsOf(const QImage& picture, int y)
 /// For each pixel whether the colour changes between it and the next of its row.
 ///
 /// Long straight edges, which are those of windows and cells and not of letters, are left out.
+/// Those of the stems of large letters are not.
 ///
 /// Threading: a value; any thread.
 class ColourSteps {
@@ -45,7 +46,7 @@ private:
         return static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) +
                static_cast<std::size_t>(x);
     }
-    void removeStraightEdges();
+    void removeStraightEdges(const QImage& picture);
 
     int m_width;
     int m_height;

@@ -208,7 +208,10 @@ void addLinesOf(const ColourSteps& steps, const Box& piece, std::vector<Box>& li
     constexpr std::array kFew = {0.14, 0.24, 0.36};
     std::vector<int> counts;
     // A single large letter has rows with less in them, too: an E, at its arms.
-    const bool mayBeSeveral = piece.height() >= kLowestPair && piece.height() <= 2 * piece.width();
+    constexpr int kLarge = 40;
+    const bool isLetter = piece.height() > 2 * piece.width() ||
+                          (piece.height() >= kLarge && 4 * piece.width() <= 5 * piece.height());
+    const bool mayBeSeveral = piece.height() >= kLowestPair && !isLetter;
     for (int y = piece.top; y < piece.bottom && mayBeSeveral; ++y)
         counts.push_back(steps.count(y, piece.left, piece.right));
     // In a few letters the number of steps tells little of where lines end.

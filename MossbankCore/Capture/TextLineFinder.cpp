@@ -101,15 +101,20 @@ void addMarks(const std::vector<Box>& marks, std::vector<Box>& lines)
 void joinNested(std::vector<Box>& lines)
 {
     constexpr double kWithin = 0.7;
+    constexpr double kPartly = 0.3;
     std::ranges::sort(lines, std::greater(), &Box::area);
     std::vector<Box> kept;
     for (const Box& line : lines) {
         const auto holds = [&](const Box& larger) {
             const int wide = overlap(line.left, line.right, larger.left, larger.right);
             const int high = overlap(line.top, line.bottom, larger.top, larger.bottom);
+            // Of large letters also the dots, and what is left of a foot, which may lie a little
+            // below the rest.
+            const bool isPart = line.width() <= larger.height();
+            const bool isLow = isPart && 4 * line.height() <= larger.height();
             return wide > 0 && high > 0 &&
-                   static_cast<double>(wide) * high >= kWithin * line.area() &&
-                   larger.height() < 3 * line.height() + 6;
+                   static_cast<double>(wide) * high >= (isLow ? kPartly : kWithin) * line.area() &&
+                   (isPart || larger.height() < 3 * line.height() + 6);
         };
         if (const auto larger = std::ranges::find_if(kept, holds); larger != kept.end())
             larger->include(line);

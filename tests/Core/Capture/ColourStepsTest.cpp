@@ -66,6 +66,74 @@ private Q_SLOTS:
         QCOMPARE(steps.at(3, 2), false);
     }
 
+    void theEdgesOfAStemAreNotLeftOut_data()
+    {
+        QTest::addColumn<QSize>("stroke");
+        QTest::addColumn<QRgb>("behind");
+        QTest::addColumn<bool>("isLeftOut");
+        QTest::newRow("a stem") << QSize(12, 100) << kWhite << false;
+        QTest::newRow("of the largest letter") << QSize(12, 120) << kWhite << false;
+        QTest::newRow("too tall") << QSize(12, 121) << kWhite << true;
+        QTest::newRow("thin") << QSize(7, 100) << kWhite << false;
+        QTest::newRow("too thin, as a frame") << QSize(6, 100) << kWhite << true;
+        QTest::newRow("thick") << QSize(33, 100) << kWhite << false;
+        QTest::newRow("too thick, as a panel") << QSize(34, 100) << kWhite << true;
+        QTest::newRow("between two panels") << QSize(12, 100) << qRgb(200, 200, 200) << true;
+    }
+    void theEdgesOfAStemAreNotLeftOut()
+    {
+        QFETCH(QSize, stroke);
+        QFETCH(QRgb, behind);
+        QFETCH(bool, isLeftOut);
+        QImage picture = plain({100, 140});
+        const int end = 20 + stroke.width();
+        fill(picture, {end, 10, 100 - end, stroke.height()}, behind);
+        fill(picture, {20, 10, stroke.width(), stroke.height()}, kBlack);
+        const ColourSteps steps(picture);
+        QCOMPARE(steps.at(19, 60), !isLeftOut);
+        QCOMPARE(steps.at(end - 1, 60), !isLeftOut);
+        // All of it is of one piece.
+        QCOMPARE(steps.count(60, 19, end), isLeftOut ? 0 : stroke.width() + 1);
+        QCOMPARE(steps.at(18, 60), false);
+        QCOMPARE(steps.at(end, 60), false);
+    }
+
+    void aStemMayHaveArmsAndIsOfOneColour_data()
+    {
+        QTest::addColumn<int>("arms");   // rows in which it goes on to the right
+        QTest::addColumn<QRgb>("lower"); // the colour of its lower two thirds
+        QTest::addColumn<bool>("isLeftOut");
+        QTest::newRow("as of an E") << 55 << kBlack << false;
+        QTest::newRow("more than a letter has") << 65 << kBlack << true;
+        QTest::newRow("of two colours, as pictures one below the other")
+            << 0 << qRgb(200, 30, 30) << false;
+        QTest::newRow("speckled") << 0 << 0U << true;
+    }
+    void aStemMayHaveArmsAndIsOfOneColour()
+    {
+        QFETCH(int, arms);
+        QFETCH(QRgb, lower);
+        QFETCH(bool, isLeftOut);
+        QImage picture = plain({200, 140});
+        fill(picture, {20, 10, 12, 100}, kBlack);
+        fill(picture, {32, 10, 100, arms}, kBlack);
+        if (lower != kBlack)
+            fill(picture, {20, 43, 12, 67}, lower);
+        for (int y = 10; y < 110 && lower == 0; ++y)
+            fill(picture, {20, y, 12, 1}, qRgb(y * 2, 0, 0));
+        QCOMPARE(!ColourSteps(picture).at(19, 100), isLeftOut);
+    }
+
+    void whatReachesTheEndOfThePictureIsNoStem()
+    {
+        // Part of a picture beside a window, of whose colour it is in places.
+        QImage picture = plain({100, 140});
+        fill(picture, {0, 10, 13, 100}, kBlack);
+        for (int y = 10; y < 110; y += 7)
+            fill(picture, {0, y, 1, 4}, kWhite);
+        QCOMPARE(ColourSteps(picture).at(12, 60), false);
+    }
+
     void anEdgeMayBeBrokenByARowOrTwo_data()
     {
         QTest::addColumn<int>("rows");

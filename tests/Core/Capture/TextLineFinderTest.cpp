@@ -61,14 +61,14 @@ private Q_SLOTS:
     void textIsFoundWhateverItsSize_data()
     {
         QTest::addColumn<int>("height");
-        for (const int height : {6, 7, 9, 12, 16, 24, 40, 60})
+        for (const int height : {6, 7, 9, 12, 16, 24, 40, 60, 66, 90, 118})
             QTest::addRow("%d pixels", height) << height;
     }
     void textIsFoundWhateverItsSize()
     {
         QFETCH(int, height);
-        QImage picture = plain({900, 200});
-        const QRect letters = write(picture, {30, 40}, {4, 3}, kBlack, height);
+        QImage picture = plain({1000, 200});
+        const QRect letters = write(picture, {60, 40}, {4, 3}, kBlack, height);
         QCOMPARE(found(picture).size(), 1);
         QVERIFY(isAround(found(picture).first(), letters));
     }
@@ -292,6 +292,39 @@ private Q_SLOTS:
         }
         fill(picture, {86, 56, 20, 22}, kBlack);
         QCOMPARE(found(picture).size(), 1);
+    }
+
+    void theDotOfALargeLetterIsNoLine_data()
+    {
+        QTest::addColumn<int>("top");
+        QTest::newRow("over it") << 44;
+        QTest::newRow("reaching below the line") << 106;
+    }
+    void theDotOfALargeLetterIsNoLine()
+    {
+        QFETCH(int, top);
+        QImage picture = plain({600, 160});
+        const QRect letters = write(picture, {60, 40}, {3, 2}, kBlack, 72);
+        const QRect dot(254, top, 12, 12); // between the two words
+        fill(picture, dot, kBlack);
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), letters | dot));
+    }
+
+    void aLargeLetterIsNotPartedBetweenItsBows()
+    {
+        // An S of straight strokes, each of which smoothing makes many steps of.
+        QImage picture = plain({400, 120});
+        for (const int x : {30, 90, 150}) {
+            for (const int top : {30, 54, 78}) {
+                for (int column = 0; column < 44; column += 2)
+                    fill(picture, {x + column, top, 1, 8}, kBlack);
+            }
+            fill(picture, {x, 38, 8, 16}, kBlack);
+            fill(picture, {x + 36, 62, 8, 16}, kBlack);
+        }
+        QCOMPARE(found(picture).size(), 1);
+        QVERIFY(isAround(found(picture).first(), QRect(30, 30, 164, 56)));
     }
 
     void dotsAndAccentsGoWithTheirLine()
