@@ -51,6 +51,42 @@ int largestGapDown(QList<QRect> lines)
     return largest;
 }
 
+/// Whether two lines stand in one row: of words beside each other one may begin a pixel higher.
+bool areBeside(const QRect& one, const QRect& other)
+{
+    constexpr double kCommon = 0.6;
+    const int lower = std::min(one.height(), other.height());
+    const int common =
+        std::min(one.bottom(), other.bottom()) + 1 - std::max(one.top(), other.top());
+    return common >= kCommon * lower;
+}
+
+/// `lines` row by row from the top, each from the left.
+QList<QRect> inRows(QList<QRect> lines)
+{
+    std::ranges::sort(lines, {},
+                      [](const QRect& line) { return std::pair(line.top(), line.left()); });
+    QList<QList<QRect>> rows;
+    for (const QRect& line : std::as_const(lines)) {
+        // With all of them: what is high stands beside several rows.
+        const auto isOfRow = [&](const QList<QRect>& row) {
+            return std::ranges::all_of(row,
+                                       [&](const QRect& other) { return areBeside(line, other); });
+        };
+        if (!rows.isEmpty() && isOfRow(rows.last()))
+            rows.last().append(line);
+        else
+            rows.append(QList<QRect>{line});
+    }
+    QList<QRect> all;
+    for (QList<QRect>& row : rows) {
+        std::ranges::sort(row, {},
+                          [](const QRect& line) { return std::pair(line.left(), line.top()); });
+        all += row;
+    }
+    return all;
+}
+
 QList<QRect> ordered(const QList<QRect>& lines, int columnGap)
 {
     if (lines.size() < 2)
@@ -62,11 +98,8 @@ QList<QRect> ordered(const QList<QRect>& lines, int columnGap)
         if (gap > 0)
             parts = parted(lines, down, gap);
     }
-    if (parts.size() == 1) {
-        std::ranges::sort(parts.first(), {},
-                          [](const QRect& line) { return std::pair(line.top(), line.left()); });
-        return parts.first();
-    }
+    if (parts.size() == 1)
+        return inRows(lines);
     QList<QRect> all;
     for (const QList<QRect>& part : std::as_const(parts))
         all += ordered(part, columnGap);

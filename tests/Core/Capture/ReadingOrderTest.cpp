@@ -34,6 +34,17 @@ private Q_SLOTS:
             << QList<QRect>{{5, 5, 60, 12}, {70, 5, 60, 12}, {5, 25, 125, 12}};
         QTest::newRow("rows of words, a word's space apart")
             << QList<QRect>{{5, 5, 60, 12}, {70, 5, 60, 12}, {5, 25, 60, 12}, {70, 25, 60, 12}};
+        QTest::newRow("side by side, the right one a pixel higher")
+            << QList<QRect>{{5, 6, 60, 12}, {70, 5, 60, 12}, {5, 25, 125, 12}};
+        QTest::newRow("rows that touch, each rising to the right")
+            << QList<QRect>{{5, 9, 60, 12},  {70, 7, 60, 12},  {135, 5, 60, 12},
+                            {5, 21, 60, 12}, {70, 19, 60, 12}, {135, 17, 60, 12}};
+        QTest::newRow("a low line beside a high one")
+            << QList<QRect>{{5, 12, 60, 8}, {70, 5, 60, 24}};
+        QTest::newRow("a high line beside two low ones that touch")
+            << QList<QRect>{{5, 5, 60, 24}, {70, 6, 60, 11}, {68, 17, 60, 11}};
+        QTest::newRow("lines that overlap by half, the lower further left")
+            << QList<QRect>{{40, 5, 100, 20}, {5, 15, 100, 20}};
         QTest::newRow("lines that overlap")
             << QList<QRect>{{5, 5, 100, 20}, {40, 15, 100, 20}, {20, 28, 100, 20}};
     }
