@@ -2,6 +2,7 @@
 #include "MossbankCore/Capture/TextReader.h"
 
 #include "MossbankCore/Capture/LineImages.h"
+#include "MossbankCore/Capture/MarkedZeros.h"
 #include "MossbankCore/Capture/ReadingOrder.h"
 #include "MossbankCore/Capture/TextLineFinder.h"
 #include "MossbankCore/Capture/WordChoice.h"
@@ -108,7 +109,7 @@ QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
     QList<Piece> pieces;
     for (qsizetype line = 0; line < lines.size(); ++line) {
         for (const QImage& image : imagesOfLine(picture, lines.at(line), lines))
-            pieces.append({image, digestOf(image), line});
+            pieces.append({image, nullptr, digestOf(image), line});
     }
     return pieces;
 }
@@ -125,6 +126,59 @@ TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words,
     return {words, language, length > 0 ? sum / static_cast<double>(length) : 0};
 }
 
+template <typename Work>
+std::vector<char> TextReader::forEach(qsizetype count, Work work)
+{
+    std::atomic<qsizetype> next = 0;
+    std::vector<char> isDone(static_cast<std::size_t>(count), 0);
+    const auto workOn = [&] {
+        for (qsizetype at = next++; at < count && !isGivenUp(); at = next++) {
+            work(at);
+            isDone[static_cast<std::size_t>(at)] = 1;
+        }
+    };
+    const auto threads = std::min<qsizetype>(m_pool.maxThreadCount(), count);
+    QList<QFuture<void>> workers;
+    for (qsizetype thread = 0; thread < threads; ++thread)
+        workers.append(inBackground(m_pool, workOn));
+    // All of them, whatever one throws: they work on what is here.
+    std::exception_ptr failure;
+    for (QFuture<void>& worker : workers) {
+        try {
+            worker.waitForFinished();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
+    return isDone;
+}
+
+void TextReader::prepare(QList<Piece>& pieces)
+{
+    AllPrepared all;
+    QList<qsizetype> unknown;
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        Piece& piece = pieces[place];
+        piece.prepared = m_prepared.value(piece.digest);
+        if (!piece.prepared)
+            unknown.append(place);
+    }
+    forEach(unknown.size(), [&](qsizetype at) {
+        Piece& piece = pieces[unknown.at(at)];
+        auto prepared = std::make_shared<Prepared>();
+        prepared->image = withPlainZeros(piece.image);
+        prepared->cells = letterCellsOf(prepared->image);
+        piece.prepared = std::move(prepared);
+    });
+    for (const Piece& piece : std::as_const(pieces)) {
+        if (piece.prepared)
+            all.insert(piece.digest, piece.prepared);
+    }
+    m_prepared = std::move(all);
+}
+
 TextReader::Reading TextReader::readPiece(const QImage& image, const Way& way)
 {
     return readingOf(
@@ -132,9 +186,8 @@ TextReader::Reading TextReader::readPiece(const QImage& image, const Way& way)
         way.language);
 }
 
-template <typename IsWanted>
 QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
-                                               IsWanted isWanted)
+                                               const IsWanted& isWanted)
 {
     QList<Reading> readings(pieces.size());
     QList<qsizetype> unknown;
@@ -142,7 +195,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     const QByteArray kind = way.language.toUtf8() + (way.correctsLanguage ? '+' : '-') +
                             QByteArray::number(way.height) + ' ';
     for (qsizetype place = 0; place < pieces.size(); ++place) {
-        if (!isWanted(place))
+        if (!isWanted(place) || !pieces.at(place).prepared)
             continue;
         const QByteArray key = kind + pieces.at(place).digest;
         if (m_current.contains(key) || isBegun.contains(key))
@@ -154,31 +207,11 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
             unknown.append(place);
         }
     }
-    std::atomic<qsizetype> next = 0;
-    std::vector<char> isRead(static_cast<std::size_t>(unknown.size()), 0);
-    const auto readOn = [&] {
-        for (qsizetype at = next++; at < unknown.size() && !isGivenUp(); at = next++) {
-            const qsizetype place = unknown.at(at);
-            readings[place] = readPiece(pieces.at(place).image, way);
-            isRead[static_cast<std::size_t>(at)] = 1;
-        }
-    };
     readings.detach();
-    const auto threads = std::min<qsizetype>(m_pool.maxThreadCount(), unknown.size());
-    QList<QFuture<void>> readers;
-    for (qsizetype thread = 0; thread < threads; ++thread)
-        readers.append(inBackground(m_pool, readOn));
-    // All of them, whatever one throws: they work on what is here.
-    std::exception_ptr failure;
-    for (QFuture<void>& reader : readers) {
-        try {
-            reader.waitForFinished();
-        } catch (...) {
-            failure = std::current_exception();
-        }
-    }
-    if (failure)
-        std::rethrow_exception(failure);
+    const std::vector<char> isRead = forEach(unknown.size(), [&](qsizetype at) {
+        const qsizetype place = unknown.at(at);
+        readings[place] = readPiece(pieces.at(place).prepared->image, way);
+    });
     for (qsizetype at = 0; at < unknown.size(); ++at) {
         const qsizetype place = unknown.at(at);
         if (isRead[static_cast<std::size_t>(at)])
@@ -226,6 +259,12 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
         way.language = language;
         readUnsureAgain(readings, pieces, way);
     }
+    for (const QString& language : languages) {
+        way.language = language;
+        readLargerForDots(readings, pieces, way);
+    }
+    way = {languages.first(), options.correctsLanguage, kReadHeight};
+    correctLetters(readings, pieces, way);
     return readings;
 }
 
@@ -308,8 +347,9 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
     if (m_wantsRest.exchange(false))
         forget();
     m_current.clear();
-    const QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
+    QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
     m_began = processorTime();
+    prepare(pieces);
     const QList<Reading> readings = readInAll(pieces, options);
     m_known = std::exchange(m_current, {});
     return linesOf(pieces, readings);
@@ -336,6 +376,7 @@ void TextReader::forget()
 {
     m_known = {};
     m_current = {};
+    m_prepared = {};
     m_recognizer->rest();
 }
 

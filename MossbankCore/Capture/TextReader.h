@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "MossbankCore/Capture/LetterCells.h"
 #include "MossbankCore/Ports/LineRecognizer.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
@@ -12,7 +13,10 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace mossbank {
 
@@ -41,9 +45,16 @@ public:
     void rest() override;
 
 private:
+    /// What is made of a piece once, however often it is read.
+    struct Prepared {
+        QImage image;
+        /// Where its letters are all equally wide.
+        std::optional<LetterCells> cells;
+    };
     /// Part of a line, to be read in one go.
     struct Piece {
         QImage image;
+        std::shared_ptr<const Prepared> prepared;
         /// Tells it from any that looks otherwise.
         QByteArray digest;
         qsizetype line = 0;
@@ -64,11 +75,17 @@ private:
         double confidence = 0;
     };
     using Readings = QHash<QByteArray, Reading>;
+    using IsWanted = std::function<bool(qsizetype)>;
+    using AllPrepared = QHash<QByteArray, std::shared_ptr<const Prepared>>;
 
     static QList<Piece> piecesOf(const QImage& picture);
+    void prepare(QList<Piece>& pieces);
+    /// Calls `work` for each number below `count`, on all threads, until the picture is given up.
+    /// Returns which numbers it was called for.
+    template <typename Work>
+    std::vector<char> forEach(qsizetype count, Work work);
     /// What each piece says, as far as `isWanted` asks for it.
-    template <typename IsWanted>
-    QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, IsWanted isWanted);
+    QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, const IsWanted& isWanted);
     static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
     Reading readPiece(const QImage& image, const Way& way);
     QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
@@ -77,6 +94,13 @@ private:
     void improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way, bool isFar);
     /// Reads what is unsure in that language in another way, and takes what is surer.
     void readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
+    /// Null for each piece whose letters are of different widths.
+    static std::vector<const LetterCells*> cellsOfFixedPitch(const QList<Piece>& pieces);
+    /// Takes from a larger reading the dots that are lost.
+    void readLargerForDots(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
+    /// Puts right what cannot be as it was read, by how the letters look. `way`: in which all have
+    /// been read first.
+    void correctLetters(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
     /// At most so many of the pieces whose reading is less sure.
     static QSet<qsizetype> longestBelow(double confidence, const QList<Reading>& readings,
                                         const QList<Piece>& pieces, qsizetype most);
@@ -96,6 +120,7 @@ private:
     /// Of the picture read last, and of the one that is being read.
     Readings m_known;
     Readings m_current;
+    AllPrepared m_prepared;
     std::atomic<bool> m_wantsRest = false;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/WordChoice.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace mossbank {
@@ -47,6 +48,36 @@ QList<RecognizedWord> betterWords(const QList<RecognizedWord>& preferred,
             words[place] = second;
     }
     return words;
+}
+
+QList<RecognizedWord> withDots(const QList<RecognizedWord>& words,
+                               const QList<RecognizedWord>& second)
+{
+    struct Line {
+        QString letters; // what looks alike the same, without dots
+        qsizetype dots = 0;
+        double confidence = 100;
+    };
+    const auto lineOf = [](const QList<RecognizedWord>& all) {
+        Line line;
+        for (const RecognizedWord& word : all) {
+            line.confidence = std::min(line.confidence, word.confidence);
+            for (const QChar character : word.text) {
+                if (character == u'.')
+                    ++line.dots;
+                else
+                    line.letters +=
+                        character == u'0' || character == u'O' ? QChar(u'o') : character;
+            }
+        }
+        return line;
+    };
+    const Line first = lineOf(words);
+    const Line other = lineOf(second);
+    if (first.letters != other.letters)
+        return words;
+    const bool isSurer = other.dots == first.dots && other.confidence > first.confidence + kBetter;
+    return other.dots > first.dots || isSurer ? second : words;
 }
 
 } // namespace mossbank

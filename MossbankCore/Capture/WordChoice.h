@@ -15,4 +15,9 @@ namespace mossbank {
 QList<RecognizedWord> betterWords(const QList<RecognizedWord>& preferred,
                                   const QList<RecognizedWord>& other);
 
+/// What a line says, of two readings: the second where it is the same but for dots and spaces and
+/// has more dots. Between letters that touch it, a dot is easily lost, and none is easily made up.
+QList<RecognizedWord> withDots(const QList<RecognizedWord>& words,
+                               const QList<RecognizedWord>& second);
+
 } // namespace mossbank

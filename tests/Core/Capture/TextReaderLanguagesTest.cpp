@@ -19,7 +19,8 @@ private Q_SLOTS:
     void anUnsureLineIsTriedOnceMoreSmaller();
     void theSurerOfTwoTriesCounts();
     void aSecondTryThatIsUnsureTooDoesNotRunWordsTogether();
-    void onlyTheBestLanguageTriesOnceMore();
+    void aLostDotIsFoundLarger();
+    void onlyTheBestLanguageTriesMore();
     void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
     void whereAnotherLanguageIsThereItIsTriedMoreWidely();
     void whereNoLineIsOfAnotherLanguageNoneIsReadInIt();
@@ -67,7 +68,21 @@ void TextReaderLanguagesTest::aSecondTryThatIsUnsureTooDoesNotRunWordsTogether()
     QCOMPARE(read(written({6})), QStringList{u"shock .zip"_s});
 }
 
-void TextReaderLanguagesTest::onlyTheBestLanguageTriesOnceMore()
+void TextReaderLanguagesTest::aLostDotIsFoundLarger()
+{
+    double confidence = 93;
+    m_fake->setReader([&](const QImage& line, const QString&) {
+        constexpr int kLarger = 80;
+        return line.height() < kLarger ? word(u"chaptertxt"_s, confidence)
+                                       : word(u"chapter.txt"_s, 90);
+    });
+    QCOMPARE(read(written({5})), QStringList{u"chapter.txt"_s});
+    // Of what is sure, none is lost.
+    confidence = 95;
+    QCOMPARE(readingsOf(written({6})), 1);
+}
+
+void TextReaderLanguagesTest::onlyTheBestLanguageTriesMore()
 {
     m_fake->setLanguages({u"eng"_s, u"tur"_s});
     // Lines of 4 are surely Turkish and those of 5 not so surely.
@@ -79,10 +94,14 @@ void TextReaderLanguagesTest::onlyTheBestLanguageTriesOnceMore()
     });
     QCOMPARE(read(written({4})), QStringList{u"ışık"_s});
     QCOMPARE(m_fake->readings().size(), 2);
-    QCOMPARE(readingsOf(written({4, 5})), 3);
-    const FakeLineRecognizer::Reading last = m_fake->readings().last();
-    QCOMPARE(last.language, u"tur"_s);
-    QVERIFY(last.line.height() < m_fake->readings().first().line.height());
+    // Once smaller, and once larger for a dot that may be lost.
+    QCOMPARE(readingsOf(written({4, 5})), 4);
+    const QList<FakeLineRecognizer::Reading> readings = m_fake->readings();
+    const int height = readings.first().line.height();
+    QCOMPARE(readings.at(2).language, u"tur"_s);
+    QVERIFY(readings.at(2).line.height() < height);
+    QCOMPARE(readings.at(3).language, u"tur"_s);
+    QVERIFY(readings.at(3).line.height() > height);
 }
 
 void TextReaderLanguagesTest::anotherLanguageIsTriedWhereTheFirstIsInDoubt()

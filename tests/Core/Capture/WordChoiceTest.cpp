@@ -26,6 +26,8 @@ class WordChoiceTest : public QObject {
 private Q_SLOTS:
     void eachWordIsTakenFromTheBetterReading_data();
     void eachWordIsTakenFromTheBetterReading();
+    void aLostDotIsTakenFromTheSecondReading_data();
+    void aLostDotIsTakenFromTheSecondReading();
 };
 
 void WordChoiceTest::eachWordIsTakenFromTheBetterReading_data()
@@ -58,6 +60,34 @@ void WordChoiceTest::eachWordIsTakenFromTheBetterReading()
     QFETCH(QString, other);
     QFETCH(QString, chosen);
     QCOMPARE(betterWords(words(preferred), words(other)), words(chosen));
+}
+
+void WordChoiceTest::aLostDotIsTakenFromTheSecondReading_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<bool>("isSecondTaken");
+    const auto row = [](const char* name, const QString& first, const QString& second,
+                        bool isSecondTaken) {
+        QTest::newRow(name) << first << second << isSecondTaken;
+    };
+    row("a dot more, though less sure", u"chaptertxt/93"_s, u"chapter.txt/80"_s, true);
+    row("a dot more, and a space less", u"chapter txt/93"_s, u"chapter.txt/80"_s, true);
+    row("a dot less, though surer", u"chapter.txt/80"_s, u"chaptertxt/96"_s, false);
+    row("another letter", u"chaptertxt/80"_s, u"chapler.txt/96"_s, false);
+    row("an o for a zero, surer", u"12.0dt/80"_s, u"12.odt/92"_s, true);
+    row("an o for a zero, hardly surer", u"12.0dt/91"_s, u"12.odt/92"_s, false);
+    row("no space, surer", u"surf/85 ace/70"_s, u"surface/93"_s, true);
+    row("the same, surer", u"surface/80"_s, u"surface/93"_s, true);
+    row("nothing", u"surface/80"_s, QString(), false);
+}
+
+void WordChoiceTest::aLostDotIsTakenFromTheSecondReading()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QFETCH(bool, isSecondTaken);
+    QCOMPARE(withDots(words(first), words(second)), words(isSecondTaken ? second : first));
 }
 
 } // namespace mossbank

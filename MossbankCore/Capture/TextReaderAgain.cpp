@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a reader of lines does where it has seen that what it read cannot be right.
+#include "MossbankCore/Capture/TextReader.h"
+#include "MossbankCore/Capture/WordChoice.h"
+
+namespace mossbank {
+
+namespace {
+
+/// The height in pixels at which lines are read where a dot may have been lost between two letters.
+constexpr int kLargeHeight = 64;
+/// Below it, it may have been.
+constexpr double kNearlySure = 94;
+/// The height at which lines are read that have letters which cannot be what they were read as.
+constexpr int kOtherHeight = 36;
+
+} // namespace
+
+std::vector<const LetterCells*> TextReader::cellsOfFixedPitch(const QList<Piece>& pieces)
+{
+    std::vector<const LetterCells*> cells;
+    for (const Piece& piece : pieces) {
+        const bool has = piece.prepared && piece.prepared->cells;
+        cells.push_back(has ? &*piece.prepared->cells : nullptr);
+    }
+    const std::vector<bool> are = areOfFixedPitch(cells);
+    for (std::size_t place = 0; place < cells.size(); ++place)
+        cells[place] = are[place] ? cells[place] : nullptr;
+    return cells;
+}
+
+void TextReader::readLargerForDots(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
+{
+    way.height = kLargeHeight;
+    const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
+    const auto isMeant = [&](qsizetype place) {
+        const Reading& reading = readings.at(place);
+        return reading.language == way.language && reading.confidence < kNearlySure &&
+               !cells[static_cast<std::size_t>(place)];
+    };
+    const QList<Reading> seconds = readAll(pieces, way, isMeant);
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (isMeant(place))
+            readings[place].words = withDots(readings.at(place).words, seconds.at(place).words);
+    }
+}
+
+void TextReader::correctLetters(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
+{
+    const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
+    const auto cellsOf = [&](qsizetype place) {
+        return cells[static_cast<std::size_t>(place)];
+    };
+    // What each piece says, as it was chosen and in other ways.
+    QList<QList<QList<RecognizedWord>>> all(pieces.size());
+    const auto add = [&](const QList<Reading>& some) {
+        for (qsizetype place = 0; place < pieces.size(); ++place) {
+            if (!some.at(place).words.isEmpty())
+                all[place].append(some.at(place).words);
+        }
+    };
+    const auto correct = [&] {
+        LetterShapes shapes;
+        for (qsizetype place = 0; place < pieces.size(); ++place) {
+            if (!cellsOf(place))
+                continue;
+            for (const QList<RecognizedWord>& words : all.at(place))
+                shapes.learn(*cellsOf(place), PlacedLetters(*cellsOf(place), words));
+        }
+        QSet<qsizetype> wrong;
+        for (qsizetype place = 0; place < pieces.size(); ++place) {
+            if (!cellsOf(place) || all.at(place).isEmpty())
+                continue;
+            readings[place].words = shapes.corrected(*cellsOf(place), all.at(place));
+            const PlacedLetters placed(*cellsOf(place), readings.at(place).words);
+            if (!placed.isRight() && placed.isMostlyRight())
+                wrong.insert(place);
+        }
+        return wrong;
+    };
+    add(readings);
+    add(readAll(pieces, way, [&](qsizetype place) { return cellsOf(place) != nullptr; }));
+    const QSet<qsizetype> wrong = correct();
+    way.height = kOtherHeight;
+    add(readAll(pieces, way, [&](qsizetype place) { return wrong.contains(place); }));
+    correct();
+}
+
+} // namespace mossbank
