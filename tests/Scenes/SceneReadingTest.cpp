@@ -26,8 +26,6 @@ constexpr double kMostJunk = 5;
 const QHash<QString, QString>& shortfalls()
 {
     static const QHash<QString, QString> kShortfalls = {
-        {u"files-1"_s, u"the dot of a file name touches the letters beside it and is not seen"_s},
-        {u"terminals-1"_s, u"a zero with a stroke is read as an eight, and signs as letters"_s},
     };
     return kShortfalls;
 }
