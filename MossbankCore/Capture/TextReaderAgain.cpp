@@ -12,6 +12,8 @@ namespace {
 constexpr int kLargeHeight = 64;
 /// Below it, it may have been.
 constexpr double kNearlySure = 94;
+/// Of such a line, in heights: sentences are long, and lose no word by a dot.
+constexpr int kLongest = 14;
 /// The height at which lines are read that have letters which cannot be what they were read as.
 constexpr int kOtherHeight = 36;
 
@@ -37,6 +39,7 @@ void TextReader::readLargerForDots(QList<Reading>& readings, const QList<Piece>&
     const auto isMeant = [&](qsizetype place) {
         const Reading& reading = readings.at(place);
         return reading.language == way.language && reading.confidence < kNearlySure &&
+               pieces.at(place).image.width() <= kLongest * pieces.at(place).image.height() &&
                !cells[static_cast<std::size_t>(place)];
     };
     const QList<Reading> seconds = readAll(pieces, way, isMeant);
