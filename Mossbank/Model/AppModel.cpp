@@ -88,13 +88,14 @@ void AppModel::switchAddressesOn()
 
 void AppModel::prepareToQuit()
 {
+    m_pauses.rest();
     if (m_recorder.isRecording())
         m_recorder.stop();
     if (!m_recorder.isCapturing()) {
         Q_EMIT readyToQuit();
         return;
     }
-    connect(&m_recorder, &Recorder::passEnded, this, &AppModel::readyToQuit);
+    connect(&m_recorder, &Recorder::passEnded, this, &AppModel::readyToQuit, Qt::UniqueConnection);
     m_quitting = Job::start(&AppModel::quitInAnyCase, this);
 }
 

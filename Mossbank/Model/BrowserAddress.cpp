@@ -17,7 +17,8 @@ namespace {
 
 bool isWebPage(const QString& text)
 {
-    const QUrl url(text, QUrl::StrictMode);
+    // Browsers leave signs as they are that an address should have escaped.
+    const QUrl url(text, QUrl::TolerantMode);
     return url.isValid() && (url.scheme() == u"http" || url.scheme() == u"https");
 }
 
@@ -91,11 +92,10 @@ QFuture<std::optional<QString>> BrowserAddress::address(const QString& bundleID,
 
 QCoro::Task<> BrowserAddress::listen(std::shared_ptr<Question> question, Cancellation cancellation)
 {
-    AddressAnswer answer = AddressAnswer::failed();
+    AddressAnswer answer;
     try {
         answer = co_await awaited(question->answer);
     } catch (...) {
-        // A source that fails has no answer.
         answer = AddressAnswer::failed();
     }
     if (!cancellation.isRequested())

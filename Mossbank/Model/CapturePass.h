@@ -79,8 +79,6 @@ private:
 
     QStringList includedApplications() const;
     Memory makeMemory() const;
-    /// What the user knows the front application by.
-    QString nameOfFront() const;
 
     const Surroundings& around() const;
     bool isCurrent() const;

@@ -31,7 +31,7 @@ CaptureVerdict CapturePass::askForAddress()
 {
     BrowserAddress& addresses = m_recorder->m_neighbours.addresses;
     if (around().preferences.savesAddresses() && addresses.canAsk(m_front.bundleID))
-        m_address = addresses.address(m_front.bundleID, nameOfFront());
+        m_address = addresses.address(m_front.bundleID, m_front.shownName());
     return Verdict::goOn();
 }
 
@@ -78,15 +78,10 @@ QCoro::Task<CaptureVerdict> CapturePass::save()
     co_return Verdict::goOn();
 }
 
-QString CapturePass::nameOfFront() const
-{
-    return m_front.name.isEmpty() ? m_front.bundleID : m_front.name;
-}
-
 Memory CapturePass::makeMemory() const
 {
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const QString appName = nameOfFront();
+    const QString appName = m_front.shownName();
     const auto title =
         m_window ? WindowTitle::worthKeeping(m_window->title, appName) : std::nullopt;
     return {

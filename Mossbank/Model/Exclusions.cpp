@@ -20,11 +20,6 @@ bool canBeExcluded(const Application& application)
     return !application.bundleID.isEmpty() && application.bundleID != kOwnBundleID;
 }
 
-QString nameOf(const Application& application)
-{
-    return application.name.isEmpty() ? application.bundleID : application.name;
-}
-
 } // namespace
 
 Exclusions::Exclusions(Surroundings surroundings, Recorder& recorder, QObject* parent)
@@ -37,7 +32,7 @@ Exclusions::Exclusions(Surroundings surroundings, Recorder& recorder, QObject* p
 void Exclusions::watchActiveApps()
 {
     connect(&m_around.frontApplication, &FrontApplication::activated, this,
-            &Exclusions::noteActiveApp, Qt::UniqueConnection);
+            &Exclusions::noteActiveApp);
     if (const auto front = frontmostApp())
         noteActiveApp(*front);
 }
@@ -45,7 +40,14 @@ void Exclusions::watchActiveApps()
 void Exclusions::noteActiveApp(const Application& application)
 {
     if (canBeExcluded(application))
-        m_lastActiveApp = {application.bundleID, nameOf(application)};
+        m_lastActiveApp = application;
+}
+
+std::optional<ActiveApp> Exclusions::lastActiveApp() const
+{
+    if (!m_lastActiveApp)
+        return std::nullopt;
+    return ActiveApp{m_lastActiveApp->bundleID, m_lastActiveApp->shownName()};
 }
 
 std::optional<Application> Exclusions::frontmostApp() const
@@ -59,19 +61,20 @@ std::optional<Application> Exclusions::frontmostApp() const
 
 void Exclusions::excludeFrontmostApp()
 {
-    std::optional<ActiveApp> app = m_lastActiveApp;
+    std::optional<Application> application = m_lastActiveApp;
     if (const auto front = frontmostApp(); front && canBeExcluded(*front))
-        app = {front->bundleID, nameOf(*front)};
-    if (!app) {
+        application = front;
+    if (!application) {
         m_recorder.setStatus(localized("Switch to the app you want excluded, then try again"));
         return;
     }
-    if (isExcluded(app->bundle)) {
-        m_recorder.setStatus(localized("%1 is already excluded").arg(app->name));
+    const QString name = application->shownName();
+    if (isExcluded(*application)) {
+        m_recorder.setStatus(localized("%1 is already excluded").arg(name));
         return;
     }
-    exclude(app->bundle);
-    m_recorder.setStatus(localized("Excluded %1 — no new screenshots of it").arg(app->name));
+    exclude(*application);
+    m_recorder.setStatus(localized("Excluded %1 — no new screenshots of it").arg(name));
 }
 
 void Exclusions::addExcludedApp()
@@ -89,21 +92,20 @@ QCoro::Task<> Exclusions::choose(Cancellation cancellation)
     } catch (const Failure&) {
         chosen.reset(); // the chooser has gone
     }
-    if (cancellation.isRequested() || !chosen || chosen->bundleID.isEmpty() ||
-        isExcluded(chosen->bundleID))
+    if (cancellation.isRequested() || !chosen || chosen->bundleID.isEmpty() || isExcluded(*chosen))
         co_return;
-    exclude(chosen->bundleID);
+    exclude(*chosen);
 }
 
-bool Exclusions::isExcluded(const QString& bundleID) const
+bool Exclusions::isExcluded(const Application& application) const
 {
-    return m_around.preferences.excludedBundles().contains(bundleID, Qt::CaseInsensitive);
+    return application.isAmong(m_around.preferences.excludedBundles());
 }
 
-void Exclusions::exclude(const QString& bundleID)
+void Exclusions::exclude(const Application& application)
 {
     m_around.preferences.setExcludedBundles(m_around.preferences.excludedBundles() +
-                                            QStringList{bundleID});
+                                            QStringList{application.bundleID});
 }
 
 } // namespace mossbank

@@ -38,7 +38,7 @@ public:
     void watchActiveApps();
 
     /// The application that was in front before the user turned to this one.
-    const std::optional<ActiveApp>& lastActiveApp() const { return m_lastActiveApp; }
+    std::optional<ActiveApp> lastActiveApp() const;
 
     /// Puts the application in front on the list, or the last one before this. The recorder's
     /// status says what became of it. What is saved of it already stays.
@@ -51,13 +51,13 @@ public:
 private:
     void noteActiveApp(const Application& application);
     std::optional<Application> frontmostApp() const;
-    bool isExcluded(const QString& bundleID) const;
-    void exclude(const QString& bundleID);
+    bool isExcluded(const Application& application) const;
+    void exclude(const Application& application);
     QCoro::Task<> choose(Cancellation cancellation);
 
     Surroundings m_around;
     Recorder& m_recorder;
-    std::optional<ActiveApp> m_lastActiveApp;
+    std::optional<Application> m_lastActiveApp;
     /// Last: cancelled before anything above goes.
     Job m_choosing;
 };

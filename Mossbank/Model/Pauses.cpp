@@ -27,8 +27,7 @@ Pauses::Pauses(Surroundings surroundings, TimedPause& timedPause, Recorder& reco
                   this, [this, event] { goAway(event); }, Qt::QueuedConnection);
           },
           [this](ReturnEvent) {
-              std::erase_if(m_returns, [](const Job& job) { return !job.isRunning(); });
-              m_returns.push_back(Job::start(&Pauses::comeBackSoon, this));
+              QMetaObject::invokeMethod(this, &Pauses::awaitReturn, Qt::QueuedConnection);
           })
 {
     connect(&m_timedPause, &TimedPause::due, this, &Pauses::resumeAfterPause);
@@ -44,6 +43,12 @@ void Pauses::goAway(InactivityEvent event)
         m_recorder.stopForAbsence(event.message());
 }
 
+void Pauses::awaitReturn()
+{
+    std::erase_if(m_returns, [](const Job& job) { return !job.isRunning(); });
+    m_returns.push_back(Job::start(&Pauses::comeBackSoon, this));
+}
+
 QCoro::Task<> Pauses::comeBackSoon(Cancellation cancellation)
 {
     // What tells of the return may come before the lock is open and the display on.
@@ -56,7 +61,7 @@ void Pauses::comeBackIfThere()
 {
     // Several notifications tell of one return. The first that finds all in order counts; until
     // then the next one tries again.
-    if (!m_recorder.stoppedForAway())
+    if (m_isResting || !m_recorder.stoppedForAway())
         return;
     if (m_around.sessionEvents.isOnConsole() == false)
         return;
@@ -75,10 +80,10 @@ void Pauses::pause(PauseLength length)
     if (!m_recorder.isRecording())
         return;
     const Date deadline = length.deadline(m_around.clock.now(), m_around.calendar());
-    // Stopping forgets a stored pause, so this one is stored after it.
-    m_recorder.stop();
-    m_around.preferences.setPausedUntil(deadline);
-    pauseUntil(deadline);
+    m_recorder.stopForPause(pausedUntil(deadline), [&] {
+        m_around.preferences.setPausedUntil(deadline);
+        m_timedPause.resumePause(deadline);
+    });
 }
 
 void Pauses::cancelTimedPause()
@@ -96,19 +101,24 @@ bool Pauses::resumeStoredPause()
         m_around.preferences.removePausedUntil();
         return false;
     }
-    pauseUntil(*stored);
+    m_timedPause.resumePause(*stored);
+    m_recorder.setStatus(pausedUntil(*stored));
     return true;
 }
 
-void Pauses::pauseUntil(Date date)
+QString Pauses::pausedUntil(Date date) const
 {
-    m_timedPause.resumePause(date);
-    m_recorder.setStatus(localized("Paused until %1").arg(m_around.calendar().shortTime(date)));
+    return localized("Paused until %1").arg(m_around.calendar().shortTime(date));
+}
+
+void Pauses::rest()
+{
+    m_isResting = true;
 }
 
 void Pauses::resumeAfterPause()
 {
-    if (!m_timedPause.isPaused())
+    if (m_isResting || !m_timedPause.isPaused())
         return;
     // The one start without a press of the user's that may ask for the permission: the user
     // asked for it when pausing.

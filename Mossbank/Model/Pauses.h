@@ -37,18 +37,23 @@ public:
     /// Goes on with the pause that the last run stored, if its end is to come; one that is over is
     /// forgotten. Whether there is a pause now.
     bool resumeStoredPause();
+    /// From now on neither a return nor the end of a pause starts recording: the program is about
+    /// to end. What is stored of a pause stays.
+    void rest();
 
 private:
     void goAway(InactivityEvent event);
+    void awaitReturn();
     QCoro::Task<> comeBackSoon(Cancellation cancellation);
     void comeBackIfThere();
-    void pauseUntil(Date date);
+    QString pausedUntil(Date date) const;
     void resumeAfterPause();
 
     Surroundings m_around;
     TimedPause& m_timedPause;
     Recorder& m_recorder;
     std::vector<Job> m_returns;
+    bool m_isResting = false;
     /// Last: it calls into all of the above.
     InactivityMonitor m_inactivity;
 };

@@ -98,6 +98,15 @@ void Recorder::stopForAbsence(const QString& message)
     tellChanges();
 }
 
+void Recorder::stopForPause(const QString& message, const std::function<void()>& begin)
+{
+    // The end of a recording ends a pause, too; so this one begins after it.
+    endRecording();
+    begin();
+    m_state.status = message;
+    tellChanges();
+}
+
 void Recorder::stopForLostPermission()
 {
     endRecording();

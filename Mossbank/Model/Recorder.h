@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace mossbank {
@@ -75,6 +76,8 @@ public:
     /// Stops because the user has left, and says so. Whether recording should come back with them
     /// is the user's choice.
     void stopForAbsence(const QString& message);
+    /// Stops for a pause that `begin` begins, and says so.
+    void stopForPause(const QString& message, const std::function<void()>& begin);
     /// Starts recording if that is allowed already, and never has the system ask: for every start
     /// that the user did not press a button for.
     void startWithoutAsking();

@@ -18,7 +18,8 @@ class Preferences;
 /// A pause of recording that ends at a date, and outlives a restart of the program.
 ///
 /// Threading: the main thread.
-/// Signals: sent on the next turn of the event loop, when whoever began or ended the pause is done.
+/// Signals: `pausedUntilChanged` is sent on the next turn of the event loop, when whoever began or
+/// ended the pause is done.
 class TimedPause : public QObject, public PauseControl {
     Q_OBJECT
 

@@ -2,8 +2,8 @@
 #include "Mossbank/Platform/PlatformFactory.h"
 
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
-#include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
 #include "Mossbank/Platform/Linux/SessionWatch.h"
+#include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"

@@ -21,6 +21,9 @@ struct Application {
     /// They count for exclusions alone.
     QStringList aliases = {};
 
+    /// What the user knows it by: its name, or else its identity.
+    const QString& shownName() const { return name.isEmpty() ? bundleID : name; }
+
     /// Whether it is one of these by any of its names, in any case of their letters.
     bool isAmong(const QStringList& bundleIDs) const
     {

@@ -82,6 +82,26 @@ private Q_SLOTS:
         QCOMPARE(m_mossbank->pictureFiles().size(), 0);
     }
 
+    void passwordManagersAreExcludedFromTheStart_data()
+    {
+        QTest::addColumn<QString>("windowClass");
+        for (const char* windowClass :
+             {"KeePassXC", "keepassxc", "Bitwarden", "1Password", "seahorse",
+              "org.gnome.World.Secrets", "org.kde.kwalletmanager5"})
+            QTest::newRow(windowClass) << QString::fromLatin1(windowClass);
+    }
+    void passwordManagersAreExcludedFromTheStart()
+    {
+        QFETCH(QString, windowClass);
+        m_mossbank->choose({{u"interval"_s, u"1"_s}});
+        QVERIFY(m_secret->open({.frame = kOnTheRight, .colour = kRed, .windowClass = windowClass}));
+        QVERIFY(openEditor() != 0);
+        QVERIFY(m_mossbank->start());
+        QVERIFY2(m_mossbank->waitFor(kVisible), qPrintable(m_mossbank->terminal()));
+        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        QCOMPARE(m_mossbank->rows().size(), 0);
+    }
+
     void minimisedItDoesNotStandInTheWay()
     {
         const quint32 secret = openSecret(kOnTheRight);

@@ -7,6 +7,7 @@
 #include "tests/Desktop/MockedSession.h"
 #include "tests/Desktop/VirtualDesktop.h"
 
+#include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QTest>
 
@@ -66,7 +67,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isFound");
         QTest::newRow("by its process") << QByteArray() << true;
         QTest::newRow("by its name") << QByteArray("c1") << true;
-        QTest::newRow("not by another name") << QByteArray("c2") << false;
+        QTest::newRow("by its process where the name is another's") << QByteArray("c2") << true;
     }
     void theSessionIsFound()
     {
@@ -127,6 +128,40 @@ private Q_SLOTS:
         QVERIFY(m_screenSaver->setActive(true));
         watch();
         QVERIFY(m_state->isLocked());
+    }
+
+    void everyDesktopsScreenSaverIsHeard_data()
+    {
+        QTest::addColumn<QString>("service");
+        QTest::addColumn<QString>("path");
+        const auto row = [](const QString& service, const QString& path) {
+            QTest::newRow(qPrintable(service + path)) << service << path;
+        };
+        for (const char* desktop : {"freedesktop", "cinnamon", "mate", "xfce"}) {
+            const QString name = QString::fromLatin1(desktop);
+            row(u"org.%1.ScreenSaver"_s.arg(name), u"/org/%1/ScreenSaver"_s.arg(name));
+        }
+        // It answers at the one and tells at the other.
+        row(u"org.freedesktop.ScreenSaver"_s, u"/ScreenSaver"_s);
+    }
+    void everyDesktopsScreenSaverIsHeard()
+    {
+        QFETCH(QString, service);
+        QFETCH(QString, path);
+        MockedService saver(*m_sessionBus, QDBusConnection::SessionBus, service, path,
+                            {u"--session"_s, service, path, service});
+        QVERIFY2(saver.problem().isEmpty(), qPrintable(saver.problem()));
+        watch();
+        const auto tell = [&](bool isActive) {
+            return saver.mock(path, u"EmitSignal"_s,
+                              {service, u"ActiveChanged"_s, u"b"_s,
+                               QVariantList{QVariant::fromValue(QDBusVariant(isActive))}});
+        };
+        QVERIFY(tell(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        QVERIFY(m_state->isLocked());
+        QVERIFY(tell(false));
+        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
     }
 
     void eitherOfTheTwoLocksAndBothUnlock()
@@ -199,8 +234,10 @@ private Q_SLOTS:
         QVERIFY(m_screenSaver->setActive(true));
         QTRY_COMPARE(m_told, QStringList{kLocked});
         m_screenSaver.reset();
-        QTRY_COMPARE(m_told, (QStringList{kLocked, kUnlocked}));
-        QVERIFY(!m_state->availability().isAvailable);
+        QTRY_VERIFY(!m_state->availability().isAvailable);
+        // It may be on its way back.
+        QVERIFY(m_state->isLocked());
+        QTRY_COMPARE_WITH_TIMEOUT(m_told, (QStringList{kLocked, kUnlocked}), 15'000);
         QVERIFY(startScreenSaver());
         QTRY_VERIFY(m_state->availability().isAvailable);
         QVERIFY(m_screenSaver->setActive(true));
@@ -246,6 +283,37 @@ private Q_SLOTS:
         for (int i = 0; i < 100; ++i)
             QVERIFY(!m_state->isLocked());
         QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
+        // Once they go on they are heard.
+        QVERIFY(!m_events->availability().isAvailable);
+        ::kill(static_cast<pid_t>(m_logind->process().processId()), SIGCONT);
+        ::kill(static_cast<pid_t>(m_screenSaver->process().processId()), SIGCONT);
+        QTRY_VERIFY_WITH_TIMEOUT(m_events->availability().isAvailable, 15'000);
+        QVERIFY(m_logind->setLocked(true));
+        QTRY_VERIFY(m_state->isLocked());
+    }
+
+    void aLockOfABusThatEndsDoesNotStandForEver()
+    {
+        QVERIFY(startLogind());
+        QVERIFY(m_logind->setLocked(true));
+        watch();
+        QVERIFY(m_state->isLocked());
+        TestBus::end(m_systemBus->process());
+        QTRY_VERIFY(!m_state->isLocked());
+        QVERIFY(!m_state->availability().isAvailable);
+        QVERIFY(!m_events->isOnConsole());
+    }
+
+    void onTheWayToSleepTheDisplayCountsAsAsleep()
+    {
+        QVERIFY(startLogind());
+        watch();
+        QVERIFY(m_logind->sleep(true));
+        QTRY_COMPARE(m_told, QStringList{kSleep});
+        QVERIFY(m_state->isMainDisplayAsleep());
+        QVERIFY(m_logind->sleep(false));
+        QTRY_COMPARE(m_told, (QStringList{kSleep, kWake}));
+        QVERIFY(!m_state->isMainDisplayAsleep());
     }
 
     void aBlankedScreenIsAsleepAndItsWakingIsTold()

@@ -56,6 +56,38 @@ private Q_SLOTS:
         QVERIFY(!model.recorder().errorMessage());
     }
 
+    void whoChoosesAddressesHasThemSwitchedOn()
+    {
+        RecorderRig rig(false);
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        model.finishedLaunching();
+        // Nobody chose yet.
+        QCOMPARE(rig.addresses.timesSwitchedOn, 0);
+        rig.preferences.setSavesAddresses(false);
+        QCOMPARE(rig.addresses.timesSwitchedOn, 0);
+        rig.preferences.setSavesAddresses(true);
+        QCOMPARE(rig.addresses.timesSwitchedOn, 1);
+        QCOMPARE(model.recorder().status(), u"Browsers have to be started again."_s);
+    }
+
+    void aChoiceOfAddressesCountsInTheNextSessionToo_data()
+    {
+        QTest::addColumn<bool>("savesAddresses");
+        QTest::newRow("chosen") << true;
+        QTest::newRow("refused") << false;
+    }
+    void aChoiceOfAddressesCountsInTheNextSessionToo()
+    {
+        QFETCH(bool, savesAddresses);
+        RecorderRig rig(false);
+        rig.preferences.setSavesAddresses(savesAddresses);
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        QCOMPARE(rig.addresses.timesSwitchedOn, 0);
+        model.finishedLaunching();
+        QCOMPARE(rig.addresses.timesSwitchedOn, savesAddresses ? 1 : 0);
+        QCOMPARE(model.recorder().status(), u"Recording is off"_s);
+    }
+
     void aLibraryThatCannotBeOpenedIsToldAndNothingIsRecorded()
     {
         RecorderRig rig(false);

@@ -117,6 +117,9 @@ private Q_SLOTS:
         QTest::newRow("http") << u"http://example.org"_s << true;
         QTest::newRow("capitals stay as written") << u"HTTPS://Example.ORG/Page"_s << true;
         QTest::newRow("escapes stay as written") << u"https://example.org/a%20b?q=%C3%A7"_s << true;
+        QTest::newRow("signs not escaped")
+            << u"https://example.org/a|b?q={x}^`<y>&part=100%"_s << true;
+        QTest::newRow("letters of all scripts") << u"https://örnek.example/yağmur?q=中"_s << true;
         QTest::newRow("a file") << u"file:///home/someone/letter.html"_s << false;
         QTest::newRow("a page of the browser's own") << u"about:config"_s << false;
         QTest::newRow("another") << u"chrome://settings"_s << false;

@@ -68,11 +68,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("bundleID");
         QTest::newRow("as it stands") << RecorderRig::kSecret.bundleID;
         QTest::newRow("in other letters") << RecorderRig::kSecret.bundleID.toUpper();
+        QTest::newRow("by another name of it") << u"org.example.Disguised"_s;
     }
     void whatIsExcludedIsNotExcludedAgain()
     {
         QFETCH(QString, bundleID);
-        m_rig->front.activate({bundleID, u"Secret"_s});
+        m_rig->front.activate({bundleID, u"Secret"_s, {RecorderRig::kSecret.bundleID}});
         m_model->exclusions().excludeFrontmostApp();
         QCOMPARE(excluded(), QStringList{RecorderRig::kSecret.bundleID});
         QCOMPARE(status(), u"Secret is already excluded"_s);

@@ -213,6 +213,105 @@ private Q_SLOTS:
         QCOMPARE(changes.size(), 2);
     }
 
+    void whoHearsOfAPauseMayStartAgain()
+    {
+        start();
+        QObject::connect(&recorder(), &Recorder::isRecordingChanged, &recorder(), [this] {
+            if (!recorder().isRecording())
+                recorder().toggleRecording();
+        });
+        m_model->pauses().pause(PauseLength::OneHour);
+        settle();
+        QVERIFY(recorder().isRecording());
+        QVERIFY(!m_model->timedPause().isPaused());
+        QVERIFY(!m_rig->preferences.pausedUntil());
+        QVERIFY(recorder().nextCaptureAt());
+    }
+
+    void aPauseIsSaidInOneLine()
+    {
+        start();
+        QStringList lines;
+        QObject::connect(&recorder(), &Recorder::statusChanged, &recorder(),
+                         [&] { lines.append(recorder().status()); });
+        m_model->pauses().pause(PauseLength::OneHour);
+        settle();
+        QCOMPARE(lines.size(), 1);
+        QVERIFY(lines.first().startsWith(u"Paused until "_s));
+    }
+
+    void whoIsAboutToQuitStartsNothing_data()
+    {
+        QTest::addColumn<bool>("isPause");
+        QTest::newRow("at the end of a pause") << true;
+        QTest::newRow("at a return") << false;
+    }
+    void whoIsAboutToQuitStartsNothing()
+    {
+        QFETCH(bool, isPause);
+        start();
+        if (isPause)
+            m_model->pauses().pause(PauseLength::OneHour);
+        else
+            happens(u"lock"_s);
+        settle();
+        m_model->prepareToQuit();
+        m_rig->state.isLockedNow = false;
+        happens(u"unlock"_s);
+        pass(4000);
+        QVERIFY(!recorder().isRecording());
+        QCOMPARE(m_rig->preferences.pausedUntil().has_value(), isPause);
+    }
+
+    void severalReturnsStartOneRecording()
+    {
+        start();
+        happens(u"lock"_s);
+        happens(u"sleep"_s);
+        m_rig->state.isLockedNow = false;
+        m_rig->state.isAsleepNow = false;
+        QSignalSpy changes(&recorder(), &Recorder::isRecordingChanged);
+        for (const ReturnEvent event : ReturnEvent::kAllCases)
+            m_rig->sessionEvents.tell(event);
+        settle();
+        QCOMPARE(m_rig->clock.sleepers(), std::size_t(4));
+        pass(kUntilSettled);
+        QVERIFY(recorder().isRecording());
+        QCOMPARE(changes.size(), 1);
+    }
+
+    void whoLeavesAgainAtOnceIsNotRecorded()
+    {
+        start();
+        happens(u"lock"_s);
+        m_rig->state.isLockedNow = false;
+        m_rig->sessionEvents.tell(ReturnEvent(ReturnEvent::ScreenUnlocked));
+        settle();
+        m_rig->clock.advance(1);
+        m_rig->state.isLockedNow = true;
+        m_rig->sessionEvents.tell(InactivityEvent(InactivityEvent::ScreenLocked));
+        settle();
+        pass(kUntilSettled);
+        QVERIFY(!recorder().isRecording());
+        QVERIFY(recorder().stoppedForAway());
+        happens(u"unlock"_s);
+        QVERIFY(recorder().isRecording());
+    }
+
+    void theModelMayGoWhileAReturnIsAwaited()
+    {
+        start();
+        happens(u"lock"_s);
+        m_rig->sessionEvents.tell(ReturnEvent(ReturnEvent::ScreenUnlocked));
+        settle();
+        m_rig->sessionEvents.tell(ReturnEvent(ReturnEvent::Wake));
+        m_model.reset();
+        QCoreApplication::processEvents();
+        QCOMPARE(m_rig->clock.sleepers(), std::size_t(0));
+        m_rig->clock.advance(10);
+        launch();
+    }
+
     void whatIsOffCannotBePaused()
     {
         m_model->pauses().pause(PauseLength::OneHour);
@@ -313,6 +412,9 @@ private Q_SLOTS:
         m_model->pauses().pause(PauseLength::OneHour);
         settle();
         m_rig->preferences.setRecordsAtLaunch(true);
+        // As another process reads it.
+        QCOMPARE(Preferences(m_rig->preferences.path()).pausedUntil(),
+                 std::optional(kMorning + 3600));
         launch();
         m_rig->clock.advance(600);
         m_model->finishedLaunching();

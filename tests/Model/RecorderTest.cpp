@@ -261,6 +261,28 @@ private Q_SLOTS:
         QCOMPARE(rig.saved().size(), 1);
     }
 
+    void aSkipForSecureInputIsToldUntilAnotherLine()
+    {
+        RecorderRig rig;
+        rig.secureInput.isActiveNow = true;
+        QVERIFY(!rig.recorder->secureInputPaused());
+        rig.start();
+        QVERIFY(rig.recorder->secureInputPaused());
+        rig.recorder->setStatus(u"another line"_s);
+        QVERIFY(!rig.recorder->secureInputPaused());
+        rig.nextPass();
+        QVERIFY(rig.recorder->secureInputPaused());
+        rig.secureInput.isActiveNow = false;
+        rig.nextPass();
+        QVERIFY(!rig.recorder->secureInputPaused());
+        rig.secureInput.isActiveNow = true;
+        rig.nextPass();
+        rig.recorder->stop();
+        rig.recorder->setStatus(
+            u"Skipped while a password field or other secure input is active"_s);
+        QVERIFY(!rig.recorder->secureInputPaused());
+    }
+
     void aRunOfTheSameSkipNotifiesOnce()
     {
         RecorderRig rig;

@@ -6,8 +6,8 @@
 
 namespace mossbank {
 
-/// A connection to a message bus that ends with its owner. Each has one of its own, so that a bus
-/// that went can be looked for anew.
+/// A connection to a message bus that ends with its owner. Each has one of its own, so that what
+/// one listens to ends with it.
 class BusConnection {
 public:
     explicit BusConnection(QDBusConnection::BusType bus);

@@ -2,9 +2,11 @@
 #include "Mossbank/Platform/Linux/LogindSession.h"
 
 #include <QCoreApplication>
-#include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusReply>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <utility>
 
 namespace mossbank {
 
@@ -21,12 +23,29 @@ const QString kPropertiesChanged = u"PropertiesChanged"_s;
 
 constexpr int kPatience = 250;
 
-QDBusMessage ask(const QString& path, const QString& interface, const QString& method,
-                 const QVariantList& arguments)
+QDBusMessage question(const QString& path, const QString& interface, const QString& method,
+                      const QVariantList& arguments)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(kService, path, interface, method);
     message.setArguments(arguments);
+    message.setAutoStartService(false);
     return message;
+}
+
+/// Every way to ask for the session of this process, the surest first. A program that the desktop
+/// starts as a service of the user's is in no session by its process, and has no name of one in its
+/// environment; logind then knows the user's session that has a display as "auto".
+QList<QDBusMessage> questions()
+{
+    QList<QDBusMessage> questions;
+    const auto ask = [&](const QString& method, const QVariant& argument) {
+        questions.append(question(kManagerPath, kManager, method, {argument}));
+    };
+    if (const QString session = qEnvironmentVariable("XDG_SESSION_ID"); !session.isEmpty())
+        ask(u"GetSession"_s, session);
+    ask(u"GetSessionByPID"_s, static_cast<quint32>(QCoreApplication::applicationPid()));
+    ask(u"GetSession"_s, u"auto"_s);
+    return questions;
 }
 
 } // namespace
@@ -35,54 +54,116 @@ LogindSession::LogindSession(QObject* parent)
     : QObject(parent)
     , m_bus(QDBusConnection::SystemBus)
 {
+    constexpr auto kBetweenTries = std::chrono::seconds(5);
+    m_untilNextTry.setInterval(kBetweenTries);
+    m_untilNextTry.setSingleShot(true);
+    connect(&m_untilNextTry, &QTimer::timeout, this, &LogindSession::find);
     if (!m_bus->isConnected())
         return;
     m_watcher.setConnection(*m_bus);
     m_watcher.addWatchedService(kService);
-    connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this, &LogindSession::find);
-    connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, &LogindSession::lose);
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) {
+                lose();
+                if (!owner.isEmpty())
+                    find();
+            });
     m_bus->connect(kService, kManagerPath, kManager, u"PrepareForSleep"_s, this,
                    SLOT(onPrepareForSleep(bool)));
-    find();
+
+    // What is so now has to be known before the first look at the screen.
+    m_questions = questions();
+    while (!isThere() && !m_questions.isEmpty()) {
+        QDBusPendingCall path = askPath();
+        path.waitForFinished();
+        QDBusPendingCall properties = askProperties(pathIn(path));
+        properties.waitForFinished();
+        follow(pathIn(path), properties);
+    }
+    if (!isThere())
+        tryAgainLater();
+}
+
+void LogindSession::tryAgainLater()
+{
+    // One that comes is told of; one that is there may have been too busy to answer.
+    if (m_isRunning && m_bus->isConnected())
+        m_untilNextTry.start();
 }
 
 void LogindSession::find()
 {
-    m_path = sessionPath();
-    if (m_path.isEmpty())
+    m_questions = questions();
+    findNext();
+}
+
+void LogindSession::findNext()
+{
+    if (isThere())
         return;
+    if (m_questions.isEmpty()) {
+        tryAgainLater();
+        return;
+    }
+    const auto* const path = new QDBusPendingCallWatcher(askPath(), this);
+    connect(path, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* told) {
+        told->deleteLater();
+        const QString where = pathIn(*told);
+        const auto* const properties = new QDBusPendingCallWatcher(askProperties(where), this);
+        connect(properties, &QDBusPendingCallWatcher::finished, this,
+                [this, where](QDBusPendingCallWatcher* answer) {
+                    answer->deleteLater();
+                    if (!follow(where, *answer))
+                        findNext();
+                });
+    });
+}
+
+QDBusPendingCall LogindSession::askPath()
+{
+    return m_bus->asyncCall(m_questions.takeFirst(), kPatience);
+}
+
+QDBusPendingCall LogindSession::askProperties(const QString& path)
+{
+    if (path.isEmpty())
+        return QDBusPendingCall::fromError(QDBusError(QDBusError::UnknownObject, path));
     // First to listen, then to ask: a change between the two would be missed.
-    m_bus->connect(kService, m_path, kProperties, kPropertiesChanged, this,
+    m_bus->connect(kService, path, kProperties, kPropertiesChanged, this,
                    SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)));
-    take(properties());
+    return m_bus->asyncCall(question(path, kProperties, u"GetAll"_s, {kSession}), kPatience);
+}
+
+QString LogindSession::pathIn(const QDBusPendingCall& answer)
+{
+    const QDBusPendingReply<QDBusObjectPath> path = answer;
+    m_isRunning = path.error().type() != QDBusError::ServiceUnknown;
+    return path.isValid() ? path.value().path() : QString();
+}
+
+bool LogindSession::follow(const QString& path, const QDBusPendingCall& properties)
+{
+    const QDBusPendingReply<QVariantMap> told = properties;
+    if (!told.isValid()) {
+        if (!path.isEmpty())
+            m_bus->disconnect(kService, path, kProperties, kPropertiesChanged, this,
+                              SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)));
+        return false;
+    }
+    m_path = path;
+    take(told.value());
+    return true;
 }
 
 void LogindSession::lose()
 {
+    m_untilNextTry.stop();
+    m_questions.clear();
     if (m_path.isEmpty())
         return;
     m_bus->disconnect(kService, m_path, kProperties, kPropertiesChanged, this,
                       SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)));
     m_path.clear();
-}
-
-QString LogindSession::sessionPath()
-{
-    // A program that the desktop starts as a service of the user's is in no session by its process.
-    const QString session = qEnvironmentVariable("XDG_SESSION_ID");
-    const auto process = static_cast<quint32>(QCoreApplication::applicationPid());
-    const QDBusMessage question = session.isEmpty()
-                                      ? ask(kManagerPath, kManager, u"GetSessionByPID"_s, {process})
-                                      : ask(kManagerPath, kManager, u"GetSession"_s, {session});
-    const QDBusReply<QDBusObjectPath> path = m_bus->call(question, QDBus::Block, kPatience);
-    return path.isValid() ? path.value().path() : QString();
-}
-
-QVariantMap LogindSession::properties()
-{
-    const QDBusReply<QVariantMap> properties =
-        m_bus->call(ask(m_path, kProperties, u"GetAll"_s, {kSession}), QDBus::Block, kPatience);
-    return properties.isValid() ? properties.value() : QVariantMap();
 }
 
 void LogindSession::take(const QVariantMap& properties)
@@ -104,10 +185,8 @@ void LogindSession::take(const QVariantMap& properties)
 
 void LogindSession::onPrepareForSleep(bool isBeginning)
 {
-    if (isBeginning)
-        Q_EMIT goesToSleep();
-    else
-        Q_EMIT woke();
+    m_isGoingToSleep = isBeginning;
+    Q_EMIT sleepChanged();
 }
 
 void LogindSession::onPropertiesChanged(const QString& interface, const QVariantMap& changed,
@@ -116,8 +195,10 @@ void LogindSession::onPropertiesChanged(const QString& interface, const QVariant
     if (interface != kSession)
         return;
     take(changed);
-    if (invalidated.contains(u"LockedHint"_s) || invalidated.contains(u"Active"_s))
-        take(properties());
+    if (invalidated.contains(u"LockedHint"_s) || invalidated.contains(u"Active"_s)) {
+        lose();
+        find();
+    }
 }
 
 } // namespace mossbank

@@ -3,8 +3,12 @@
 
 #include "Mossbank/Platform/Linux/BusConnection.h"
 
+#include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDBusServiceWatcher>
+#include <QList>
 #include <QObject>
+#include <QTimer>
 #include <QVariantMap>
 
 #include <optional>
@@ -14,10 +18,10 @@ namespace mossbank {
 /// The login session that this program runs in, as logind tells it.
 ///
 /// It is kept current by signals, so asking costs nothing. logind may come and go: what it said
-/// last stands until it says otherwise.
+/// last stands until it says otherwise, for as long as there is a bus to say it on.
 ///
-/// Threading: the main thread. The constructor, and the return of logind, wait for a few answers,
-/// each for a quarter of a second at most.
+/// Threading: the main thread. The constructor waits for the first answers, each for a quarter of a
+/// second at most; nothing else waits.
 class LogindSession : public QObject {
     Q_OBJECT
 
@@ -25,17 +29,18 @@ public:
     explicit LogindSession(QObject* parent = nullptr);
 
     /// Whether logind is there and knows this session.
-    bool isThere() const { return !m_path.isEmpty(); }
+    bool isThere() const { return m_bus->isConnected() && !m_path.isEmpty(); }
     /// Absent where nothing said so.
-    std::optional<bool> isLocked() const { return m_isLocked; }
+    std::optional<bool> isLocked() const { return known(m_isLocked); }
     /// Whether the session is the one in front. Absent where nothing said so.
-    std::optional<bool> isActive() const { return m_isActive; }
+    std::optional<bool> isActive() const { return known(m_isActive); }
+    /// From when the machine is about to sleep until it has woken.
+    bool isGoingToSleep() const { return m_isGoingToSleep && m_bus->isConnected(); }
 
 Q_SIGNALS:
     void lockedChanged();
     void activeChanged();
-    void goesToSleep();
-    void woke();
+    void sleepChanged();
 
 private Q_SLOTS:
     void onPrepareForSleep(bool isBeginning);
@@ -43,17 +48,35 @@ private Q_SLOTS:
                              const QStringList& invalidated);
 
 private:
+    std::optional<bool> known(const std::optional<bool>& value) const
+    {
+        return m_bus->isConnected() ? value : std::nullopt;
+    }
+
+    /// Asks for the session in every way there is, one after the other, until one answers.
     void find();
+    void findNext();
+    void tryAgainLater();
+    QDBusPendingCall askPath();
+    QDBusPendingCall askProperties(const QString& path);
+    /// Where the session is, by an answer. Empty when that is none.
+    QString pathIn(const QDBusPendingCall& answer);
+    /// False when the answer is none.
+    bool follow(const QString& path, const QDBusPendingCall& properties);
     void lose();
-    QString sessionPath();
-    QVariantMap properties();
     void take(const QVariantMap& properties);
 
     BusConnection m_bus;
     QDBusServiceWatcher m_watcher;
+    /// The questions that have not been asked yet.
+    QList<QDBusMessage> m_questions;
+    /// After all were asked in vain.
+    QTimer m_untilNextTry;
+    bool m_isRunning = false;
     QString m_path;
     std::optional<bool> m_isLocked;
     std::optional<bool> m_isActive;
+    bool m_isGoingToSleep = false;
 };
 
 } // namespace mossbank

@@ -3,7 +3,11 @@
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusReply>
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace mossbank {
 
@@ -26,11 +30,6 @@ const QMap<QString, QString>& paths()
     return kPaths;
 }
 
-QDBusMessage getActive(const QString& service)
-{
-    return QDBusMessage::createMethodCall(service, paths().value(service), service, u"GetActive"_s);
-}
-
 } // namespace
 
 ScreenSavers::ScreenSavers(QObject* parent)
@@ -40,52 +39,75 @@ ScreenSavers::ScreenSavers(QObject* parent)
     if (!m_bus->isConnected())
         return;
     m_watcher.setConnection(*m_bus);
-    connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this, &ScreenSavers::appear);
-    connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, &ScreenSavers::disappear);
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& service, const QString&, const QString& owner) {
+                if (owner.isEmpty())
+                    disappear(service);
+                else
+                    appear(service);
+            });
+    std::vector<std::pair<QString, QDBusPendingCall>> answers;
     for (const QString& service : paths().keys()) {
         m_watcher.addWatchedService(service);
         // On whichever path it tells.
         m_bus->connect(service, QString(), service, u"ActiveChanged"_s, this,
                        SLOT(onActiveChanged(bool, QDBusMessage)));
-        if (!hasOwner(service))
-            continue;
-        const QDBusReply<bool> isActive = m_bus->call(getActive(service), QDBus::Block, kPatience);
-        m_isActive.insert(service, isActive.isValid() && isActive.value());
+        answers.emplace_back(service, ask(service));
     }
+    // What is so now has to be known before the first look at the screen.
+    for (auto& [service, answer] : answers) {
+        answer.waitForFinished();
+        hear(service, answer);
+    }
+}
+
+bool ScreenSavers::isThere() const
+{
+    return m_bus->isConnected() && std::ranges::any_of(m_states, &State::isThere);
 }
 
 bool ScreenSavers::isActive() const
 {
-    return m_isActive.values().contains(true);
+    return m_bus->isConnected() && std::ranges::any_of(m_states, &State::isActive);
 }
 
-bool ScreenSavers::hasOwner(const QString& service)
+QDBusPendingCall ScreenSavers::ask(const QString& service)
 {
-    // A screen saver that is asked without this may be started by being asked.
     QDBusMessage question =
-        QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                       u"org.freedesktop.DBus"_s, u"NameHasOwner"_s);
-    question.setArguments({service});
-    const QDBusReply<bool> hasOwner = m_bus->call(question, QDBus::Block, kPatience);
-    return hasOwner.isValid() && hasOwner.value();
+        QDBusMessage::createMethodCall(service, paths().value(service), service, u"GetActive"_s);
+    // Asking must not start one.
+    question.setAutoStartService(false);
+    return m_bus->asyncCall(question, kPatience);
+}
+
+void ScreenSavers::hear(const QString& service, const QDBusPendingCall& answer)
+{
+    const QDBusPendingReply<bool> isActive = answer;
+    if (!isActive.isValid())
+        return;
+    m_states[service].isThere = true;
+    setActive(service, isActive.value());
 }
 
 void ScreenSavers::appear(const QString& service)
 {
-    m_isActive.insert(service, false);
-    auto* const answer = new QDBusPendingCallWatcher(m_bus->asyncCall(getActive(service)), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, service, answer] {
-        const QDBusPendingReply<bool> isActive = *answer;
-        if (isActive.isValid())
-            setActive(service, isActive.value());
-        answer->deleteLater();
-    });
+    m_states[service].isThere = true;
+    const auto* const answer = new QDBusPendingCallWatcher(ask(service), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this,
+            [this, service](QDBusPendingCallWatcher* told) {
+                told->deleteLater();
+                hear(service, *told);
+            });
 }
 
 void ScreenSavers::disappear(const QString& service)
 {
-    setActive(service, false);
-    m_isActive.remove(service);
+    constexpr auto kUntilItIsBack = std::chrono::seconds(10);
+    m_states[service].isThere = false;
+    QTimer::singleShot(kUntilItIsBack, this, [this, service] {
+        if (!m_states.value(service).isThere)
+            setActive(service, false);
+    });
 }
 
 void ScreenSavers::onActiveChanged(bool isActive, const QDBusMessage& message)
@@ -95,11 +117,8 @@ void ScreenSavers::onActiveChanged(bool isActive, const QDBusMessage& message)
 
 void ScreenSavers::setActive(const QString& service, bool isActive)
 {
-    const auto known = m_isActive.find(service);
-    if (known == m_isActive.end() || *known == isActive)
-        return;
-    *known = isActive;
-    Q_EMIT activeChanged();
+    if (std::exchange(m_states[service].isActive, isActive) != isActive)
+        Q_EMIT activeChanged();
 }
 
 } // namespace mossbank

@@ -17,10 +17,7 @@ SessionWatch::SessionWatch()
     connect(&m_logind, &LogindSession::lockedChanged, this, &SessionWatch::followLock);
     connect(&m_screenSavers, &ScreenSavers::activeChanged, this, &SessionWatch::followLock);
     connect(&m_logind, &LogindSession::activeChanged, this, &SessionWatch::followSession);
-    connect(&m_logind, &LogindSession::goesToSleep, this,
-            [this] { m_workspace.post(InactivityEvent(InactivityEvent::Sleep).name()); });
-    connect(&m_logind, &LogindSession::woke, this,
-            [this] { m_workspace.post(ReturnEvent(ReturnEvent::Wake).name()); });
+    connect(&m_logind, &LogindSession::sleepChanged, this, &SessionWatch::followSleep);
     m_wasLocked = isLocked();
 }
 
@@ -31,10 +28,11 @@ bool SessionWatch::isLocked() const
 
 bool SessionWatch::isDisplayAsleep()
 {
-    const bool isAsleep = m_displayPower.isAsleep();
+    const bool isAsleep = m_displayPower.isAsleep().value_or(false);
     if (isAsleep && !m_untilDisplayWakes.isActive())
         m_untilDisplayWakes.start();
-    return isAsleep;
+    // On the way to sleep the display may still be on.
+    return isAsleep || m_logind.isGoingToSleep();
 }
 
 void SessionWatch::followLock()
@@ -54,9 +52,15 @@ void SessionWatch::followSession()
                          : InactivityEvent(InactivityEvent::SessionResigned).name());
 }
 
+void SessionWatch::followSleep()
+{
+    m_workspace.post(m_logind.isGoingToSleep() ? InactivityEvent(InactivityEvent::Sleep).name()
+                                               : ReturnEvent(ReturnEvent::Wake).name());
+}
+
 void SessionWatch::followDisplay()
 {
-    if (m_displayPower.isAsleep())
+    if (m_displayPower.isAsleep() != false)
         return;
     m_untilDisplayWakes.stop();
     m_workspace.post(ReturnEvent(ReturnEvent::ScreensWake).name());
@@ -84,8 +88,9 @@ Availability LinuxSessionEvents::availability() const
 {
     if (m_watch->logind().isThere())
         return {};
-    return Availability::missing(u"Mossbank cannot tell when this computer goes to sleep or "
-                                 "another session comes to the front: logind does not answer."_s);
+    return Availability::missing(
+        u"Mossbank cannot tell when this computer goes to sleep or "
+        "another session comes to the front: logind does not tell of this session."_s);
 }
 
 } // namespace mossbank

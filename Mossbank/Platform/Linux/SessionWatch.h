@@ -37,6 +37,7 @@ public:
 private:
     void followLock();
     void followSession();
+    void followSleep();
     void followDisplay();
 
     LogindSession m_logind;
@@ -45,7 +46,7 @@ private:
     NotificationCenter m_workspace;
     NotificationCenter m_distributed{true};
     bool m_wasLocked = false;
-    /// Runs while the display sleeps: nothing tells when it wakes.
+    /// Runs while the display sleeps: of DPMS nothing tells when it wakes.
     QTimer m_untilDisplayWakes;
 };
 

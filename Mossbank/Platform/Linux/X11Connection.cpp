@@ -9,8 +9,10 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <xcb/damage.h>
+#include <xcb/dpms.h>
 #include <xcb/randr.h>
 #include <xcb/res.h>
+#include <xcb/screensaver.h>
 #include <xcb/shape.h>
 #include <xcb/shm.h>
 #include <xcb/xfixes.h>
@@ -170,6 +172,8 @@ void X11Connection::findAtoms()
 void X11Connection::findExtensions()
 {
     m_hasShape = isPresent(m_connection, xcb_shape_id);
+    m_hasDpms = isPresent(m_connection, xcb_dpms_id);
+    m_hasScreenSaver = isPresent(m_connection, xcb_screensaver_id);
     // A server adapts to the version that it is asked for, so each has to be asked.
     if (isPresent(m_connection, xcb_shm_id)) {
         const auto version =

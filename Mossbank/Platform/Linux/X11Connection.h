@@ -84,6 +84,8 @@ public:
     bool hasRes() const { return m_hasRes; }
     bool hasShape() const { return m_hasShape; }
     bool hasDamage() const { return m_hasDamage; }
+    bool hasDpms() const { return m_hasDpms; }
+    bool hasScreenSaver() const { return m_hasScreenSaver; }
 
     /// Which of the server's clients made `resource`. 0 is the server itself.
     quint32 clientOf(quint32 resource) const;
@@ -134,6 +136,8 @@ private:
     bool m_hasRes = false;
     bool m_hasShape = false;
     bool m_hasDamage = false;
+    bool m_hasDpms = false;
+    bool m_hasScreenSaver = false;
 };
 
 /// Holds every other program's requests back while it lives, so that all that is asked meanwhile

@@ -13,35 +13,31 @@ namespace {
 /// Half of a second that is waited in vain is noticed; a server that is merely busy is faster.
 constexpr int kPatience = 500;
 
-bool has(xcb_connection_t* connection, xcb_extension_t& extension)
-{
-    const xcb_query_extension_reply_t* const data = xcb_get_extension_data(connection, &extension);
-    return data && data->present;
-}
-
 } // namespace
 
 X11DisplayPower::X11DisplayPower() = default;
 
 X11DisplayPower::~X11DisplayPower() = default;
 
-bool X11DisplayPower::isAsleep()
+std::optional<bool> X11DisplayPower::isAsleep()
 {
     try {
         if (!m_connection || m_connection->isBroken())
             m_connection = std::make_unique<X11Connection>(kPatience);
     } catch (const Failure&) {
-        // Without a server there is no picture either.
         m_connection.reset();
-        return false;
+        return std::nullopt;
     }
     m_connection->forgetSilence();
-    return isOff() || isBlanked();
+    const bool isAsleep = isOff() || isBlanked();
+    if (m_connection->isSilent() || m_connection->isBroken())
+        return std::nullopt;
+    return isAsleep;
 }
 
 bool X11DisplayPower::isOff() const
 {
-    if (!has(*m_connection, xcb_dpms_id))
+    if (!m_connection->hasDpms())
         return false;
     const auto power = m_connection->reply<xcb_dpms_info_reply_t>(xcb_dpms_info(*m_connection));
     return power && power->state && power->power_level != XCB_DPMS_DPMS_MODE_ON;
@@ -49,7 +45,7 @@ bool X11DisplayPower::isOff() const
 
 bool X11DisplayPower::isBlanked() const
 {
-    if (!has(*m_connection, xcb_screensaver_id))
+    if (!m_connection->hasScreenSaver())
         return false;
     const auto saver = m_connection->reply<xcb_screensaver_query_info_reply_t>(
         xcb_screensaver_query_info(*m_connection, m_connection->root()));

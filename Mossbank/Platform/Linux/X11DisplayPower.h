@@ -4,6 +4,7 @@
 #include "Mossbank/Platform/Linux/X11Connection.h"
 
 #include <memory>
+#include <optional>
 
 namespace mossbank {
 
@@ -16,8 +17,8 @@ public:
     ~X11DisplayPower();
     Q_DISABLE_COPY_MOVE(X11DisplayPower)
 
-    /// False where nothing says so.
-    bool isAsleep();
+    /// False where nothing says so. Absent when the server does not answer.
+    std::optional<bool> isAsleep();
 
 private:
     bool isOff() const;

@@ -2,8 +2,10 @@
 #include "Mossbank/Platform/Linux/X11Opening.h"
 
 #include <xcb/damage.h>
+#include <xcb/dpms.h>
 #include <xcb/randr.h>
 #include <xcb/res.h>
+#include <xcb/screensaver.h>
 #include <xcb/shape.h>
 #include <xcb/shm.h>
 #include <xcb/xfixes.h>
@@ -33,8 +35,9 @@ X11Opened open(const QByteArray& name)
     opened.connection = xcb_connect(name.constData(), &opened.screenNumber);
     if (xcb_connection_has_error(opened.connection))
         return opened;
-    const auto extensions = {&xcb_shm_id,   &xcb_randr_id,  &xcb_res_id,
-                             &xcb_shape_id, &xcb_damage_id, &xcb_xfixes_id};
+    // Asked for later on, each would be waited for without a limit.
+    const auto extensions = {&xcb_shm_id,    &xcb_randr_id,  &xcb_res_id,  &xcb_shape_id,
+                             &xcb_damage_id, &xcb_xfixes_id, &xcb_dpms_id, &xcb_screensaver_id};
     for (xcb_extension_t* extension : extensions)
         xcb_prefetch_extension_data(opened.connection, extension);
     for (xcb_extension_t* extension : extensions)
