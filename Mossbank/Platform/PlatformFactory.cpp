@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/PlatformFactory.h"
 
+#include "Mossbank/Platform/Linux/AccessibilityBus.h"
+#include "Mossbank/Platform/Linux/AtspiAddressSource.h"
+#include "Mossbank/Platform/Linux/AtspiSecureInput.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/SessionWatch.h"
 #include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
@@ -22,6 +25,24 @@ namespace mossbank {
 
 namespace {
 
+/// How long the start waits to learn what this desktop cannot tell, so that it can be said. A
+/// desktop where all is well answers in some hundredths of a second.
+constexpr int kPatience = 1000;
+
+void addAccessibility(Platform& platform, const std::shared_ptr<ApplicationCatalog>& catalog)
+{
+    const auto accessibility = std::make_shared<Accessibility>(catalog);
+    accessibility->waitUntilKnown(kPatience);
+    // The prompts that are known by the class of their window are known without any bus.
+    platform.secureInput = std::make_unique<AtspiSecureInput>(accessibility);
+    if (sessionBusAddress().isEmpty()) {
+        platform.addresses = std::make_unique<NullAddressSource>(
+            u"There is no session bus, so browsers cannot be asked for the address of a page."_s);
+    } else {
+        platform.addresses = std::make_unique<AtspiAddressSource>(accessibility);
+    }
+}
+
 void addX11(Platform& platform, const OwnProgram& own)
 {
     if (isWithinWayland(X11Connection())) {
@@ -33,6 +54,7 @@ void addX11(Platform& platform, const OwnProgram& own)
     auto front = std::make_unique<X11FrontApplication>(catalog, own);
     platform.screen = std::move(screen);
     platform.frontApplication = std::move(front);
+    addAccessibility(platform, catalog);
 }
 
 } // namespace
@@ -46,14 +68,12 @@ Platform makePlatform(const QString& ownBundleID)
     } catch (const Failure& failure) {
         platform.screen = std::make_unique<NullScreen>(failure.message());
         platform.frontApplication = std::make_unique<NullFrontApplication>(failure.message());
+        platform.secureInput = std::make_unique<NullSecureInput>(failure.message());
+        platform.addresses = std::make_unique<NullAddressSource>(failure.message());
     }
     const auto session = std::make_shared<SessionWatch>();
     platform.screenState = std::make_unique<LinuxScreenState>(session);
     platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
-    platform.secureInput = std::make_unique<NullSecureInput>(
-        u"This version cannot tell on Linux when a password is typed."_s);
-    platform.addresses = std::make_unique<NullAddressSource>(
-        u"This version cannot ask browsers on Linux for the address of a page."_s);
     platform.applicationChooser = std::make_unique<NullApplicationChooser>(
         u"This version has no window to choose an application in."_s);
     platform.recognizer = makeTextRecognizer();

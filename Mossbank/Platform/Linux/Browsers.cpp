@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Linux/Browsers.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace mossbank {
+
+namespace {
+
+using Kin = Browser::Kin;
+
+const QHash<QString, Browser>& browsers()
+{
+    static const Browser kFirefox = {Kin::Firefox, {u"Mozilla Firefox"_s, u"Firefox"_s}};
+    static const Browser kChromium = {Kin::Chromium, {u"Chromium"_s}};
+    static const Browser kChrome = {Kin::Chromium, {u"Google Chrome"_s}};
+    static const Browser kBrave = {Kin::Chromium, {u"Brave"_s}};
+    static const Browser kEdge = {Kin::Chromium, {u"Microsoft Edge"_s}};
+    static const Browser kVivaldi = {Kin::Chromium, {u"Vivaldi"_s}};
+    static const Browser kOpera = {Kin::Chromium, {u"Opera"_s}};
+    static const Browser kWeb = {Kin::WebKit, {}};
+    static const QHash<QString, Browser> kBrowsers = {
+        {u"firefox-esr"_s, kFirefox},
+        {u"firefox"_s, kFirefox},
+        {u"org.mozilla.firefox"_s, kFirefox},
+        {u"chromium"_s, kChromium},
+        {u"org.chromium.Chromium"_s, kChromium},
+        {u"google-chrome"_s, kChrome},
+        {u"com.google.Chrome"_s, kChrome},
+        {u"brave-browser"_s, kBrave},
+        {u"com.brave.Browser"_s, kBrave},
+        {u"microsoft-edge"_s, kEdge},
+        {u"com.microsoft.Edge"_s, kEdge},
+        {u"vivaldi-stable"_s, kVivaldi},
+        {u"com.vivaldi.Vivaldi"_s, kVivaldi},
+        {u"opera"_s, kOpera},
+        {u"com.opera.Opera"_s, kOpera},
+        {u"org.gnome.Epiphany"_s, kWeb},
+    };
+    return kBrowsers;
+}
+
+/// Edge writes its name with a mark between the words that nobody sees.
+QString plain(QString title)
+{
+    return title.remove(QChar(0x200b)).remove(QChar(0x200e)).remove(QChar(0x200f));
+}
+
+} // namespace
+
+std::optional<Browser> browserOf(const QString& bundleID)
+{
+    const auto found = browsers().constFind(bundleID);
+    return found == browsers().constEnd() ? std::nullopt : std::optional(*found);
+}
+
+QString addressKey(const Browser& browser)
+{
+    return browser.kin == Kin::Chromium ? u"URI"_s : u"DocURL"_s;
+}
+
+bool hasOrdinaryTitle(const Browser& browser, const QString& title)
+{
+    if (browser.kin == Kin::WebKit)
+        return true;
+    const QString bare = plain(title);
+    const QString dash = browser.kin == Kin::Firefox ? u" — "_s : u" - "_s;
+    return std::ranges::any_of(browser.brands, [&](const QString& brand) {
+        const bool isOne = bare == brand || bare.endsWith(dash + brand);
+        // "[InPrivate] - Microsoft Edge" is how one of them says it.
+        return isOne && !bare.endsWith(u']' + dash + brand);
+    });
+}
+
+bool mayBePrivate(const QList<AccessibleWindow>& windows, const QString& title)
+{
+    // Of two windows with the same title the private one may be the one in front.
+    return title.isEmpty() || std::ranges::any_of(windows, [&](const AccessibleWindow& window) {
+               return window.name != title && window.name.startsWith(title);
+           });
+}
+
+std::optional<AccessibleWindow>
+ordinaryWindow(const Browser& browser, const QList<AccessibleWindow>& windows, const QString& title)
+{
+    if (!hasOrdinaryTitle(browser, title) || mayBePrivate(windows, title))
+        return {};
+    QList<AccessibleWindow> same;
+    for (const AccessibleWindow& window : windows) {
+        if (window.name == title)
+            same.append(window);
+    }
+    const auto isActive = [](const AccessibleWindow& window) {
+        return window.isActive;
+    };
+    if (same.size() == 1)
+        return same.constFirst();
+    if (std::ranges::count_if(same, isActive) == 1)
+        return *std::ranges::find_if(same, isActive);
+    return {};
+}
+
+bool isStartedPrivate(const Browser& browser, const QByteArray& command)
+{
+    // The others open private windows beside ordinary ones. This one runs a second time for them.
+    if (browser.kin != Kin::WebKit)
+        return false;
+    const QByteArrayList words = command.split('\0');
+    return command.isEmpty() || words.contains("--incognito-mode") || words.contains("-i") ||
+           words.contains("--private-instance") || words.contains("-p") ||
+           words.contains("--automation-mode");
+}
+
+} // namespace mossbank

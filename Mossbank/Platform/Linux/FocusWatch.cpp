@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Linux/FocusWatch.h"
+
+#include "Mossbank/Platform/Linux/AccessibilityBus.h"
+#include "Mossbank/Platform/Linux/SecretPrompts.h"
+#include "Mossbank/Platform/Linux/WindowSearch.h"
+
+#include <algorithm>
+
+namespace mossbank {
+
+namespace {
+
+using Place = SecretTyping::Place;
+
+constexpr int kBetweenChecks = 250;
+/// Where nothing has the focus all of a window may have to be searched.
+constexpr int kBetweenLooks = 2000;
+constexpr int kFirstAttempt = 150;
+constexpr int kMostAttempts = 5;
+/// Within a second.
+constexpr int kAttemptsToWake = 3;
+
+} // namespace
+
+FocusWatch::FocusWatch(AccessibilityBus& bus, AccessiblePrograms& programs, X11ActiveWindow& window,
+                       SecretTyping& typing)
+    : m_bus(bus)
+    , m_programs(programs)
+    , m_window(window)
+    , m_typing(typing)
+{
+    m_again.setSingleShot(true);
+    connect(&m_again, &QTimer::timeout, this, [this] { look(); });
+    connect(&window, &X11ActiveWindow::changed, this, &FocusWatch::followWindow);
+    connect(&window, &X11ActiveWindow::overlaysChanged, this, &FocusWatch::followOverlays);
+    connect(&bus, &AccessibilityBus::focusChanged, this, &FocusWatch::followFocus);
+    connect(&bus, &AccessibilityBus::opened, this, [this] {
+        m_programs.forget();
+        m_met.clear();
+        m_active.reset();
+        followWindow();
+    });
+    connect(&bus, &AccessibilityBus::closed, this, [this] {
+        m_active.reset();
+        followWindow();
+    });
+    connect(&bus, &AccessibilityBus::programsChanged, this, [this] {
+        if (!m_focused)
+            look();
+    });
+    followWindow();
+    followOverlays();
+}
+
+void FocusWatch::followWindow()
+{
+    const auto before = std::exchange(m_active, m_window.read());
+    if (!m_active) {
+        ++m_turn;
+        m_typing.setPlace(Place::Unknown);
+        return;
+    }
+    m_typing.setPrompt(isSecretPrompt(m_active->owner.windowClass));
+    if (before && before->id == m_active->id && before->owner == m_active->owner)
+        return;
+    ++m_turn;
+    m_attempts = 0;
+    m_focused.reset();
+    m_services.clear();
+    m_isNew = false;
+    // While the bus is only being looked for, nothing is known of any window.
+    const bool canBeAsked = m_bus.isOpen() || !m_bus.hasLooked();
+    if (!canBeAsked || !m_active->owner.process) {
+        m_typing.setPlace(Place::Ordinary);
+        return;
+    }
+    m_typing.askAnew();
+    look();
+}
+
+void FocusWatch::followOverlays()
+{
+    m_typing.setCovered(std::ranges::any_of(m_window.overlays(), isSecretPrompt));
+}
+
+void FocusWatch::followFocus(const QString& service, const QString& path, bool isGained)
+{
+    if (!m_active || !m_active->owner.process)
+        return;
+    if (m_services.contains(service))
+        takeEvent({service, path}, isGained);
+    else if (isGained)
+        followStranger({service, path}, isGained);
+}
+
+/// A program that came to the bus after its window came to the front, or one that is not in front.
+QCoro::Task<> FocusWatch::followStranger(Accessible object, bool isGained)
+{
+    const xcb_window_t window = m_active->id;
+    const auto isIts = co_await m_programs.isOf(object.service, *m_active->owner.process);
+    if (!isIts.value_or(false) || !m_active || m_active->id != window)
+        co_return;
+    if (!m_services.contains(object.service))
+        m_services.append(object.service);
+    takeEvent(object, isGained);
+}
+
+void FocusWatch::takeEvent(const Accessible& object, bool isGained)
+{
+    if (isGained) {
+        ++m_turn;
+        m_focused.reset();
+        m_typing.setPlace(Place::Asked);
+        takeFocused(object);
+    } else if (object == m_focused) {
+        m_typing.setPlace(Place::Asked);
+        look();
+    }
+}
+
+QCoro::Task<> FocusWatch::takeFocused(Accessible object)
+{
+    const int turn = m_turn;
+    const auto role = co_await askRole(m_bus, object);
+    if (turn != m_turn)
+        co_return;
+    if (!role) {
+        lookAgainSoon();
+        co_return;
+    }
+    take({object, *role == static_cast<quint32>(AccessibleRole::PasswordText)});
+}
+
+void FocusWatch::take(const Found& found)
+{
+    m_attempts = 0;
+    m_focused = found.object;
+    m_typing.setPlace(found.isPassword ? Place::PasswordField : Place::Ordinary);
+}
+
+void FocusWatch::check()
+{
+    if (!m_active || !m_bus.isOpen() ||
+        (m_sinceCheck.isValid() && !m_sinceCheck.hasExpired(kBetweenChecks)))
+        return;
+    m_sinceCheck.start();
+    if (m_focused)
+        checkFocused();
+    else if (!m_sinceLook.isValid() || m_sinceLook.hasExpired(kBetweenLooks))
+        look();
+}
+
+QCoro::Task<> FocusWatch::checkFocused()
+{
+    const int turn = m_turn;
+    const Accessible object = *m_focused;
+    const auto states = co_await askStates(m_bus, object);
+    const auto role = co_await askRole(m_bus, object);
+    if (turn != m_turn)
+        co_return;
+    if (states && role && states->has(AccessibleState::Focused))
+        take({object, *role == static_cast<quint32>(AccessibleRole::PasswordText)});
+    else
+        look();
+}
+
+/// Looks for what has the focus in the active window. What was known before stands until there is
+/// an answer: a program that has stopped has its field on the screen still.
+QCoro::Task<> FocusWatch::look()
+{
+    if (!m_active || !m_active->owner.process || !m_bus.isOpen())
+        co_return;
+    const int turn = ++m_turn;
+    m_sinceLook.start();
+    // Its title has changed since it came to the front.
+    const auto now = m_window.read();
+    if (now && now->id == m_active->id)
+        m_active->title = now->title;
+    const auto found = co_await find(*m_active->owner.process, m_active->title);
+    if (turn != m_turn)
+        co_return;
+    if (!found) {
+        lookAgainSoon();
+        co_return;
+    }
+    // A program may come to the bus later than to the screen, and a browser shows what is in its
+    // windows only some time after it was asked first.
+    if (!found->object) {
+        lookAgainSoon();
+        if (m_isNew && m_attempts <= kAttemptsToWake)
+            co_return;
+    }
+    m_focused = found->object;
+    m_typing.setPlace(found->isPassword ? Place::PasswordField : Place::Ordinary);
+}
+
+Asked<FocusWatch::Found> FocusWatch::find(qint64 process, QString title)
+{
+    const auto roots = co_await m_programs.rootsOf(process);
+    if (!roots)
+        co_return std::nullopt;
+    Found found;
+    QStringList services;
+    for (const Accessible& root : *roots) {
+        services.append(root.service);
+        m_isNew |= !m_met.contains(root.service);
+        const auto windows = co_await askWindows(m_bus, root);
+        if (!windows)
+            co_return std::nullopt;
+        for (const AccessibleWindow& window : windowsInFront(*windows, title)) {
+            // Chromium and its kin begin to look into their pages only when somebody asks for more
+            // than names and states.
+            co_await askAttributes(m_bus, window.object);
+            const auto inside = co_await findIn(window.object);
+            if (!inside)
+                co_return std::nullopt;
+            if (inside->object && !found.isPassword)
+                found = *inside;
+        }
+    }
+    if (m_active && m_active->owner.process == process)
+        m_services = services;
+    for (const QString& service : std::as_const(services))
+        m_met.insert(service);
+    co_return found;
+}
+
+Asked<FocusWatch::Found> FocusWatch::findIn(Accessible window)
+{
+    const auto objects = co_await searchWindow(m_bus, window, AccessibleState::Focused);
+    if (!objects)
+        co_return std::nullopt;
+    Found found;
+    for (const Accessible& object : *objects) {
+        const auto role = co_await askRole(m_bus, object);
+        if (!role)
+            co_return std::nullopt;
+        const bool isPassword = *role == static_cast<quint32>(AccessibleRole::PasswordText);
+        if (!found.object || isPassword)
+            found = {object, isPassword};
+    }
+    co_return found;
+}
+
+void FocusWatch::lookAgainSoon()
+{
+    if (m_attempts >= kMostAttempts)
+        return;
+    m_again.start(kFirstAttempt << m_attempts);
+    ++m_attempts;
+}
+
+} // namespace mossbank

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/Linux/X11ActiveWindow.h"
+
+#include "Mossbank/Platform/Linux/X11Properties.h"
+#include "MossbankCore/Support/Failure.h"
+
+#include <QSocketNotifier>
+
+namespace mossbank {
+
+namespace {
+
+/// A server that is merely busy, or held by a window being dragged, is faster.
+constexpr int kPatience = 500;
+constexpr int kBetweenAttempts = 1000;
+
+} // namespace
+
+X11ActiveWindow::X11ActiveWindow()
+{
+    m_again.setInterval(kBetweenAttempts);
+    connect(&m_again, &QTimer::timeout, this, &X11ActiveWindow::connectToServer);
+    connectToServer();
+}
+
+X11ActiveWindow::~X11ActiveWindow() = default;
+
+void X11ActiveWindow::connectToServer()
+{
+    try {
+        m_connection = std::make_unique<X11Connection>(kPatience);
+    } catch (const Failure&) {
+        m_again.start();
+        return;
+    }
+    m_again.stop();
+    const xcb_window_t root = m_connection->root();
+    const quint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(*m_connection, root, XCB_CW_EVENT_MASK, &events);
+    xcb_flush(*m_connection);
+    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(*m_connection),
+                                                   QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11ActiveWindow::readEvents);
+    Q_EMIT changed();
+    Q_EMIT overlaysChanged();
+}
+
+void X11ActiveWindow::loseServer()
+{
+    m_notifier.reset();
+    m_connection.reset();
+    m_again.start();
+    Q_EMIT changed();
+}
+
+std::optional<ActiveWindow> X11ActiveWindow::read()
+{
+    if (!m_connection)
+        return {};
+    const X11Connection& connection = *m_connection;
+    connection.forgetSilence();
+    const auto asked = connection.askProperty(connection.root(), connection[Atom::NetActiveWindow],
+                                              sizeof(quint32));
+    ActiveWindow window;
+    // Some window managers have a second item there, which is not the window.
+    window.id = readNumber(connection.property(asked).get()).value_or(XCB_NONE);
+    if (window.id != XCB_NONE) {
+        const auto title =
+            connection.askProperty(window.id, connection[Atom::NetWmName], kMaxTitleBytes);
+        window.owner = readOwner(connection, window.id);
+        window.title = readText(connection, connection.property(title).get());
+    }
+    // An event that came in with the answers wakes no notifier any more.
+    QTimer::singleShot(0, this, &X11ActiveWindow::readEvents);
+    if (connection.isSilent() || connection.isBroken())
+        return {};
+    return window;
+}
+
+QList<WindowClass> X11ActiveWindow::overlays()
+{
+    QList<WindowClass> classes;
+    if (!m_connection)
+        return classes;
+    const X11Connection& connection = *m_connection;
+    connection.forgetSilence();
+    const auto tree =
+        connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection, connection.root()));
+    if (!tree)
+        return classes;
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    const std::vector<xcb_window_t> windows(first,
+                                            first + xcb_query_tree_children_length(tree.get()));
+    std::vector<xcb_get_window_attributes_cookie_t> attributes;
+    std::vector<xcb_get_property_cookie_t> named;
+    for (const xcb_window_t window : windows) {
+        attributes.push_back(xcb_get_window_attributes(connection, window));
+        named.push_back(connection.askProperty(window, XCB_ATOM_WM_CLASS, kMaxClassBytes));
+    }
+    for (std::size_t index = 0; index < windows.size(); ++index) {
+        const auto how = connection.reply<xcb_get_window_attributes_reply_t>(attributes.at(index));
+        const auto name = connection.property(named.at(index));
+        if (how && how->override_redirect && how->map_state == XCB_MAP_STATE_VIEWABLE)
+            classes.append(readClass(name.get()));
+    }
+    QTimer::singleShot(0, this, &X11ActiveWindow::readEvents);
+    return classes;
+}
+
+void X11ActiveWindow::readEvents()
+{
+    if (!m_connection)
+        return;
+    bool isOther = false;
+    bool hasOverlays = false;
+    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(*m_connection)}) {
+        constexpr quint8 kSentByProgram = 0x80;
+        switch (event->response_type & ~kSentByProgram) {
+        case XCB_PROPERTY_NOTIFY:
+            isOther |= reinterpret_cast<const xcb_property_notify_event_t*>(event.get())->atom ==
+                       (*m_connection)[Atom::NetActiveWindow];
+            break;
+        case XCB_MAP_NOTIFY:
+            hasOverlays |=
+                reinterpret_cast<const xcb_map_notify_event_t*>(event.get())->override_redirect;
+            break;
+        case XCB_UNMAP_NOTIFY:
+        case XCB_DESTROY_NOTIFY:
+            hasOverlays = true;
+            break;
+        default:
+            break;
+        }
+    }
+    if (m_connection->isBroken()) {
+        loseServer();
+        return;
+    }
+    if (isOther)
+        Q_EMIT changed();
+    if (hasOverlays)
+        Q_EMIT overlaysChanged();
+}
+
+} // namespace mossbank
