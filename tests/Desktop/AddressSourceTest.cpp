@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The address of the page that a real browser shows.
+#include "Mossbank/Platform/Linux/AtspiAddressSource.h"
+#include "tests/Desktop/AccessibleDesktop.h"
+#include "tests/Desktop/PageServer.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace mossbank;
+using namespace mossbank::test;
+
+namespace {
+
+constexpr int kPatience = 20'000;
+constexpr int kLongestAnswer = 2200;
+const QString kChromium = u"chromium"_s;
+const QString kFirefox = u"firefox-esr"_s;
+
+} // namespace
+
+class AddressSourceTest final : public QObject {
+    Q_OBJECT
+
+public:
+    static void initMain() { useTestApplications(); }
+
+private Q_SLOTS:
+    void init() { set({}); }
+    void cleanup();
+    void thePageInFrontHasAnAddress_data() { browsers(); }
+    void thePageInFrontHasAnAddress();
+    void aBrowserBehindAnotherWindowIsNotAnswered();
+    void aPrivateWindowHasNone_data();
+    void aPrivateWindowHasNone();
+    void aPrivateWindowBesideAnOrdinaryOneOfTheSamePageHasNone();
+    void aBrowserThatStoppedIsNotWaitedForLong_data() { browsers(); }
+    void aBrowserThatStoppedIsNotWaitedForLong();
+    void switchedOffItHasNoneUntilItIsSwitchedOn();
+    void theBusMayGoAndComeBack();
+    void withoutItsBusItSaysWhy_data();
+    void withoutItsBusItSaysWhy();
+    void whatIsAskedAtItsEndIsAnswered();
+
+private:
+    static void browsers();
+    void set(const AccessibleDesktop::Options& options);
+    void begin();
+    bool open(const QString& browser, const QStringList& arguments);
+    bool isInFront(const QString& browser, const QString& page, const QString& more = {});
+    AddressAnswer ask(const QString& browser);
+    bool becomes(const QString& browser, const QString& address);
+
+    PageServer m_server;
+    std::unique_ptr<AccessibleDesktop> m_desktop;
+    std::unique_ptr<AddressSource> m_source;
+    qint64 m_process = 0;
+    qint64 m_milliseconds = 0;
+};
+
+void AddressSourceTest::browsers()
+{
+    QTest::addColumn<QString>("browser");
+    QTest::newRow("Chromium") << kChromium;
+    QTest::newRow("Firefox") << kFirefox;
+}
+
+void AddressSourceTest::set(const AccessibleDesktop::Options& options)
+{
+    m_desktop.reset();
+    m_desktop = std::make_unique<AccessibleDesktop>(options);
+    QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
+    QVERIFY(m_server.isListening());
+}
+
+void AddressSourceTest::cleanup()
+{
+    m_source.reset();
+    const QStringList left = m_desktop->end();
+    m_desktop.reset();
+    QVERIFY2(left.isEmpty(), qPrintable(left.join(u'\n')));
+}
+
+void AddressSourceTest::begin()
+{
+    const auto accessibility =
+        std::make_shared<Accessibility>(std::make_shared<ApplicationCatalog>());
+    QVERIFY(accessibility->waitUntilKnown(kPatience));
+    m_source = std::make_unique<AtspiAddressSource>(accessibility);
+}
+
+bool AddressSourceTest::open(const QString& browser, const QStringList& arguments)
+{
+    m_process = browser == kChromium ? m_desktop->startChromium(arguments)
+                                     : m_desktop->startFirefox(arguments);
+    return m_process != 0;
+}
+
+bool AddressSourceTest::isInFront(const QString& browser, const QString& page, const QString& more)
+{
+    return m_desktop->bringToFront(
+        page + (browser == kChromium ? u" - Chromium"_s : u" — Mozilla Firefox"_s) + more);
+}
+
+AddressAnswer AddressSourceTest::ask(const QString& browser)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QFuture<AddressAnswer> future = m_source->ask(browser);
+    if (timer.elapsed() > 20 || !QTest::qWaitFor([&] { return future.isFinished(); }, kPatience))
+        return {AddressAnswer::Kind::Refused, u"it was waited for"_s};
+    m_milliseconds = timer.elapsed();
+    return future.result();
+}
+
+bool AddressSourceTest::becomes(const QString& browser, const QString& address)
+{
+    return QTest::qWaitFor([&] { return ask(browser) == AddressAnswer::answered(address); },
+                           kPatience);
+}
+
+void AddressSourceTest::thePageInFrontHasAnAddress()
+{
+    QFETCH(QString, browser);
+    begin();
+    const QString first = m_server.address(u"Kingfisher/one?a=b%20c&d#part"_s);
+    const QString second = m_server.address(u"Heron/two"_s);
+    QVERIFY2(open(browser, {first, second}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(browser, u"Kingfisher"_s));
+    QVERIFY(becomes(browser, first));
+    QTest::qWait(1000);
+    for (int time = 0; time < 5; ++time) {
+        QCOMPARE(ask(browser), AddressAnswer::answered(first));
+        qInfo("%lld milliseconds", static_cast<long long>(m_milliseconds));
+    }
+    QVERIFY(m_desktop->press({u"ctrl+Tab"_s}));
+    QVERIFY(isInFront(browser, u"Heron"_s));
+    QVERIFY(becomes(browser, second));
+}
+
+void AddressSourceTest::aBrowserBehindAnotherWindowIsNotAnswered()
+{
+    begin();
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(becomes(kChromium, address));
+    // Not the one that was asked, also not where they are of one kind.
+    QCOMPARE(ask(kFirefox), AddressAnswer::failed());
+    QCOMPARE(ask(u"org.chromium.Chromium"_s), AddressAnswer::failed());
+    WindowProgram other;
+    QVERIFY(other.open({.frame = {600, 500, 300, 200},
+                        .colour = kGreen,
+                        .windowClass = u"Alpha"_s,
+                        .title = u"The other"_s}));
+    QVERIFY(m_desktop->bringToFront(u"The other"_s));
+    QVERIFY(QTest::qWaitFor([&] { return ask(kChromium) == AddressAnswer::failed(); }, kPatience));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(becomes(kChromium, address));
+}
+
+void AddressSourceTest::aPrivateWindowHasNone_data()
+{
+    QTest::addColumn<QString>("browser");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("more");
+    QTest::newRow("Chromium incognito") << kChromium << u"--incognito"_s << QString();
+    QTest::newRow("Chromium guest") << kChromium << u"--guest"_s << QString();
+    QTest::newRow("Firefox") << kFirefox << u"--private-window"_s << u" Private Browsing"_s;
+}
+
+void AddressSourceTest::aPrivateWindowHasNone()
+{
+    QFETCH(QString, browser);
+    QFETCH(QString, option);
+    QFETCH(QString, more);
+    begin();
+    QVERIFY2(open(browser, {option, m_server.address(u"Kingfisher"_s)}),
+             qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(browser, u"Kingfisher"_s, more));
+    QElapsedTimer timer;
+    timer.start();
+    while (!timer.hasExpired(6000)) {
+        QCOMPARE(ask(browser), AddressAnswer::failed());
+        QVERIFY(m_milliseconds <= kLongestAnswer);
+    }
+}
+
+void AddressSourceTest::aPrivateWindowBesideAnOrdinaryOneOfTheSamePageHasNone()
+{
+    begin();
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(becomes(kChromium, address));
+    QVERIFY(open(kChromium, {u"--incognito"_s, address}));
+    QVERIFY(QTest::qWaitFor([&] { return ask(kChromium) == AddressAnswer::failed(); }, kPatience));
+    QElapsedTimer timer;
+    timer.start();
+    while (!timer.hasExpired(4000))
+        QCOMPARE(ask(kChromium), AddressAnswer::failed());
+    QVERIFY(m_desktop->press({u"ctrl+w"_s}));
+    QVERIFY(becomes(kChromium, address));
+}
+
+void AddressSourceTest::aBrowserThatStoppedIsNotWaitedForLong()
+{
+    QFETCH(QString, browser);
+    begin();
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(browser, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(browser, u"Kingfisher"_s));
+    QVERIFY(becomes(browser, address));
+    ::kill(static_cast<pid_t>(m_process), SIGSTOP);
+    for (int time = 0; time < 3; ++time) {
+        QCOMPARE(ask(browser), AddressAnswer::failed());
+        qInfo("%lld milliseconds", static_cast<long long>(m_milliseconds));
+        QVERIFY(m_milliseconds <= kLongestAnswer);
+    }
+    ::kill(static_cast<pid_t>(m_process), SIGCONT);
+    QVERIFY(becomes(browser, address));
+}
+
+void AddressSourceTest::switchedOffItHasNoneUntilItIsSwitchedOn()
+{
+    set({.isSwitchedOn = false});
+    begin();
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(kFirefox, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(kFirefox, u"Kingfisher"_s));
+    QVERIFY2(m_source->availability().reason.contains(u"switched off"_s),
+             qPrintable(m_source->availability().reason));
+    QVERIFY(!m_desktop->isTelling());
+    QCOMPARE(ask(kFirefox), AddressAnswer::failed());
+
+    const QString words = m_source->switchOn();
+    QVERIFY2(words.contains(u"close those that are open"_s), qPrintable(words));
+    QVERIFY(QTest::qWaitFor([&] { return m_desktop->isTelling(); }, kPatience));
+    QVERIFY(QTest::qWaitFor([&] { return m_source->availability().isAvailable; }, kPatience));
+    QVERIFY(becomes(kFirefox, address));
+    QVERIFY2(m_source->switchOn().isEmpty(), "there is nothing to be told");
+}
+
+void AddressSourceTest::theBusMayGoAndComeBack()
+{
+    begin();
+    QVERIFY(m_source->availability().isAvailable);
+    m_source->switchOn();
+    QVERIFY(m_desktop->killAccessibilityBus());
+    QVERIFY(QTest::qWaitFor([&] { return !m_source->availability().isAvailable; }, kPatience));
+    QCOMPARE(ask(kChromium), AddressAnswer::failed());
+    // What the user chose holds for the new one.
+    QVERIFY(QTest::qWaitFor([&] { return m_source->availability().isAvailable; }, kPatience));
+    QVERIFY(m_desktop->isTelling());
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(becomes(kChromium, address));
+}
+
+void AddressSourceTest::withoutItsBusItSaysWhy_data()
+{
+    QTest::addColumn<bool>("hasSession");
+    QTest::addColumn<QString>("word");
+    QTest::newRow("no session bus") << false << u"There is no session bus"_s;
+    QTest::newRow("no accessibility bus") << true << u"at-spi2-core"_s;
+}
+
+void AddressSourceTest::withoutItsBusItSaysWhy()
+{
+    QFETCH(bool, hasSession);
+    QFETCH(QString, word);
+    set({.hasSession = hasSession, .hasAccessibility = false, .isSwitchedOn = false});
+    begin();
+    QVERIFY2(m_source->availability().reason.contains(word),
+             qPrintable(m_source->availability().reason));
+    QVERIFY(m_source->canAsk(kChromium));
+    QCOMPARE(ask(kChromium), AddressAnswer::failed());
+    QVERIFY(m_milliseconds < 500);
+    QVERIFY2(m_source->switchOn().contains(word), qPrintable(m_source->switchOn()));
+}
+
+void AddressSourceTest::whatIsAskedAtItsEndIsAnswered()
+{
+    begin();
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(becomes(kChromium, address));
+    ::kill(static_cast<pid_t>(m_process), SIGSTOP);
+    const QFuture<AddressAnswer> future = m_source->ask(kChromium);
+    QVERIFY(!future.isFinished());
+    m_source.reset();
+    QVERIFY(future.isFinished());
+    QCOMPARE(future.result(), AddressAnswer::failed());
+}
+
+QTEST_GUILESS_MAIN(AddressSourceTest)
+#include "AddressSourceTest.moc"
