@@ -236,14 +236,15 @@ void AccessibilityRulesTest::processesOfOneSandboxAreOfOneProgram()
 
 void AccessibilityRulesTest::whatIsAskedCountsAsSecretForAShortWhile()
 {
-    SecretTyping typing(50);
+    constexpr int kLimit = 1000;
+    SecretTyping typing(kLimit);
     QVERIFY(!typing.isSecret());
     typing.setPlace(Place::Asked);
     QVERIFY(typing.isSecret());
-    QTest::qSleep(30);
+    QTest::qSleep(kLimit / 4);
     typing.setPlace(Place::Asked);
     QVERIFY(typing.isSecret());
-    QTest::qSleep(30);
+    QTest::qSleep(kLimit * 4 / 5);
     QVERIFY2(!typing.isSecret(), "asking again does not make it longer");
     typing.setPlace(Place::PasswordField);
     QVERIFY(typing.isSecret());

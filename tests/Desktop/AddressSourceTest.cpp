@@ -111,8 +111,8 @@ AddressAnswer AddressSourceTest::ask(const QString& browser)
     QElapsedTimer timer;
     timer.start();
     const QFuture<AddressAnswer> future = m_source->ask(browser);
-    if (timer.elapsed() > 20 || !QTest::qWaitFor([&] { return future.isFinished(); }, kPatience))
-        return {AddressAnswer::Kind::Refused, u"it was waited for"_s};
+    if (!QTest::qWaitFor([&] { return future.isFinished(); }, kPatience))
+        return {AddressAnswer::Kind::Refused, u"there was no answer"_s};
     m_milliseconds = timer.elapsed();
     return future.result();
 }
@@ -132,9 +132,8 @@ void AddressSourceTest::thePageInFrontHasAnAddress()
     QVERIFY2(open(browser, {first, second}), qPrintable(m_desktop->problem()));
     QVERIFY(isInFront(browser, u"Kingfisher"_s));
     QVERIFY(becomes(browser, first));
-    QTest::qWait(1000);
     for (int time = 0; time < 5; ++time) {
-        QCOMPARE(ask(browser), AddressAnswer::answered(first));
+        QVERIFY(becomes(browser, first));
         qInfo("%lld milliseconds", static_cast<long long>(m_milliseconds));
     }
     QVERIFY(m_desktop->press({u"ctrl+Tab"_s}));
@@ -184,10 +183,8 @@ void AddressSourceTest::aPrivateWindowHasNone()
     QVERIFY(isInFront(browser, u"Kingfisher"_s, more));
     QElapsedTimer timer;
     timer.start();
-    while (!timer.hasExpired(6000)) {
+    while (!timer.hasExpired(6000))
         QCOMPARE(ask(browser), AddressAnswer::failed());
-        QVERIFY(m_milliseconds <= kLongestAnswer);
-    }
 }
 
 void AddressSourceTest::aPrivateWindowBesideAnOrdinaryOneOfTheSamePageHasNone()
@@ -198,11 +195,18 @@ void AddressSourceTest::aPrivateWindowBesideAnOrdinaryOneOfTheSamePageHasNone()
     QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
     QVERIFY(becomes(kChromium, address));
     QVERIFY(open(kChromium, {u"--incognito"_s, address}));
-    QVERIFY(QTest::qWaitFor([&] { return ask(kChromium) == AddressAnswer::failed(); }, kPatience));
-    QElapsedTimer timer;
-    timer.start();
-    while (!timer.hasExpired(4000))
-        QCOMPARE(ask(kChromium), AddressAnswer::failed());
+    // One answer that fails may be one that came too late, so it has to fail on and on.
+    const auto failsFor = [this](int milliseconds) {
+        QElapsedTimer timer;
+        timer.start();
+        while (!timer.hasExpired(milliseconds)) {
+            if (ask(kChromium) != AddressAnswer::failed())
+                return false;
+        }
+        return true;
+    };
+    QVERIFY(QTest::qWaitFor([&] { return failsFor(2000); }, kPatience));
+    QVERIFY(failsFor(4000));
     QVERIFY(m_desktop->press({u"ctrl+w"_s}));
     QVERIFY(becomes(kChromium, address));
 }
@@ -280,7 +284,7 @@ void AddressSourceTest::withoutItsBusItSaysWhy()
              qPrintable(m_source->availability().reason));
     QVERIFY(m_source->canAsk(kChromium));
     QCOMPARE(ask(kChromium), AddressAnswer::failed());
-    QVERIFY(m_milliseconds < 500);
+    QVERIFY(m_milliseconds <= kLongestAnswer);
     QVERIFY2(m_source->switchOn().contains(word), qPrintable(m_source->switchOn()));
 }
 
