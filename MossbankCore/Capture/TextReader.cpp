@@ -170,6 +170,7 @@ void TextReader::prepare(QList<Piece>& pieces)
         auto prepared = std::make_shared<Prepared>();
         prepared->image = withPlainZeros(piece.image);
         prepared->cells = letterCellsOf(prepared->image);
+        prepared->stops = fullStopsOf(prepared->image);
         piece.prepared = std::move(prepared);
     });
     for (const Piece& piece : std::as_const(pieces)) {
@@ -179,8 +180,10 @@ void TextReader::prepare(QList<Piece>& pieces)
     m_prepared = std::move(all);
 }
 
-TextReader::Reading TextReader::readPiece(const QImage& image, const Way& way)
+TextReader::Reading TextReader::readPiece(const Prepared& prepared, const Way& way)
 {
+    const QImage image =
+        way.hasRoomAroundStops ? withRoomAround(prepared.stops, prepared.image) : prepared.image;
     return readingOf(
         m_recognizer->read(scaled(image, way.height), way.language, way.correctsLanguage),
         way.language);
@@ -193,7 +196,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     QList<qsizetype> unknown;
     QSet<QByteArray> isBegun;
     const QByteArray kind = way.language.toUtf8() + (way.correctsLanguage ? '+' : '-') +
-                            QByteArray::number(way.height) + ' ';
+                            QByteArray::number(way.height) + (way.hasRoomAroundStops ? '.' : ' ');
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (!isWanted(place) || !pieces.at(place).prepared)
             continue;
@@ -210,7 +213,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     readings.detach();
     const std::vector<char> isRead = forEach(unknown.size(), [&](qsizetype at) {
         const qsizetype place = unknown.at(at);
-        readings[place] = readPiece(pieces.at(place).prepared->image, way);
+        readings[place] = readPiece(*pieces.at(place).prepared, way);
     });
     for (qsizetype at = 0; at < unknown.size(); ++at) {
         const qsizetype place = unknown.at(at);
@@ -262,6 +265,11 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
     for (const QString& language : languages) {
         way.language = language;
         readLargerForDots(readings, pieces, way);
+    }
+    way.height = kReadHeight;
+    for (const QString& language : languages) {
+        way.language = language;
+        readStopsApart(readings, pieces, way);
     }
     way = {languages.first(), options.correctsLanguage, kReadHeight};
     correctLetters(readings, pieces, way);

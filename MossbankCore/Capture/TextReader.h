@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "MossbankCore/Capture/FullStops.h"
 #include "MossbankCore/Capture/LetterCells.h"
 #include "MossbankCore/Ports/LineRecognizer.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
@@ -50,6 +51,8 @@ private:
         QImage image;
         /// Where its letters are all equally wide.
         std::optional<LetterCells> cells;
+        /// To be seen on it, whatever is read.
+        QList<FullStop> stops;
     };
     /// Part of a line, to be read in one go.
     struct Piece {
@@ -65,6 +68,7 @@ private:
         bool correctsLanguage = false;
         /// Of the line, in pixels.
         int height = 0;
+        bool hasRoomAroundStops = false;
     };
     /// What a piece says, read in one way.
     struct Reading {
@@ -87,7 +91,7 @@ private:
     /// What each piece says, as far as `isWanted` asks for it.
     QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, const IsWanted& isWanted);
     static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
-    Reading readPiece(const QImage& image, const Way& way);
+    Reading readPiece(const Prepared& prepared, const Way& way);
     QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
     /// Takes from another language what it reads better. `isFar`: whether that is hardly expected,
     /// and only looked for.
@@ -98,6 +102,8 @@ private:
     static std::vector<const LetterCells*> cellsOfFixedPitch(const QList<Piece>& pieces);
     /// Takes from a larger reading the dots that are lost.
     void readLargerForDots(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
+    /// Reads with room around them where there are more full stops than were read, and takes them.
+    void readStopsApart(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
     /// Puts right what cannot be as it was read, by how the letters look. `way`: in which all have
     /// been read first.
     void correctLetters(QList<Reading>& readings, const QList<Piece>& pieces, Way way);

@@ -17,6 +17,11 @@ constexpr int kLongest = 14;
 /// The height at which lines are read that have letters which cannot be what they were read as.
 constexpr int kOtherHeight = 36;
 
+bool isLong(const QImage& line)
+{
+    return line.width() > kLongest * line.height();
+}
+
 } // namespace
 
 std::vector<const LetterCells*> TextReader::cellsOfFixedPitch(const QList<Piece>& pieces)
@@ -39,13 +44,35 @@ void TextReader::readLargerForDots(QList<Reading>& readings, const QList<Piece>&
     const auto isMeant = [&](qsizetype place) {
         const Reading& reading = readings.at(place);
         return reading.language == way.language && reading.confidence < kNearlySure &&
-               pieces.at(place).image.width() <= kLongest * pieces.at(place).image.height() &&
-               !cells[static_cast<std::size_t>(place)];
+               !isLong(pieces.at(place).image) && !cells[static_cast<std::size_t>(place)];
     };
     const QList<Reading> seconds = readAll(pieces, way, isMeant);
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (isMeant(place))
             readings[place].words = withDots(readings.at(place).words, seconds.at(place).words);
+    }
+}
+
+void TextReader::readStopsApart(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
+{
+    way.hasRoomAroundStops = true;
+    const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
+    QHash<qsizetype, qsizetype> lost;
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        const Piece& piece = pieces.at(place);
+        const Reading& reading = readings.at(place);
+        if (reading.language != way.language || !piece.prepared ||
+            cells[static_cast<std::size_t>(place)] || isLong(piece.image))
+            continue;
+        const qsizetype more = piece.prepared->stops.size() - fullStopsIn(reading.words);
+        if (more > 0)
+            lost.insert(place, more);
+    }
+    const QList<Reading> seconds =
+        readAll(pieces, way, [&](qsizetype place) { return lost.contains(place); });
+    for (auto it = lost.cbegin(); it != lost.cend(); ++it) {
+        QList<RecognizedWord>& words = readings[it.key()].words;
+        words = withLostStops(words, seconds.at(it.key()).words, it.value());
     }
 }
 

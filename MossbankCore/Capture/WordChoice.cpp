@@ -32,6 +32,68 @@ bool isWithAccents(const RecognizedWord& word, const RecognizedWord& bare)
            plain(bare.text) == bare.text && plain(word.text) == bare.text;
 }
 
+/// A letter or digit, and what stands between it and the one before.
+struct Letter {
+    QChar itself;
+    QString before;
+};
+
+/// The letters of a line; the last is none, and has what stands after the others.
+QList<Letter> lettersOf(const QList<RecognizedWord>& words)
+{
+    QList<Letter> letters;
+    QString before;
+    for (const RecognizedWord& word : words) {
+        if (!letters.isEmpty() || !before.isEmpty())
+            before += u' ';
+        for (const QChar character : word.text) {
+            if (!character.isLetterOrNumber() && !character.isMark()) {
+                before += character;
+                continue;
+            }
+            const bool isZero = character == u'0' || character == u'O';
+            letters.append({isZero ? QChar(u'o') : character, std::exchange(before, {})});
+        }
+    }
+    letters.append({QChar(), before});
+    return letters;
+}
+
+/// Whether what stands between two letters is a sign that a full stop is read as.
+bool isLikeStop(const QString& between)
+{
+    const QString sign = between.trimmed();
+    return sign.size() == 1 && QStringView(u".:;,").contains(sign.front());
+}
+
+/// Puts a full stop into what was read, before the letter of that number or at the end. Takes away
+/// the space there unless `isSpaced`.
+void putStop(QList<RecognizedWord>& words, qsizetype letter, bool isSpaced)
+{
+    for (qsizetype place = 0; place < words.size(); ++place) {
+        QString& text = words[place].text;
+        for (qsizetype at = 0; at < text.size(); ++at) {
+            if (!text.at(at).isLetterOrNumber() && !text.at(at).isMark())
+                continue;
+            if (letter-- > 0)
+                continue;
+            if (at > 0 || place == 0) {
+                text.insert(at, u'.');
+                return;
+            }
+            RecognizedWord& previous = words[place - 1];
+            previous.text += u'.';
+            if (isSpaced)
+                return;
+            previous.text += text;
+            previous.confidence = std::min(previous.confidence, words.at(place).confidence);
+            words.removeAt(place);
+            return;
+        }
+    }
+    words.last().text += u'.';
+}
+
 } // namespace
 
 QList<RecognizedWord> betterWords(const QList<RecognizedWord>& preferred,
@@ -78,6 +140,36 @@ QList<RecognizedWord> withDots(const QList<RecognizedWord>& words,
         return words;
     const bool isSurer = other.dots == first.dots && other.confidence > first.confidence + kBetter;
     return other.dots > first.dots || isSurer ? second : words;
+}
+
+qsizetype fullStopsIn(const QList<RecognizedWord>& words)
+{
+    constexpr qsizetype kInEllipsis = 3;
+    qsizetype count = 0;
+    for (const RecognizedWord& word : words) {
+        count += word.text.count(u'.') + word.text.count(u':');
+        count += word.text.count(u'…') * kInEllipsis;
+    }
+    return count;
+}
+
+QList<RecognizedWord> withLostStops(const QList<RecognizedWord>& words,
+                                    const QList<RecognizedWord>& second, qsizetype lost)
+{
+    const QList<Letter> letters = lettersOf(words);
+    const QList<Letter> others = lettersOf(second);
+    const bool isSame = std::ranges::equal(letters, others, {}, &Letter::itself, &Letter::itself);
+    if (words.isEmpty() || !isSame)
+        return words;
+    QList<RecognizedWord> whole = words;
+    for (qsizetype place = letters.size() - 1; place >= 0; --place) {
+        const QString& between = others.at(place).before;
+        if (!letters.at(place).before.trimmed().isEmpty() || !isLikeStop(between))
+            continue;
+        putStop(whole, place, between.endsWith(u' '));
+        --lost;
+    }
+    return lost == 0 ? whole : words;
 }
 
 } // namespace mossbank

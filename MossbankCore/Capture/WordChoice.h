@@ -20,4 +20,13 @@ QList<RecognizedWord> betterWords(const QList<RecognizedWord>& preferred,
 QList<RecognizedWord> withDots(const QList<RecognizedWord>& words,
                                const QList<RecognizedWord>& second);
 
+/// How many of a line's full stops were read, those within colons and ellipses too.
+qsizetype fullStopsIn(const QList<RecognizedWord>& words);
+
+/// What a line says of whose full stops so many were not read, `lost`. In `second`, where they
+/// stand apart, they may have been taken for other small signs. The same words where that has not
+/// the same letters, or not so many signs more.
+QList<RecognizedWord> withLostStops(const QList<RecognizedWord>& words,
+                                    const QList<RecognizedWord>& second, qsizetype lost);
+
 } // namespace mossbank

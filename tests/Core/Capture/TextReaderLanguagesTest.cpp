@@ -11,6 +11,21 @@ namespace mossbank {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Two words of so many letters each, with a full stop between, close to both.
+QImage withStop(int letters)
+{
+    QImage picture = plain(kSize);
+    const QRect before = write(picture, {20, 30}, {letters});
+    const QRect stop(before.right() + 2, before.bottom() - 1, 2, 2);
+    fill(picture, stop, kBlack);
+    write(picture, {stop.right() + 2, 30}, {letters});
+    return picture;
+}
+
+} // namespace
+
 class TextReaderLanguagesTest : public QObject, private ReaderOfFakeLines {
     Q_OBJECT
 
@@ -20,6 +35,8 @@ private Q_SLOTS:
     void theSurerOfTwoTriesCounts();
     void aSecondTryThatIsUnsureTooDoesNotRunWordsTogether();
     void aLostDotIsFoundLarger();
+    void aLostStopThatIsSeenIsReadApart();
+    void aLineWhoseStopsWereReadIsNotReadAgain();
     void onlyTheBestLanguageTriesMore();
     void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
     void whereAnotherLanguageIsThereItIsTriedMoreWidely();
@@ -79,6 +96,35 @@ void TextReaderLanguagesTest::aLostDotIsFoundLarger()
     QCOMPARE(read(written({5})), QStringList{u"chapter.txt"_s});
     // Of what is sure, none is lost.
     confidence = 95;
+    QCOMPARE(readingsOf(written({6})), 1);
+}
+
+void TextReaderLanguagesTest::aLostStopThatIsSeenIsReadApart()
+{
+    // However sure the first reading is.
+    int narrow = 0;
+    m_fake->setReader([&](const QImage& line, const QString&) {
+        narrow = narrow == 0 ? line.width() : narrow;
+        return line.width() == narrow ? word(u"chaptertxt"_s, 97) : word(u"chapter:txt"_s, 50);
+    });
+    QCOMPARE(read(withStop(3)), QStringList{u"chapter.txt"_s});
+    const QList<FakeLineRecognizer::Reading> readings = m_fake->readings();
+    QCOMPARE(readings.size(), 2);
+    QCOMPARE(readings.last().line.height(), readings.first().line.height());
+    QVERIFY(readings.last().line.width() > readings.first().line.width());
+    // What is known of both readings says the same.
+    QCOMPARE(readingsOf(withStop(3)), 0);
+    QCOMPARE(read(withStop(3)), QStringList{u"chapter.txt"_s});
+}
+
+void TextReaderLanguagesTest::aLineWhoseStopsWereReadIsNotReadAgain()
+{
+    m_fake->setReader([&](const QImage&, const QString&) { return word(u"chapter.txt"_s, 97); });
+    QCOMPARE(readingsOf(withStop(3)), 1);
+    m_fake->setReader([&](const QImage&, const QString&) { return word(u"chaptertxt"_s, 97); });
+    QCOMPARE(readingsOf(withStop(4)), 2);
+    // Sentences lose no word by it, and would take long.
+    QCOMPARE(readingsOf(withStop(14)), 1);
     QCOMPARE(readingsOf(written({6})), 1);
 }
 

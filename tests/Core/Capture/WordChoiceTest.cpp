@@ -28,6 +28,9 @@ private Q_SLOTS:
     void eachWordIsTakenFromTheBetterReading();
     void aLostDotIsTakenFromTheSecondReading_data();
     void aLostDotIsTakenFromTheSecondReading();
+    void fullStopsAreCounted();
+    void aLostStopIsPutWhereTheSecondReadingHasASign_data();
+    void aLostStopIsPutWhereTheSecondReadingHasASign();
 };
 
 void WordChoiceTest::eachWordIsTakenFromTheBetterReading_data()
@@ -88,6 +91,53 @@ void WordChoiceTest::aLostDotIsTakenFromTheSecondReading()
     QFETCH(QString, second);
     QFETCH(bool, isSecondTaken);
     QCOMPARE(withDots(words(first), words(second)), words(isSecondTaken ? second : first));
+}
+
+void WordChoiceTest::fullStopsAreCounted()
+{
+    QCOMPARE(fullStopsIn(words(u"a.b/9 1.2:30/9 so…/9 end./9 no,ne;/9"_s)), 7);
+    QCOMPARE(fullStopsIn({}), 0);
+}
+
+void WordChoiceTest::aLostStopIsPutWhereTheSecondReadingHasASign_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<int>("lost");
+    QTest::addColumn<QString>("chosen");
+    const auto row = [](const char* name, const QString& first, const QString& second, int lost,
+                        const QString& chosen) {
+        QTest::newRow(name) << first << second << lost << chosen;
+    };
+    row("a stop", u"chaptertxt/93"_s, u"chapter.txt/80"_s, 1, u"chapter.txt/93"_s);
+    row("read as a colon", u"octobertxt/93"_s, u"october:txt/80"_s, 1, u"october.txt/93"_s);
+    row("read as a letter", u"octobertxt/93"_s, u"octoberitxt/99"_s, 1, u"octobertxt/93"_s);
+    row("another letter", u"plate/93 txt/91"_s, u"plate.bt/99"_s, 1, u"plate/93 txt/91"_s);
+    row("instead of a space", u"odd/93 pdf/91"_s, u"odd.pdf/80"_s, 1, u"odd.pdf/91"_s);
+    row("with a space before it", u"odd/93 pdf/91"_s, u"odd/80 :pdf/80"_s, 1, u"odd.pdf/91"_s);
+    row("with a space after it", u"odd/93 Pdf/91"_s, u"odd./80 Pdf/80"_s, 1, u"odd./93 Pdf/91"_s);
+    row("a space more", u"oddpdf/93"_s, u"odd./80 pdf/80"_s, 1, u"odd.pdf/93"_s);
+    row("two", u"a11/90 b22txt/93"_s, u"a1.1/90 b22.txt/93"_s, 2, u"a1.1/90 b22.txt/93"_s);
+    row("one of two", u"1.24/90"_s, u"1.2.4/80"_s, 1, u"1.2.4/90"_s);
+    row("more than are lost", u"a1txt/93"_s, u"a.1.txt/80"_s, 1, u"a1txt/93"_s);
+    row("fewer than are lost", u"a1txt/93"_s, u"a1.txt/80"_s, 2, u"a1txt/93"_s);
+    row("where a sign was read", u"little-txt/93"_s, u"little.txt/80"_s, 1, u"little-txt/93"_s);
+    row("a sign that is no stop", u"itstxt/93"_s, u"it's txt/80"_s, 1, u"itstxt/93"_s);
+    row("at the end", u"a/90 fox/93"_s, u"a/90 fox./80"_s, 1, u"a/90 fox./93"_s);
+    row("at the start", u"config/93 b/90"_s, u".config/80 b/90"_s, 1, u".config/93 b/90"_s);
+    row("an o for a zero", u"120odt/90"_s, u"12O.odt/80"_s, 1, u"120.odt/90"_s);
+    row("accents", u"şarkızip/90"_s, u"şarkı.zip/80"_s, 1, u"şarkı.zip/90"_s);
+    row("nothing", u"surface/80"_s, QString(), 1, u"surface/80"_s);
+    row("nothing but a stop", QString(), u"./80"_s, 1, QString());
+}
+
+void WordChoiceTest::aLostStopIsPutWhereTheSecondReadingHasASign()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QFETCH(int, lost);
+    QFETCH(QString, chosen);
+    QCOMPARE(withLostStops(words(first), words(second), lost), words(chosen));
 }
 
 } // namespace mossbank
