@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/FullStops.h"
 
+#include "tests/Core/Capture/DrawnText.h"
 #include "tests/Scenes/DrawnLine.h"
 #include "tests/Scenes/SceneFonts.h"
 
@@ -46,6 +47,49 @@ private Q_SLOTS:
         }
     }
 
+    void whatIsAStopIsToldByItsShapeAndPlace_data()
+    {
+        QTest::addColumn<QRect>("mark"); // its place from the end of a letter and from its feet
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QList<FullStop>>("stops");
+        const auto row = [](const char* name, const QRect& mark, bool isStop, QRgb ink = kBlack) {
+            const FullStop stop = {kLetterEnd + mark.left(), kLetterEnd + mark.right() + 1};
+            QTest::newRow(name) << mark << ink << (isStop ? QList{stop} : QList<FullStop>());
+        };
+        row("a stop", {1, -2, 2, 2}, true);
+        row("a larger one", {1, -3, 3, 3}, true);
+        row("a grey one", {1, -2, 2, 2}, true, qRgb(130, 130, 130));
+        row("a speck", {1, -2, 2, 2}, false, qRgb(160, 160, 160));
+        row("a bar", {1, -2, 5, 2}, false);
+        row("a stem", {1, -5, 2, 5}, false);
+        row("raised", {1, -3, 2, 2}, false);
+        row("lowered", {1, -1, 2, 2}, false);
+        row("a comma", {1, -2, 2, 5}, false);
+        row("the foot of a letter", {0, -2, 2, 2}, false);
+    }
+    void whatIsAStopIsToldByItsShapeAndPlace()
+    {
+        QFETCH(QRect, mark);
+        QFETCH(QRgb, ink);
+        QImage picture = plain({kLetterEnd + 40, 24});
+        const QRect letters = write(picture, {4, 4}, {3});
+        QCOMPARE(letters.right() + 1, kLetterEnd);
+        fill(picture, mark.translated(kLetterEnd, letters.bottom() + 1), ink);
+        write(picture, {kLetterEnd + mark.right() + 2, 4}, {2});
+        QTEST(fullStopsOf(picture.convertToFormat(QImage::Format_Grayscale8)), "stops");
+    }
+
+    void whatHasSomethingAboveIsNone()
+    {
+        QImage picture = plain({60, 24});
+        const QRect letters = write(picture, {4, 4}, {3});
+        const QRect stop(letters.right() + 2, letters.bottom() - 1, 2, 2);
+        fill(picture, stop, kBlack);
+        fill(picture, stop.translated(0, -5), kBlack);
+        QCOMPARE(fullStopsOf(picture.convertToFormat(QImage::Format_Grayscale8)),
+                 QList<FullStop>());
+    }
+
     void anEmptyLineHasNone()
     {
         QImage line(40, 20, QImage::Format_Grayscale8);
@@ -67,6 +111,8 @@ private Q_SLOTS:
     }
 
 private:
+    /// Where the third H ends that is drawn from 4 on.
+    static constexpr int kLetterEnd = 34;
     static constexpr double kLeastSeen = 0.9;
 
     static void addFonts()
