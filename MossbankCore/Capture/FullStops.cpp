@@ -57,12 +57,11 @@ public:
 
     /// The darkest of a column where a full stop would be.
     int foot(int x) const { return darkest(x, m_feet - stopHeight() + 1, m_feet); }
-    /// Whether a column has nothing just above and nothing below where a full stop would be.
+    /// Whether a column has nothing just above where a full stop would be.
     bool isFree(int x) const
     {
         const int above = m_feet - stopHeight() - 1; // one row is left to blur
-        return darkest(x, above - height() / 3 + 1, above) <= kBlur &&
-               darkest(x, m_feet + 2, m_line.height() - 1) <= kBlur;
+        return darkest(x, above - height() / 3 + 1, above) <= kBlur;
     }
     /// The columns of what hangs together around the darkest of a column's foot. None where that is
     /// more than a full stop.
@@ -87,8 +86,7 @@ public:
                 stop = {std::min(stop.from, next.x()), std::max(stop.to, next.x() + 1)};
                 highest = std::min(highest, next.y());
                 lowest = std::max(lowest, next.y());
-                if (stop.to - stop.from > widestStop() || lowest - highest >= stopHeight() + 1 ||
-                    lowest > m_feet)
+                if (stop.to - stop.from > widestStop() || lowest - highest >= stopHeight() + 1)
                     return {};
             }
         }
