@@ -212,16 +212,15 @@ private:
     }
 
     /// Whether a run is the foot or the head of a letter that meets what lies around a badge or a
-    /// row: narrow on something wide, and not near its end, as a side of a frame would be.
+    /// row: narrow on something wide that goes from end to end. What ends before is a frame or part
+    /// of an icon, and what stands on it is, too; so a letter at a rounded corner is lost.
     bool standsOn(const Run& letter, const Run& ground) const
     {
-        constexpr int kSide = 2;
         const bool isAtBorder = letter.from == 0 || letter.to == width();
         const bool isNarrow =
             10 * letter.width() <= 6 * m_part.height() && 2 * letter.width() <= ground.width();
-        const bool isFrame = ground.from > 0 && ground.to < width();
-        const bool isAtEnd = letter.from <= ground.from + kSide || letter.to >= ground.to - kSide;
-        return !isAtBorder && isNarrow && !(isFrame && isAtEnd);
+        const bool isAround = ground.from == 0 && ground.to == width();
+        return !isAtBorder && isNarrow && isAround;
     }
 
     bool isThrough(int x) const

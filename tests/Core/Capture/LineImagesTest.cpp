@@ -156,7 +156,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("mostLost");
         const int end = kPlace.y() + 12;
         QTest::newRow("from within the rim") << end << 0 << 0;
-        QTest::newRow("at its corner") << end - 1 << kPlace.x() + 2 << 7 * 4;
     }
     void aLetterThatReachesTheRimOfABadgeKeepsAllButItsFoot()
     {
