@@ -50,6 +50,16 @@ QString plain(QString title)
     return title.remove(QChar(0x200b)).remove(QChar(0x200e)).remove(QChar(0x200f));
 }
 
+/// What a word of a command line asks for, without its dashes and what is set by it. Empty when it
+/// is no option. Neither dashes nor capitals make a difference to browsers.
+QByteArray optionIn(const QByteArray& word)
+{
+    if (!word.startsWith('-'))
+        return {};
+    const QByteArray bare = word.startsWith("--") ? word.mid(2) : word.mid(1);
+    return bare.split('=').constFirst().toLower();
+}
+
 } // namespace
 
 std::optional<Browser> browserOf(const QString& bundleID)
@@ -106,13 +116,18 @@ ordinaryWindow(const Browser& browser, const QList<AccessibleWindow>& windows, c
 
 bool isStartedPrivate(const Browser& browser, const QByteArray& command)
 {
-    // The others open private windows beside ordinary ones. This one runs a second time for them.
-    if (browser.kin != Kin::WebKit)
-        return false;
-    const QByteArrayList words = command.split('\0');
-    return command.isEmpty() || words.contains("--incognito-mode") || words.contains("-i") ||
-           words.contains("--private-instance") || words.contains("-p") ||
-           words.contains("--automation-mode");
+    // Those of Chromium's kind tell of each private window by its name as well.
+    if (command.isEmpty())
+        return browser.kin != Kin::Chromium;
+    static const QHash<Kin, QByteArrayList> kOptions = {
+        {Kin::Firefox, {"private"}},
+        {Kin::Chromium, {"incognito", "guest", "inprivate", "private", "tor"}},
+        {Kin::WebKit, {"incognito-mode", "i", "private-instance", "p", "automation-mode"}},
+    };
+    const QByteArrayList wanted = kOptions.value(browser.kin);
+    return std::ranges::any_of(command.split('\0'), [&](const QByteArray& word) {
+        return wanted.contains(optionIn(word));
+    });
 }
 
 } // namespace mossbank

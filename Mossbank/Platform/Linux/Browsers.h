@@ -42,7 +42,8 @@ std::optional<AccessibleWindow> ordinaryWindow(const Browser& browser,
                                                const QString& title);
 
 /// Whether what a program was started with makes all its windows private, or may do so. `command`
-/// is its command line as the system keeps it, and nothing when that cannot be read.
+/// is its command line as the system keeps it, and nothing when that cannot be read. Firefox may
+/// be private by its settings, too.
 bool isStartedPrivate(const Browser& browser, const QByteArray& command);
 
 } // namespace mossbank

@@ -5,7 +5,6 @@
 #include "Mossbank/Platform/Linux/WindowSearch.h"
 
 #include <QDeadlineTimer>
-#include <QFile>
 #include <qcoro/qcorotimer.h>
 
 #include <utility>
@@ -21,13 +20,6 @@ namespace {
 /// after some tenths of a second.
 constexpr int kLimit = 1500;
 constexpr std::chrono::milliseconds kBetween = 100ms;
-
-QByteArray commandOf(std::optional<qint64> process)
-{
-    constexpr qint64 kMostBytes = 64 * 1024;
-    QFile file(u"/proc/%1/cmdline"_s.arg(process.value_or(0)));
-    return file.open(QIODevice::ReadOnly) ? file.read(kMostBytes) : QByteArray();
-}
 
 } // namespace
 
@@ -62,7 +54,7 @@ QCoro::Task<PageQuestion::Outcome> PageQuestion::askOnce(QString bundleID, Brows
         co_return Outcome::never();
     const Application front =
         m_catalog->application(active->owner.windowClass, active->owner.process);
-    if (front.bundleID != bundleID || isStartedPrivate(browser, commandOf(active->owner.process)))
+    if (front.bundleID != bundleID || m_privacy.mayBePrivate(browser, *active->owner.process))
         co_return Outcome::never();
     const auto roots = co_await m_programs.rootsOf(*active->owner.process);
     if (!roots || roots->isEmpty())

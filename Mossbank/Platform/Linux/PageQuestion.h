@@ -3,7 +3,7 @@
 
 #include "Mossbank/Platform/Linux/AccessiblePrograms.h"
 #include "Mossbank/Platform/Linux/ApplicationCatalog.h"
-#include "Mossbank/Platform/Linux/Browsers.h"
+#include "Mossbank/Platform/Linux/BrowserPrivacy.h"
 #include "Mossbank/Platform/Linux/X11ActiveWindow.h"
 
 #include <memory>
@@ -44,6 +44,7 @@ private:
     AccessiblePrograms& m_programs;
     X11ActiveWindow& m_window;
     std::shared_ptr<ApplicationCatalog> m_catalog;
+    BrowserPrivacy m_privacy;
 };
 
 } // namespace mossbank
