@@ -15,6 +15,9 @@ namespace {
 
 /// A program that is well answers in a few milliseconds.
 constexpr int kProgramLimit = 200;
+/// Chromium looks through a page of some thousand paragraphs in a third of a second, and answers
+/// nothing else meanwhile.
+constexpr int kPatientLimit = 1000;
 /// The desktop may have to start what is asked here first.
 constexpr int kServiceLimit = 5000;
 constexpr int kSoon = 500;
@@ -251,6 +254,15 @@ QCoro::Task<QDBusMessage> AccessibilityBus::ask(BusCall call)
     co_return answer;
 }
 
+QCoro::Task<QDBusMessage> AccessibilityBus::askPatiently(BusCall call)
+{
+    const QString service = call.service;
+    const QDBusMessage answer = co_await m_programs.call(std::move(call), kPatientLimit);
+    if (!isSilence(answer))
+        m_silent.answered(service);
+    co_return answer;
+}
+
 QCoro::Task<> AccessibilityBus::switchOn()
 {
     m_isWantedOn = true;
@@ -276,6 +288,8 @@ void AccessibilityBus::hearStatus(const QDBusMessage&)
 
 void AccessibilityBus::hearFocus(const QDBusMessage& message)
 {
+    // Whoever tells something is not silent.
+    m_silent.answered(message.service());
     const QList<QVariant> arguments = message.arguments();
     if (arguments.size() >= 2)
         Q_EMIT focusChanged(message.service(), message.path(), arguments[1].toInt() != 0);

@@ -36,6 +36,10 @@ public:
     /// Asks a program. It has a fifth of a second; one that did not use it is left alone for a
     /// while, and its answer is an error at once.
     QCoro::Task<QDBusMessage> ask(BusCall call);
+    /// Asks a program, whether it is left alone or not, for what it may be a while about: one that
+    /// looks through a long page, or is busy with that. It has a second, and is not left alone for
+    /// not using it.
+    QCoro::Task<QDBusMessage> askPatiently(BusCall call);
 
     /// Has every program of the session tell what is in its windows, now and whenever the bus comes
     /// back.

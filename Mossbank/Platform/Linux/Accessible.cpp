@@ -146,6 +146,12 @@ Asked<quint32> askRole(AccessibilityBus& bus, Accessible object)
     co_return value ? std::optional(value->toUInt()) : std::nullopt;
 }
 
+Asked<quint32> askRolePatiently(AccessibilityBus& bus, Accessible object)
+{
+    const auto value = valueOf(co_await bus.askPatiently(callTo(object, u"GetRole"_s)), u"u"_s);
+    co_return value ? std::optional(value->toUInt()) : std::nullopt;
+}
+
 Asked<AccessibleStates> askStates(AccessibilityBus& bus, Accessible object)
 {
     const auto value = valueOf(co_await bus.ask(callTo(object, u"GetState"_s)), u"au"_s);
@@ -202,7 +208,7 @@ Asked<QMap<QString, QString>> askDocumentAttributes(AccessibilityBus& bus, Acces
 
 Asked<QList<Accessible>> askMatches(AccessibilityBus& bus, Accessible object, AccessibleState state)
 {
-    co_return accessiblesIn(co_await bus.ask(matchesCall(object, state)));
+    co_return accessiblesIn(co_await bus.askPatiently(matchesCall(object, state)));
 }
 
 Asked<QList<Accessible>> askPrograms(AccessibilityBus& bus)

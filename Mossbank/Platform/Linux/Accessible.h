@@ -60,6 +60,8 @@ template <typename T>
 using Asked = QCoro::Task<std::optional<T>>;
 
 Asked<quint32> askRole(AccessibilityBus& bus, Accessible object);
+/// The same of an object that has just told something, so that its program is there, if busy.
+Asked<quint32> askRolePatiently(AccessibilityBus& bus, Accessible object);
 Asked<AccessibleStates> askStates(AccessibilityBus& bus, Accessible object);
 Asked<QString> askName(AccessibilityBus& bus, Accessible object);
 Asked<QList<Accessible>> askChildren(AccessibilityBus& bus, Accessible object);

@@ -122,7 +122,7 @@ void FocusWatch::takeEvent(const Accessible& object, bool isGained)
 QCoro::Task<> FocusWatch::takeFocused(Accessible object)
 {
     const int turn = m_turn;
-    const auto role = co_await askRole(m_bus, object);
+    const auto role = co_await askRolePatiently(m_bus, object);
     if (turn != m_turn)
         co_return;
     if (!role) {
