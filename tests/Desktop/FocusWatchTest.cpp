@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is known of the focus when programs are slow.
+// What is known of the focus when programs, or the X server, are slow.
+#include "Mossbank/Platform/Linux/FocusWatch.h"
 
+#include "Mossbank/Platform/Linux/AccessibilityBus.h"
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
 #include "tests/Desktop/AccessibleDesktop.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
+
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace mossbank;
@@ -31,6 +35,7 @@ class FocusWatchTest final : public QObject {
 
 private Q_SLOTS:
     void aPasswordFieldOfALongPageIsSecret();
+    void oneLateAnswerOfTheServerDoesNotHold();
 };
 
 void FocusWatchTest::aPasswordFieldOfALongPageIsSecret()
@@ -66,6 +71,28 @@ void FocusWatchTest::aPasswordFieldOfALongPageIsSecret()
              "the password field has the focus still");
     const QStringList left = desktop.end();
     QVERIFY2(left.isEmpty(), qPrintable(left.join(u'\n')));
+}
+
+void FocusWatchTest::oneLateAnswerOfTheServerDoesNotHold()
+{
+    const VirtualDesktop desktop;
+    AccessibilityBus bus;
+    AccessiblePrograms programs(bus);
+    X11ActiveWindow window;
+    SecretTyping typing;
+    FocusWatch watch(bus, programs, window, typing);
+    QVERIFY(window.read());
+    QVERIFY(typing.place() != SecretTyping::Place::Unknown);
+    const auto server = static_cast<pid_t>(desktop.serverProcess());
+    ::kill(server, SIGSTOP);
+    Q_EMIT window.changed();
+    const auto place = typing.place();
+    ::kill(server, SIGCONT);
+    QCOMPARE(place, SecretTyping::Place::Unknown);
+    QVERIFY(window.read());
+    QCOMPARE(typing.place(), SecretTyping::Place::Unknown);
+    watch.check();
+    QVERIFY(typing.place() != SecretTyping::Place::Unknown);
 }
 
 QTEST_GUILESS_MAIN(FocusWatchTest)

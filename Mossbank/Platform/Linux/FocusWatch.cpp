@@ -141,10 +141,14 @@ void FocusWatch::take(const Found& found)
 
 void FocusWatch::check()
 {
-    if (!m_active || !m_bus.isOpen() ||
-        (m_sinceCheck.isValid() && !m_sinceCheck.hasExpired(kBetweenChecks)))
+    if (m_sinceCheck.isValid() && !m_sinceCheck.hasExpired(kBetweenChecks))
         return;
     m_sinceCheck.start();
+    // One answer of the server that came too late must not hold until another window is active.
+    if (!m_active)
+        followWindow();
+    if (!m_active || !m_bus.isOpen())
+        return;
     if (m_focused)
         checkFocused();
     else if (!m_sinceLook.isValid() || m_sinceLook.hasExpired(kBetweenLooks))
