@@ -190,13 +190,15 @@ QCoro::Task<> FocusWatch::look()
     }
     // A program may come to the bus later than to the screen, and a browser shows what is in its
     // windows only some time after it was asked first.
-    if (!found->object) {
-        lookAgainSoon();
-        if (m_isNew && m_attempts <= kAttemptsToWake)
-            co_return;
+    if (found->object) {
+        take(*found);
+        co_return;
     }
-    m_focused = found->object;
-    m_typing.setPlace(found->isPassword ? Place::PasswordField : Place::Ordinary);
+    lookAgainSoon();
+    if (m_isNew && m_attempts <= kAttemptsToWake)
+        co_return;
+    m_focused.reset();
+    m_typing.setPlace(Place::Ordinary);
 }
 
 Asked<FocusWatch::Found> FocusWatch::find(qint64 process, QString title)
