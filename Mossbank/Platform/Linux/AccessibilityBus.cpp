@@ -254,6 +254,11 @@ QCoro::Task<QDBusMessage> AccessibilityBus::ask(BusCall call)
     co_return answer;
 }
 
+bool AccessibilityBus::isLeftAlone(const QString& service) const
+{
+    return m_silent.isLeftAlone(service, std::chrono::steady_clock::now());
+}
+
 QCoro::Task<QDBusMessage> AccessibilityBus::askPatiently(BusCall call)
 {
     const QString service = call.service;

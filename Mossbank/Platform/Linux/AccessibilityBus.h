@@ -40,6 +40,9 @@ public:
     /// looks through a long page, or is busy with that. It has a second, and is not left alone for
     /// not using it.
     QCoro::Task<QDBusMessage> askPatiently(BusCall call);
+    /// Whether a program is left alone now: what it was just asked it did not answer at all, as
+    /// against one that answered that there is no such object.
+    bool isLeftAlone(const QString& service) const;
 
     /// Has every program of the session tell what is in its windows, now and whenever the bus comes
     /// back.

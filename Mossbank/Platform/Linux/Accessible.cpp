@@ -232,9 +232,11 @@ Asked<QList<AccessibleWindow>> askWindows(AccessibilityBus& bus, Accessible root
     for (const Accessible& child : children->mid(0, kMostWindows)) {
         const auto name = co_await askName(bus, child);
         const auto states = co_await askStates(bus, child);
-        // A window that closes meanwhile is none.
+        // A window that closes meanwhile is none; but nothing is known of one that is silent.
         if (name && states)
             windows.append({child, *name, states->has(AccessibleState::Active)});
+        else if (bus.isLeftAlone(child.service))
+            co_return std::nullopt;
     }
     co_return windows;
 }

@@ -46,6 +46,9 @@ Asked<QList<Accessible>> AccessiblePrograms::rootsOf(qint64 process)
     QList<Accessible> roots;
     for (const Accessible& root : *programs) {
         const auto isIts = co_await isOf(root.service, process);
+        // One that has gone is none; but where the bus is silent nothing is known of any.
+        if (!isIts && m_bus.isLeftAlone(u"org.freedesktop.DBus"_s))
+            co_return std::nullopt;
         if (isIts.value_or(false))
             roots.append(root);
     }

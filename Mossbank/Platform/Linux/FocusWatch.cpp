@@ -165,8 +165,12 @@ QCoro::Task<> FocusWatch::checkFocused()
         co_return;
     if (states && role && states->has(AccessibleState::Focused))
         take({object, *role == static_cast<quint32>(AccessibleRole::PasswordText)});
-    else
+    else {
+        // It has lost the focus, or is gone. What it was then does not stand for what has it now.
+        if (!m_bus.isLeftAlone(object.service))
+            m_typing.setPlace(Place::Asked);
         look();
+    }
 }
 
 /// Looks for what has the focus in the active window. What was known before stands until there is

@@ -26,12 +26,13 @@ Asked<QList<Accessible>> walk(AccessibilityBus& bus, Accessible window, Wanted w
     const QDeadlineTimer deadline(kLimit);
     QQueue<Accessible> open;
     open.enqueue(window);
+    bool isWhole = true;
     for (int count = 0; !open.isEmpty() && count < kMostObjects && !deadline.hasExpired();
          ++count) {
         const Accessible object = open.dequeue();
         const auto states = co_await askStates(bus, object);
         // One that has gone meanwhile is none; but nothing is known of a program that is silent.
-        if (!states && object == window)
+        if (!states && (object == window || bus.isLeftAlone(object.service)))
             co_return std::nullopt;
         if (!states || (object != window && !states->has(AccessibleState::Showing)))
             continue;
@@ -43,7 +44,13 @@ Asked<QList<Accessible>> walk(AccessibilityBus& bus, Accessible window, Wanted w
         const auto children = co_await askChildren(bus, object);
         if (children)
             open += children->mid(0, kMostChildren);
+        else if (bus.isLeftAlone(object.service))
+            co_return std::nullopt;
+        isWhole &= !children || children->size() <= kMostChildren;
     }
+    // It may be in what was not looked at.
+    if (!isWhole || !open.isEmpty())
+        co_return std::nullopt;
     co_return QList<Accessible>();
 }
 

@@ -7,7 +7,7 @@ namespace mossbank {
 
 /// The objects in a window that are in this state. A program that cannot search by itself is
 /// walked through, to the first such object and within bounds. Absent when the program does not
-/// answer.
+/// answer, and when the bounds were too narrow for finding one.
 Asked<QList<Accessible>> searchWindow(AccessibilityBus& bus, Accessible window,
                                       AccessibleState state);
 
