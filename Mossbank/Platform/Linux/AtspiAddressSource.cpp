@@ -89,7 +89,8 @@ QString AtspiAddressSource::switchOn()
         return why;
     if (wasOn)
         return {};
-    return u"Accessibility is now switched on for this session, because that is how browsers tell "
+    return u"Accessibility is being switched on for this session, because that is how browsers "
+           u"tell "
            u"the address of their page. Chromium, Chrome and other browsers of their kind notice "
            u"it only when they start: close those that are open and open them again."_s;
 }
