@@ -36,8 +36,10 @@ Asked<QString> PageQuestion::ask(QString bundleID)
 {
     const auto browser = browserOf(bundleID);
     const QDeadlineTimer deadline(kLimit);
+    // An answer for another page than the one in front when it was asked for would be a wrong one.
+    const auto first = m_window.read();
     while (browser && m_bus.isOpen()) {
-        const Outcome outcome = co_await askOnce(bundleID, *browser);
+        const Outcome outcome = co_await askOnce(bundleID, *browser, first);
         if (!outcome.address.isEmpty())
             co_return outcome.address;
         if (!outcome.isWorthAnotherTry || deadline.hasExpired())
@@ -47,10 +49,11 @@ Asked<QString> PageQuestion::ask(QString bundleID)
     co_return std::nullopt;
 }
 
-QCoro::Task<PageQuestion::Outcome> PageQuestion::askOnce(QString bundleID, Browser browser)
+QCoro::Task<PageQuestion::Outcome> PageQuestion::askOnce(QString bundleID, Browser browser,
+                                                         std::optional<ActiveWindow> first)
 {
     const auto active = m_window.read();
-    if (!active || !active->owner.process)
+    if (active != first || !active || !active->owner.process)
         co_return Outcome::never();
     const Application front =
         m_catalog->application(active->owner.windowClass, active->owner.process);
@@ -73,7 +76,7 @@ QCoro::Task<PageQuestion::Outcome> PageQuestion::askOnce(QString bundleID, Brows
         co_return Outcome::notYet();
     const Outcome outcome = co_await askWindow(browser, window->object);
     // The tab, or the whole window, may have been changed for another meanwhile.
-    co_return m_window.read() == active ? outcome : Outcome::notYet();
+    co_return m_window.read() == active ? outcome : Outcome::never();
 }
 
 QCoro::Task<PageQuestion::Outcome> PageQuestion::askWindow(Browser browser, Accessible window)

@@ -35,7 +35,8 @@ private:
         static Outcome notYet() { return {{}, true}; }
     };
 
-    QCoro::Task<Outcome> askOnce(QString bundleID, Browser browser);
+    QCoro::Task<Outcome> askOnce(QString bundleID, Browser browser,
+                                 std::optional<ActiveWindow> first);
     QCoro::Task<Outcome> askWindow(Browser browser, Accessible window);
     Asked<Accessible> findDocument(Browser browser, Accessible window);
     QCoro::Task<bool> hasPrivateSign(Accessible window);
