@@ -54,12 +54,32 @@ void AccessibilityRulesTest::aBrowserIsKnownByItsDesktopFile_data()
     const auto add = [](const char* id, const QString& key) {
         QTest::newRow(id) << QString::fromLatin1(id) << key;
     };
-    for (const char* id : {"firefox-esr", "firefox", "org.mozilla.firefox", "org.gnome.Epiphany"})
-        add(id, u"DocURL"_s);
     for (const char* id :
-         {"chromium", "org.chromium.Chromium", "google-chrome", "com.google.Chrome",
-          "brave-browser", "com.brave.Browser", "microsoft-edge", "com.microsoft.Edge",
-          "vivaldi-stable", "com.vivaldi.Vivaldi", "opera", "com.opera.Opera"})
+         {"firefox-esr", "firefox", "firefox_firefox", "org.mozilla.firefox", "org.gnome.Epiphany"})
+        add(id, u"DocURL"_s);
+    for (const char* id : {"chromium",
+                           "chromium-browser",
+                           "chromium_chromium",
+                           "org.chromium.Chromium",
+                           "google-chrome",
+                           "google-chrome-beta",
+                           "google-chrome-unstable",
+                           "com.google.Chrome",
+                           "com.google.ChromeDev",
+                           "brave-browser",
+                           "brave-browser-beta",
+                           "brave-browser-nightly",
+                           "brave_brave",
+                           "com.brave.Browser",
+                           "microsoft-edge",
+                           "microsoft-edge-beta",
+                           "microsoft-edge-dev",
+                           "com.microsoft.Edge",
+                           "vivaldi-stable",
+                           "com.vivaldi.Vivaldi",
+                           "opera",
+                           "opera_opera",
+                           "com.opera.Opera"})
         add(id, u"URI"_s);
     for (const char* id : {"", "dillo", "org.example.Alpha", "Firefox"})
         add(id, QString());
@@ -94,7 +114,9 @@ void AccessibilityRulesTest::aTitleSaysWhetherAWindowIsOrdinary_data()
     add("nothing", firefox, QString(), false);
     add("Chromium", u"chromium"_s, u"Heron - Chromium"_s, true);
     add("Chromium, another name", u"chromium"_s, u"Heron - Chromium (Incognito)"_s, false);
+    add("Chrome, beta", u"google-chrome-beta"_s, u"Heron - Google Chrome Beta"_s, true);
     add("Edge", edge, u"Heron - Profile 1 - Microsoft\u200b Edge"_s, true);
+    add("Chromium, brackets", u"chromium"_s, u"Heron [1] - Chromium"_s, true);
     add("Edge, private", edge, u"Heron - [InPrivate] - Microsoft\u200b Edge"_s, false);
     add("Web", u"org.gnome.Epiphany"_s, u"Heron"_s, true);
 }
@@ -123,9 +145,11 @@ void AccessibilityRulesTest::theWindowInFrontIsFoundUnlessItMayBePrivate_data()
     add("none", {});
     add("the only one", {ordinary}, title);
     add("others beside", {window({}), window(u"Kingfisher - Chromium"_s), ordinary}, title);
-    add("another is active", {window(u"Kingfisher - Chromium"_s, true), ordinary}, title);
+    add("another is active", {window(u"Kingfisher - Chromium"_s, true), ordinary});
+    add("both are active", {window(u"Kingfisher - Chromium"_s, true), active}, title);
     add("private", {window(title + u" (Incognito)"_s)});
     add("private, German", {window(title + u" (anonym)"_s, true)});
+    add("private, said before the title", {window(u"(Incognito) "_s + title), ordinary});
     add("a private one of the same page beside", {active, window(title + u" (Incognito)"_s)});
     add("two of the same page", {ordinary, active}, title);
     add("two, none active", {ordinary, ordinary});

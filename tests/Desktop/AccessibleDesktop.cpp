@@ -172,9 +172,22 @@ qint64 AccessibleDesktop::startFirefox(const QStringList& arguments)
                  u"firefox-esr"_s);
 }
 
+QString AccessibleDesktop::page(const QString& content)
+{
+    const QString path = file(u"page.html"_s);
+    if (!write(path, content))
+        qFatal("cannot write %s", qPrintable(path));
+    return u"file://"_s + path;
+}
+
 bool AccessibleDesktop::press(const QStringList& keys)
 {
     return m_desktop->run(u"xdotool"_s, QStringList{u"key"_s} + keys, u"xdotool"_s).isSuccess;
+}
+
+bool AccessibleDesktop::type(const QString& text)
+{
+    return m_desktop->run(u"xdotool"_s, {u"type"_s, text}, u"xdotool"_s).isSuccess;
 }
 
 bool AccessibleDesktop::bringToFront(const QString& title)

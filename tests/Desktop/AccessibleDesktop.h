@@ -41,10 +41,16 @@ public:
     qint64 start(const QString& program, const QStringList& arguments, const QString& package);
     qint64 startChromium(const QStringList& arguments);
     qint64 startFirefox(const QStringList& arguments);
+    /// Where a browser finds this page, which stands until the next.
+    QString page(const QString& content);
     /// Presses keys in the window that has the focus, as xdotool names them.
     bool press(const QStringList& keys);
+    /// Types a text there.
+    bool type(const QString& text);
     /// Waits for a window with this in its title and brings it to the front. Whether it is there.
     bool bringToFront(const QString& title);
+
+    qint64 serverProcess() const { return m_desktop->serverProcess(); }
 
     /// Switches the telling of programs on or off.
     bool switchTelling(bool isOn);

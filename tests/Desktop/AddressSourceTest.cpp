@@ -2,7 +2,7 @@
 //
 // The address of the page that a real browser shows.
 #include "Mossbank/Platform/Linux/AtspiAddressSource.h"
-#include "tests/Desktop/AccessibleDesktop.h"
+#include "tests/Desktop/AccessibilityTest.h"
 #include "tests/Desktop/PageServer.h"
 
 #include <QElapsedTimer>
@@ -16,22 +16,20 @@ using namespace mossbank::test;
 
 namespace {
 
-constexpr int kPatience = 20'000;
 constexpr int kLongestAnswer = 2200;
 const QString kChromium = u"chromium"_s;
 const QString kFirefox = u"firefox-esr"_s;
 
 } // namespace
 
-class AddressSourceTest final : public QObject {
+class AddressSourceTest final : public AccessibilityTest {
     Q_OBJECT
 
 public:
     static void initMain() { useTestApplications(); }
 
 private Q_SLOTS:
-    void init() { set({}); }
-    void cleanup();
+    void initTestCase() { QVERIFY(m_server.isListening()); }
     void thePageInFrontHasAnAddress_data() { browsers(); }
     void thePageInFrontHasAnAddress();
     void aBrowserBehindAnotherWindowIsNotAnswered();
@@ -48,15 +46,14 @@ private Q_SLOTS:
 
 private:
     static void browsers();
-    void set(const AccessibleDesktop::Options& options);
-    void begin();
+    void begin() { m_source = std::make_unique<AtspiAddressSource>(accessibility()); }
     bool open(const QString& browser, const QStringList& arguments);
     bool isInFront(const QString& browser, const QString& page, const QString& more = {});
     AddressAnswer ask(const QString& browser);
     bool becomes(const QString& browser, const QString& address);
+    void letGo() override { m_source.reset(); }
 
     PageServer m_server;
-    std::unique_ptr<AccessibleDesktop> m_desktop;
     std::unique_ptr<AddressSource> m_source;
     qint64 m_process = 0;
     qint64 m_milliseconds = 0;
@@ -69,40 +66,16 @@ void AddressSourceTest::browsers()
     QTest::newRow("Firefox") << kFirefox;
 }
 
-void AddressSourceTest::set(const AccessibleDesktop::Options& options)
-{
-    m_desktop.reset();
-    m_desktop = std::make_unique<AccessibleDesktop>(options);
-    QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
-    QVERIFY(m_server.isListening());
-}
-
-void AddressSourceTest::cleanup()
-{
-    m_source.reset();
-    const QStringList left = m_desktop->end();
-    m_desktop.reset();
-    QVERIFY2(left.isEmpty(), qPrintable(left.join(u'\n')));
-}
-
-void AddressSourceTest::begin()
-{
-    const auto accessibility =
-        std::make_shared<Accessibility>(std::make_shared<ApplicationCatalog>());
-    QVERIFY(accessibility->waitUntilKnown(kPatience));
-    m_source = std::make_unique<AtspiAddressSource>(accessibility);
-}
-
 bool AddressSourceTest::open(const QString& browser, const QStringList& arguments)
 {
-    m_process = browser == kChromium ? m_desktop->startChromium(arguments)
-                                     : m_desktop->startFirefox(arguments);
+    m_process = browser == kChromium ? desktop().startChromium(arguments)
+                                     : desktop().startFirefox(arguments);
     return m_process != 0;
 }
 
 bool AddressSourceTest::isInFront(const QString& browser, const QString& page, const QString& more)
 {
-    return m_desktop->bringToFront(
+    return desktop().bringToFront(
         page + (browser == kChromium ? u" - Chromium"_s : u" — Mozilla Firefox"_s) + more);
 }
 
@@ -129,14 +102,14 @@ void AddressSourceTest::thePageInFrontHasAnAddress()
     begin();
     const QString first = m_server.address(u"Kingfisher/one?a=b%20c&d#part"_s);
     const QString second = m_server.address(u"Heron/two"_s);
-    QVERIFY2(open(browser, {first, second}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(browser, {first, second}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(browser, u"Kingfisher"_s));
     QVERIFY(becomes(browser, first));
     for (int time = 0; time < 5; ++time) {
         QVERIFY(becomes(browser, first));
         qInfo("%lld milliseconds", static_cast<long long>(m_milliseconds));
     }
-    QVERIFY(m_desktop->press({u"ctrl+Tab"_s}));
+    QVERIFY(desktop().press({u"ctrl+Tab"_s}));
     QVERIFY(isInFront(browser, u"Heron"_s));
     QVERIFY(becomes(browser, second));
 }
@@ -145,7 +118,7 @@ void AddressSourceTest::aBrowserBehindAnotherWindowIsNotAnswered()
 {
     begin();
     const QString address = m_server.address(u"Kingfisher"_s);
-    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(kChromium, {address}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
     QVERIFY(becomes(kChromium, address));
     // Not the one that was asked, also not where they are of one kind.
@@ -156,7 +129,7 @@ void AddressSourceTest::aBrowserBehindAnotherWindowIsNotAnswered()
                         .colour = kGreen,
                         .windowClass = u"Alpha"_s,
                         .title = u"The other"_s}));
-    QVERIFY(m_desktop->bringToFront(u"The other"_s));
+    QVERIFY(desktop().bringToFront(u"The other"_s));
     QVERIFY(QTest::qWaitFor([&] { return ask(kChromium) == AddressAnswer::failed(); }, kPatience));
     QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
     QVERIFY(becomes(kChromium, address));
@@ -179,7 +152,7 @@ void AddressSourceTest::aPrivateWindowHasNone()
     QFETCH(QString, more);
     begin();
     QVERIFY2(open(browser, {option, m_server.address(u"Kingfisher"_s)}),
-             qPrintable(m_desktop->problem()));
+             qPrintable(desktop().problem()));
     QVERIFY(isInFront(browser, u"Kingfisher"_s, more));
     QElapsedTimer timer;
     timer.start();
@@ -191,7 +164,7 @@ void AddressSourceTest::aPrivateWindowBesideAnOrdinaryOneOfTheSamePageHasNone()
 {
     begin();
     const QString address = m_server.address(u"Kingfisher"_s);
-    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(kChromium, {address}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
     QVERIFY(becomes(kChromium, address));
     QVERIFY(open(kChromium, {u"--incognito"_s, address}));
@@ -207,7 +180,7 @@ void AddressSourceTest::aPrivateWindowBesideAnOrdinaryOneOfTheSamePageHasNone()
     };
     QVERIFY(QTest::qWaitFor([&] { return failsFor(2000); }, kPatience));
     QVERIFY(failsFor(4000));
-    QVERIFY(m_desktop->press({u"ctrl+w"_s}));
+    QVERIFY(desktop().press({u"ctrl+w"_s}));
     QVERIFY(becomes(kChromium, address));
 }
 
@@ -216,7 +189,7 @@ void AddressSourceTest::aBrowserThatStoppedIsNotWaitedForLong()
     QFETCH(QString, browser);
     begin();
     const QString address = m_server.address(u"Kingfisher"_s);
-    QVERIFY2(open(browser, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(browser, {address}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(browser, u"Kingfisher"_s));
     QVERIFY(becomes(browser, address));
     ::kill(static_cast<pid_t>(m_process), SIGSTOP);
@@ -231,19 +204,19 @@ void AddressSourceTest::aBrowserThatStoppedIsNotWaitedForLong()
 
 void AddressSourceTest::switchedOffItHasNoneUntilItIsSwitchedOn()
 {
-    set({.isSwitchedOn = false});
+    startDesktop({.isSwitchedOn = false});
     begin();
     const QString address = m_server.address(u"Kingfisher"_s);
-    QVERIFY2(open(kFirefox, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(kFirefox, {address}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(kFirefox, u"Kingfisher"_s));
     QVERIFY2(m_source->availability().reason.contains(u"switched off"_s),
              qPrintable(m_source->availability().reason));
-    QVERIFY(!m_desktop->isTelling());
+    QVERIFY(!desktop().isTelling());
     QCOMPARE(ask(kFirefox), AddressAnswer::failed());
 
     const QString words = m_source->switchOn();
     QVERIFY2(words.contains(u"close those that are open"_s), qPrintable(words));
-    QVERIFY(QTest::qWaitFor([&] { return m_desktop->isTelling(); }, kPatience));
+    QVERIFY(QTest::qWaitFor([&] { return desktop().isTelling(); }, kPatience));
     QVERIFY(QTest::qWaitFor([&] { return m_source->availability().isAvailable; }, kPatience));
     QVERIFY(becomes(kFirefox, address));
     QVERIFY2(m_source->switchOn().isEmpty(), "there is nothing to be told");
@@ -254,14 +227,14 @@ void AddressSourceTest::theBusMayGoAndComeBack()
     begin();
     QVERIFY(m_source->availability().isAvailable);
     m_source->switchOn();
-    QVERIFY(m_desktop->killAccessibilityBus());
+    QVERIFY(desktop().killAccessibilityBus());
     QVERIFY(QTest::qWaitFor([&] { return !m_source->availability().isAvailable; }, kPatience));
     QCOMPARE(ask(kChromium), AddressAnswer::failed());
     // What the user chose holds for the new one.
     QVERIFY(QTest::qWaitFor([&] { return m_source->availability().isAvailable; }, kPatience));
-    QVERIFY(m_desktop->isTelling());
+    QVERIFY(desktop().isTelling());
     const QString address = m_server.address(u"Kingfisher"_s);
-    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(kChromium, {address}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
     QVERIFY(becomes(kChromium, address));
 }
@@ -278,7 +251,7 @@ void AddressSourceTest::withoutItsBusItSaysWhy()
 {
     QFETCH(bool, hasSession);
     QFETCH(QString, word);
-    set({.hasSession = hasSession, .hasAccessibility = false, .isSwitchedOn = false});
+    startDesktop({.hasSession = hasSession, .hasAccessibility = false, .isSwitchedOn = false});
     begin();
     QVERIFY2(m_source->availability().reason.contains(word),
              qPrintable(m_source->availability().reason));
@@ -292,7 +265,7 @@ void AddressSourceTest::whatIsAskedAtItsEndIsAnswered()
 {
     begin();
     const QString address = m_server.address(u"Kingfisher"_s);
-    QVERIFY2(open(kChromium, {address}), qPrintable(m_desktop->problem()));
+    QVERIFY2(open(kChromium, {address}), qPrintable(desktop().problem()));
     QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
     QVERIFY(becomes(kChromium, address));
     ::kill(static_cast<pid_t>(m_process), SIGSTOP);

@@ -113,6 +113,15 @@ void BrowserPrivacyTest::aCommandSaysThatAllWindowsArePrivate_data()
     add("opera", "opera --private", true);
     add("org.gnome.Epiphany", "epiphany -i", true);
     add("org.gnome.Epiphany", "epiphany http://example.org", false);
+    // As it stands there once one of Chromium's kin has written over it.
+    const auto addInOne = [](const char* id, const char* command, bool isPrivate) {
+        QTest::addRow("%s, in one", command)
+            << QString::fromLatin1(id) << QByteArray(command) << isPrivate;
+    };
+    addInOne("chromium", "/usr/lib/chromium/chromium --incognito http://example.org", true);
+    addInOne("microsoft-edge", "/opt/edge/msedge --inprivate", true);
+    addInOne("chromium", "/usr/lib/chromium/chromium http://example.org/--incognito", false);
+    addInOne("firefox", "firefox -P my --private", false);
 }
 
 void BrowserPrivacyTest::aCommandSaysThatAllWindowsArePrivate()

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A real Firefox all of whose windows are private, which none of them says.
+#include "Mossbank/Platform/Linux/AccessibilityBus.h"
 #include "Mossbank/Platform/Linux/AtspiAddressSource.h"
-#include "tests/Desktop/AccessibleDesktop.h"
+#include "Mossbank/Platform/Linux/PageQuestion.h"
+#include "tests/Desktop/AccessibilityTest.h"
 #include "tests/Desktop/PageServer.h"
 
 #include <QElapsedTimer>
@@ -13,13 +15,7 @@ using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
 
-namespace {
-
-constexpr int kPatience = 20'000;
-
-} // namespace
-
-class PrivateFirefoxTest final : public QObject {
+class PrivateFirefoxTest final : public AccessibilityTest {
     Q_OBJECT
 
 public:
@@ -28,6 +24,12 @@ public:
 private Q_SLOTS:
     void whereAllWindowsArePrivateNoneHasAnAddress_data();
     void whereAllWindowsArePrivateNoneHasAnAddress();
+    void aPrivateWindowsToolbarSaysSo();
+
+private:
+    void letGo() override { m_source.reset(); }
+
+    std::unique_ptr<AddressSource> m_source;
 };
 
 void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress_data()
@@ -60,18 +62,13 @@ void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress()
     QVERIFY(choices.open(QIODevice::WriteOnly) && choices.write(text) == text.size());
     choices.close();
 
-    AccessibleDesktop desktop;
-    QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
-    const auto accessibility =
-        std::make_shared<Accessibility>(std::make_shared<ApplicationCatalog>());
-    QVERIFY(accessibility->waitUntilKnown(kPatience));
-    AtspiAddressSource source(accessibility);
+    m_source = std::make_unique<AtspiAddressSource>(accessibility());
     const QString page = server.address(u"Kingfisher"_s);
     const QStringList arguments =
         QStringList{u"--no-remote"_s, u"--profile"_s, profile.path()} + options + QStringList{page};
-    QVERIFY2(desktop.start(u"firefox-esr"_s, arguments, u"firefox-esr"_s) != 0,
-             qPrintable(desktop.problem()));
-    QVERIFY2(desktop.bringToFront(u"Kingfisher — Mozilla Firefox"_s),
+    QVERIFY2(desktop().start(u"firefox-esr"_s, arguments, u"firefox-esr"_s) != 0,
+             qPrintable(desktop().problem()));
+    QVERIFY2(desktop().bringToFront(u"Kingfisher — Mozilla Firefox"_s),
              "it has the title of an ordinary window");
 
     // An ordinary one has an address within this time, so that a private one has had every chance.
@@ -80,14 +77,43 @@ void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress()
     QElapsedTimer timer;
     timer.start();
     while (!timer.hasExpired(patience) && answers.isEmpty()) {
-        const auto answer = source.ask(u"firefox-esr"_s);
+        const auto answer = m_source->ask(u"firefox-esr"_s);
         QVERIFY(QTest::qWaitFor([&] { return answer.isFinished(); }, kPatience));
         if (answer.result() != AddressAnswer::failed())
             answers.append(answer.result().text);
     }
     QCOMPARE(answers, hasAddress ? QStringList{page} : QStringList());
-    const QStringList left = desktop.end();
-    QVERIFY2(left.isEmpty(), qPrintable(left.join(u'\n')));
+}
+
+/// Whatever its title is.
+void PrivateFirefoxTest::aPrivateWindowsToolbarSaysSo()
+{
+    const PageServer server;
+    QVERIFY(server.isListening());
+    AccessibilityBus bus;
+    AccessiblePrograms programs(bus);
+    bus.start();
+    QVERIFY(QTest::qWaitFor([&] { return bus.isOpen(); }, kPatience));
+    const qint64 process = desktop().startFirefox({server.address(u"Heron"_s)});
+    QVERIFY2(process != 0, qPrintable(desktop().problem()));
+    QVERIFY(desktop().bringToFront(u"Heron — Mozilla Firefox"_s));
+    QVERIFY(desktop().press({u"ctrl+shift+p"_s}));
+    QVERIFY(desktop().bringToFront(u"Mozilla Firefox Private Browsing"_s));
+    // By the names of its windows; whether each has the sign.
+    const auto signs = [&]() -> QCoro::Task<QMap<QString, bool>> {
+        QMap<QString, bool> found;
+        const auto roots = co_await programs.rootsOf(process);
+        for (const Accessible& root : roots.value_or(QList<Accessible>())) {
+            const auto windows = co_await askWindows(bus, root);
+            for (const AccessibleWindow& window : windows.value_or(QList<AccessibleWindow>()))
+                found.insert(window.name, co_await hasPrivateSign(bus, window.object));
+        }
+        co_return found;
+    };
+    const QMap<QString, bool> expected = {{u"Heron — Mozilla Firefox"_s, false},
+                                          {u"Mozilla Firefox Private Browsing"_s, true}};
+    QMap<QString, bool> found;
+    QTRY_VERIFY_WITH_TIMEOUT((found = QCoro::waitFor(signs())) == expected, kPatience);
 }
 
 QTEST_GUILESS_MAIN(PrivateFirefoxTest)

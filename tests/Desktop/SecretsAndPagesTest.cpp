@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The real program before a password that is typed, and before browsers.
-#include "tests/Desktop/AccessibleDesktop.h"
+#include "tests/Desktop/AccessibilityTest.h"
 #include "tests/Desktop/PageServer.h"
 #include "tests/Desktop/RunningMossbank.h"
+#include "tests/Desktop/SignIn.h"
 
 #include <QTest>
 
@@ -16,46 +17,39 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kPatience = 20'000;
+/// What of the rows with this in their titles was saved as their page's address.
+QStringList linksOf(const QList<Memory>& rows, const QString& title)
+{
+    QStringList links;
+    for (const Memory& row : rows) {
+        if (row.title.contains(title))
+            links.append(row.link);
+    }
+    return links;
+}
 
 } // namespace
 
-class SecretsAndPagesTest final : public QObject {
+class SecretsAndPagesTest final : public AccessibilityTest {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase() { useTestApplications(); }
-    void init();
-    void cleanup();
+    void nothingIsSavedWhileAPasswordIsTyped_data() { addSignInKinds(); }
     void nothingIsSavedWhileAPasswordIsTyped();
     void theAddressOfAPageIsSavedButThatOfAPrivateOneIsNot_data();
     void theAddressOfAPageIsSavedButThatOfAPrivateOneIsNot();
-
-private:
-    std::unique_ptr<AccessibleDesktop> m_desktop;
+    void aBrowserThatStopsHoldsNoPass_data();
+    void aBrowserThatStopsHoldsNoPass();
 };
-
-void SecretsAndPagesTest::init()
-{
-    m_desktop = std::make_unique<AccessibleDesktop>();
-    QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
-}
-
-void SecretsAndPagesTest::cleanup()
-{
-    const QStringList left = m_desktop->end();
-    m_desktop.reset();
-    QVERIFY2(left.isEmpty(), qPrintable(left.join(u'\n')));
-}
 
 void SecretsAndPagesTest::nothingIsSavedWhileAPasswordIsTyped()
 {
-    QVERIFY(m_desktop->start(
-        u"yad"_s, {u"--form"_s, u"--title=Sign in"_s, u"--field=Name"_s, u"--field=Password:H"_s},
-        u"yad"_s));
-    QVERIFY(m_desktop->bringToFront(u"Sign in"_s));
-    QTest::qWait(1000);
-    QVERIFY(m_desktop->press({u"Tab"_s}));
+    QFETCH(QString, kind);
+    QVERIFY2(openSignIn(desktop(), kind), qPrintable(desktop().problem()));
+    constexpr int kUntilReady = 1000;
+    QTest::qWait(kUntilReady);
+    QVERIFY(desktop().press({u"Tab"_s}));
 
     RunningMossbank mossbank;
     mossbank.setSessionBus(AccessibleDesktop::sessionBus());
@@ -63,9 +57,10 @@ void SecretsAndPagesTest::nothingIsSavedWhileAPasswordIsTyped()
     QVERIFY(mossbank.start());
     const QString skipped = u"Skipped while a password field or other secure input is active"_s;
     QVERIFY2(mossbank.waitFor(skipped), qPrintable(mossbank.terminal()));
-    QTest::qWait(4000);
+    constexpr int kSeveralPasses = 4000;
+    QTest::qWait(kSeveralPasses);
     QCOMPARE(mossbank.rows().size(), 0);
-    QVERIFY(m_desktop->press({u"shift+Tab"_s}));
+    QVERIFY(desktop().press({u"shift+Tab"_s}));
     QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
     QCOMPARE(mossbank.stop(SIGINT), 0);
     QVERIFY2(!mossbank.terminal().contains(u"ccessibility"_s), qPrintable(mossbank.terminal()));
@@ -73,31 +68,25 @@ void SecretsAndPagesTest::nothingIsSavedWhileAPasswordIsTyped()
 
 void SecretsAndPagesTest::theAddressOfAPageIsSavedButThatOfAPrivateOneIsNot_data()
 {
-    QTest::addColumn<QString>("browser");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<bool>("isPrivate");
-    const QString chromium = u"Chromium"_s;
-    const QString firefox = u"Firefox"_s;
-    QTest::newRow("Chromium") << chromium << u"Kingfisher - Chromium"_s << false;
-    QTest::newRow("Firefox") << firefox << u"Kingfisher — Mozilla Firefox"_s << false;
-    QTest::newRow("Chromium, private") << chromium << u"Kingfisher - Chromium"_s << true;
-    QTest::newRow("Firefox, private")
-        << firefox << u"Kingfisher — Mozilla Firefox Private Browsing"_s << true;
+    QTest::addColumn<bool>("isChromium");
+    QTest::addColumn<QString>("ordinaryTitle");
+    QTest::addColumn<QString>("privateTitle");
+    QTest::newRow("Chromium") << true << u"Heron - Chromium"_s << u"Kingfisher - Chromium"_s;
+    QTest::newRow("Firefox") << false << u"Heron — Mozilla Firefox"_s
+                             << u"Kingfisher — Mozilla Firefox Private Browsing"_s;
 }
 
+/// An ordinary page first, so that the private one has none though the browser would answer.
 void SecretsAndPagesTest::theAddressOfAPageIsSavedButThatOfAPrivateOneIsNot()
 {
-    QFETCH(QString, browser);
-    QFETCH(QString, title);
-    QFETCH(bool, isPrivate);
-    PageServer server;
-    const QString address = server.address(u"Kingfisher/one?two=three"_s);
-    QStringList arguments = {address};
-    const bool isChromium = browser == u"Chromium";
-    if (isPrivate)
-        arguments.prepend(isChromium ? u"--incognito"_s : u"--private-window"_s);
-    QVERIFY(isChromium ? m_desktop->startChromium(arguments) : m_desktop->startFirefox(arguments));
-    QVERIFY(m_desktop->bringToFront(title));
+    QFETCH(bool, isChromium);
+    QFETCH(QString, ordinaryTitle);
+    QFETCH(QString, privateTitle);
+    const PageServer server;
+    QVERIFY(server.isListening());
+    const QString ordinary = server.address(u"Heron/one?two=three"_s);
+    QVERIFY(isChromium ? desktop().startChromium({ordinary}) : desktop().startFirefox({ordinary}));
+    QVERIFY(desktop().bringToFront(ordinaryTitle));
 
     RunningMossbank mossbank;
     mossbank.setSessionBus(AccessibleDesktop::sessionBus());
@@ -105,22 +94,88 @@ void SecretsAndPagesTest::theAddressOfAPageIsSavedButThatOfAPrivateOneIsNot()
                      {u"skipsUnchangedScreens"_s, u"false"_s},
                      {u"savesAddresses"_s, u"true"_s}});
     QVERIFY(mossbank.start());
-    QVERIFY2(mossbank.waitFor(u"Saved at "_s, 4), qPrintable(mossbank.terminal()));
-    const auto links = [&] {
-        QStringList found;
-        for (const Memory& row : mossbank.rows())
-            found.append(row.link);
-        return found;
+    QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
+    const auto links = [&](const QString& title) {
+        return linksOf(mossbank.rows(), title);
     };
-    if (isPrivate) {
-        QTest::qWait(3000);
-        QCOMPARE(links().join(QString()), QString());
+    QVERIFY2(QTest::qWaitFor([&] { return links(u"Heron"_s).contains(ordinary); }, kPatience),
+             qPrintable(mossbank.terminal()));
+
+    const QString secret = server.address(u"Kingfisher"_s);
+    if (isChromium) {
+        QVERIFY(desktop().startChromium({u"--incognito"_s, secret}));
     } else {
-        QVERIFY2(QTest::qWaitFor([&] { return links().contains(address); }, kPatience),
-                 qPrintable(mossbank.terminal()));
-        QVERIFY(std::ranges::all_of(
-            links(), [&](const QString& link) { return link.isEmpty() || link == address; }));
+        QVERIFY(desktop().press({u"ctrl+shift+p"_s}));
+        QVERIFY(desktop().bringToFront(u"Mozilla Firefox Private Browsing"_s));
+        QTest::qWait(1000);
+        QVERIFY(desktop().press({u"ctrl+l"_s}));
+        QVERIFY(desktop().type(secret));
+        QVERIFY(desktop().press({u"Return"_s}));
     }
+    QVERIFY(desktop().bringToFront(privateTitle));
+    constexpr int kSeveral = 4;
+    QVERIFY2(QTest::qWaitFor([&] { return links(u"Kingfisher"_s).size() >= kSeveral; }, kPatience),
+             qPrintable(mossbank.terminal()));
+    QCOMPARE(links(u"Kingfisher"_s).join(QString()), QString());
+    QVERIFY(desktop().bringToFront(ordinaryTitle));
+    const auto before = links(u"Heron"_s).count(ordinary);
+    QVERIFY2(QTest::qWaitFor([&] { return links(u"Heron"_s).count(ordinary) > before; }, kPatience),
+             qPrintable(mossbank.terminal()));
+    QVERIFY(std::ranges::all_of(
+        links(QString()), [&](const QString& link) { return link.isEmpty() || link == ordinary; }));
+    QCOMPARE(mossbank.stop(SIGINT), 0);
+}
+
+void SecretsAndPagesTest::aBrowserThatStopsHoldsNoPass_data()
+{
+    QTest::addColumn<bool>("isChromium");
+    QTest::newRow("Chromium") << true;
+    QTest::newRow("Firefox") << false;
+}
+
+void SecretsAndPagesTest::aBrowserThatStopsHoldsNoPass()
+{
+    QFETCH(bool, isChromium);
+    const PageServer server;
+    QVERIFY(server.isListening());
+    const QString address = server.address(u"Heron"_s);
+    const auto browser = static_cast<pid_t>(isChromium ? desktop().startChromium({address})
+                                                       : desktop().startFirefox({address}));
+    QVERIFY(browser != 0);
+    QVERIFY(
+        desktop().bringToFront(isChromium ? u"Heron - Chromium"_s : u"Heron — Mozilla Firefox"_s));
+    RunningMossbank mossbank;
+    mossbank.setSessionBus(AccessibleDesktop::sessionBus());
+    mossbank.choose({{u"interval"_s, u"1"_s},
+                     {u"skipsUnchangedScreens"_s, u"false"_s},
+                     {u"savesAddresses"_s, u"true"_s}});
+    QVERIFY(mossbank.start());
+    QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
+    const auto count = [&](const QString& link) {
+        return linksOf(mossbank.rows(), u"Heron"_s).count(link);
+    };
+    QVERIFY2(QTest::qWaitFor([&] { return count(address) > 0; }, kPatience),
+             qPrintable(mossbank.terminal()));
+
+    ::kill(browser, SIGSTOP);
+    const auto before = mossbank.rows().size();
+    constexpr int kSeveral = 6;
+    QVERIFY2(QTest::qWaitFor([&] { return mossbank.rows().size() > before + kSeveral; }, kPatience),
+             qPrintable(mossbank.terminal()));
+    QVERIFY2(count(QString()) > 0, "it did not answer");
+    // The newest first. The browser had stopped during all of these passes.
+    const auto stopped = mossbank.rows().first(kSeveral);
+    double longest = 0;
+    for (qsizetype row = 1; row < stopped.size(); ++row)
+        longest = std::max(longest, stopped[row - 1].timestamp - stopped[row].timestamp);
+    qInfo("at most %f seconds from one to the next", longest);
+    constexpr double kInterval = 1;
+    constexpr double kLongestWait = 2.2;
+    QVERIFY(longest <= kInterval + kLongestWait);
+    ::kill(browser, SIGCONT);
+    const auto answered = count(address);
+    QVERIFY2(QTest::qWaitFor([&] { return count(address) > answered; }, kPatience),
+             qPrintable(mossbank.terminal()));
     QCOMPARE(mossbank.stop(SIGINT), 0);
 }
 

@@ -94,13 +94,13 @@ std::optional<QMap<QString, QString>> textsIn(const QDBusMessage& answer)
 
 // Made in functions of their own: the compiler of Debian 12 loses lists within a `co_await`.
 
-BusCall nameCall(const Accessible& object)
+BusCall propertyCall(const Accessible& object, const QString& name)
 {
     return {object.service,
             object.path,
             u"org.freedesktop.DBus.Properties"_s,
             u"Get"_s,
-            {kAccessible, u"Name"_s}};
+            {kAccessible, name}};
 }
 
 BusCall documentCall(const Accessible& document)
@@ -163,10 +163,24 @@ Asked<AccessibleStates> askStates(AccessibilityBus& bus, Accessible object)
 
 Asked<QString> askName(AccessibilityBus& bus, Accessible object)
 {
-    const QDBusMessage answer = co_await bus.ask(nameCall(object));
+    const QDBusMessage answer = co_await bus.ask(propertyCall(object, u"Name"_s));
     const auto value = valueOf(answer, u"v"_s);
     co_return value ? std::optional(value->value<QDBusVariant>().variant().toString())
                     : std::nullopt;
+}
+
+Asked<Accessible> askParent(AccessibilityBus& bus, Accessible object)
+{
+    const QDBusMessage answer = co_await bus.ask(propertyCall(object, u"Parent"_s));
+    const auto value = valueOf(answer, u"v"_s);
+    if (!value)
+        co_return std::nullopt;
+    const QVariant parent = value->value<QDBusVariant>().variant();
+    if (!parent.canConvert<QDBusArgument>())
+        co_return std::nullopt;
+    const auto argument = parent.value<QDBusArgument>();
+    co_return argument.currentSignature() == u"(so)" ? std::optional(readAccessible(argument))
+                                                     : std::nullopt;
 }
 
 Asked<QList<Accessible>> askChildren(AccessibilityBus& bus, Accessible object)

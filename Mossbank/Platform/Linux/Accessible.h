@@ -64,6 +64,8 @@ Asked<quint32> askRole(AccessibilityBus& bus, Accessible object);
 Asked<quint32> askRolePatiently(AccessibilityBus& bus, Accessible object);
 Asked<AccessibleStates> askStates(AccessibilityBus& bus, Accessible object);
 Asked<QString> askName(AccessibilityBus& bus, Accessible object);
+/// What it is in. One without a path when it is in nothing.
+Asked<Accessible> askParent(AccessibilityBus& bus, Accessible object);
 Asked<QList<Accessible>> askChildren(AccessibilityBus& bus, Accessible object);
 Asked<QMap<QString, QString>> askAttributes(AccessibilityBus& bus, Accessible object);
 /// What the window of `object` shows: where a browser says which page is in front.

@@ -33,7 +33,8 @@ bool hasOrdinaryTitle(const Browser& browser, const QString& title);
 /// Whether the window with this title may be a private one. Chromium says that only to assistive
 /// tools: by a name that is the title and more. It does so for a person's name, too, where several
 /// use it.
-bool mayBePrivate(const QList<AccessibleWindow>& windows, const QString& title);
+bool mayBePrivate(const Browser& browser, const QList<AccessibleWindow>& windows,
+                  const QString& title);
 
 /// Which of a browser's windows is the one in front with this title, if that one is surely not a
 /// private one.

@@ -7,12 +7,6 @@ namespace mossbank {
 
 namespace {
 
-QString freshName()
-{
-    static std::atomic<int> count = 0;
-    return QStringLiteral("mossbank-%1").arg(++count);
-}
-
 /// By the address that the environment names now: asked for by its type, a bus is for ever the one
 /// that was named when it was first asked for.
 QDBusConnection connectTo(QDBusConnection::BusType bus, const QString& name)
@@ -25,8 +19,14 @@ QDBusConnection connectTo(QDBusConnection::BusType bus, const QString& name)
 
 } // namespace
 
+QString freshBusName()
+{
+    static std::atomic<int> count = 0;
+    return QStringLiteral("mossbank-%1").arg(++count);
+}
+
 BusConnection::BusConnection(QDBusConnection::BusType bus)
-    : m_name(freshName())
+    : m_name(freshBusName())
     , m_connection(connectTo(bus, m_name))
 {
 }

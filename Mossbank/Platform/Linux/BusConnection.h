@@ -6,6 +6,9 @@
 
 namespace mossbank {
 
+/// A name for a connection to a bus that no other in this program has.
+QString freshBusName();
+
 /// A connection to a message bus that ends with its owner. Each has one of its own, so that what
 /// one listens to ends with it.
 class BusConnection {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/BusLink.h"
 
+#include "Mossbank/Platform/Linux/BusConnection.h"
+
 #include <QCoro/QCoroDBusPendingCall>
 #include <QDBusError>
 #include <QDBusPendingCall>
-
-#include <atomic>
 
 using namespace Qt::StringLiterals;
 
@@ -15,12 +15,6 @@ namespace {
 
 const QString kBus = u"org.freedesktop.DBus"_s;
 const QString kBusPath = u"/org/freedesktop/DBus"_s;
-
-QString freshName()
-{
-    static std::atomic<int> count = 0;
-    return u"mossbank-bus-%1"_s.arg(++count);
-}
 
 // Made in functions of their own: the compiler of Debian 12 loses lists within a `co_await`.
 
@@ -64,7 +58,7 @@ BusLink::~BusLink()
 QCoro::Task<bool> BusLink::open(QString address, int limit)
 {
     close();
-    m_name = freshName();
+    m_name = freshBusName();
     m_connection = QDBusConnection::connectToPeer(address, m_name);
     if (!m_connection->isConnected()) {
         close();

@@ -31,7 +31,7 @@ FocusWatch::FocusWatch(AccessibilityBus& bus, AccessiblePrograms& programs, X11A
     , m_typing(typing)
 {
     m_again.setSingleShot(true);
-    connect(&m_again, &QTimer::timeout, this, [this] { look(); });
+    connect(&m_again, &QTimer::timeout, this, &FocusWatch::lookOnceMore);
     connect(&window, &X11ActiveWindow::changed, this, &FocusWatch::followWindow);
     connect(&window, &X11ActiveWindow::overlaysChanged, this, &FocusWatch::followOverlays);
     connect(&bus, &AccessibilityBus::focusChanged, this, &FocusWatch::followFocus);
@@ -41,13 +41,16 @@ FocusWatch::FocusWatch(AccessibilityBus& bus, AccessiblePrograms& programs, X11A
         m_active.reset();
         followWindow();
     });
+    // What was known of the field in front stands until another window is: it is on the screen
+    // still.
     connect(&bus, &AccessibilityBus::closed, this, [this] {
-        m_active.reset();
-        followWindow();
+        ++m_turn;
+        m_focused.reset();
+        m_services.clear();
     });
     connect(&bus, &AccessibilityBus::programsChanged, this, [this] {
         if (!m_focused)
-            look();
+            lookOnceMore();
     });
     followWindow();
     followOverlays();
@@ -68,6 +71,7 @@ void FocusWatch::followWindow()
     m_attempts = 0;
     m_focused.reset();
     m_services.clear();
+    m_hasManyWindows = false;
     m_isNew = false;
     // While the bus is only being looked for, nothing is known of any window.
     const bool canBeAsked = m_bus.isOpen() || !m_bus.hasLooked();
@@ -81,7 +85,11 @@ void FocusWatch::followWindow()
 
 void FocusWatch::followOverlays()
 {
-    m_typing.setCovered(std::ranges::any_of(m_window.overlays(), isSecretPrompt));
+    const auto overlays = m_window.overlays();
+    m_areOverlaysKnown = overlays.has_value();
+    // What was seen stands until it is seen to have gone.
+    if (overlays)
+        m_typing.setCovered(std::ranges::any_of(*overlays, isSecretPrompt));
 }
 
 void FocusWatch::followFocus(const QString& service, const QString& path, bool isGained)
@@ -110,26 +118,58 @@ void FocusWatch::takeEvent(const Accessible& object, bool isGained)
 {
     if (isGained) {
         ++m_turn;
-        m_focused.reset();
         m_typing.setPlace(Place::Asked);
-        takeFocused(object);
+        takeFocused(object, std::exchange(m_focused, std::nullopt));
     } else if (object == m_focused) {
         m_typing.setPlace(Place::Asked);
         look();
     }
 }
 
-QCoro::Task<> FocusWatch::takeFocused(Accessible object)
+QCoro::Task<> FocusWatch::takeFocused(Accessible object, std::optional<Accessible> before)
 {
     const int turn = m_turn;
     const auto role = co_await askRolePatiently(m_bus, object);
+    const bool isFront = !m_hasManyWindows || co_await isInFront(object);
     if (turn != m_turn)
         co_return;
+    if (!isFront) {
+        // It happened in a window behind, so what had the focus in front has it still.
+        m_focused = before;
+        if (before)
+            checkFocused();
+        else
+            look();
+        co_return;
+    }
     if (!role) {
         lookAgainSoon();
         co_return;
     }
     take({object, *role == static_cast<quint32>(AccessibleRole::PasswordText)});
+}
+
+/// Whether it is in the active window, or may be: of its windows behind, too, a program tells what
+/// has the focus there.
+QCoro::Task<bool> FocusWatch::isInFront(Accessible object)
+{
+    const auto active = m_window.read();
+    if (!active || !active->owner.process)
+        co_return true;
+    const auto roots = co_await m_programs.rootsOf(*active->owner.process);
+    QList<Accessible> all;
+    QList<Accessible> front;
+    for (const Accessible& root : roots.value_or(QList<Accessible>())) {
+        const auto windows = co_await askWindows(m_bus, root);
+        if (!windows)
+            co_return true;
+        for (const AccessibleWindow& window : *windows)
+            all.append(window.object);
+        for (const AccessibleWindow& window : windowsInFront(*windows, active->title))
+            front.append(window.object);
+    }
+    const auto within = co_await windowOf(m_bus, object, all);
+    co_return !within || front.contains(*within);
 }
 
 void FocusWatch::take(const Found& found)
@@ -147,11 +187,13 @@ void FocusWatch::check()
     // One answer of the server that came too late must not hold until another window is active.
     if (!m_active)
         followWindow();
+    if (!m_areOverlaysKnown)
+        followOverlays();
     if (!m_active || !m_bus.isOpen())
         return;
     if (m_focused)
         checkFocused();
-    else if (!m_sinceLook.isValid() || m_sinceLook.hasExpired(kBetweenLooks))
+    else if (!isLooking() && (!m_sinceLook.isValid() || m_sinceLook.hasExpired(kBetweenLooks)))
         look();
 }
 
@@ -180,6 +222,7 @@ QCoro::Task<> FocusWatch::look()
     if (!m_active || !m_active->owner.process || !m_bus.isOpen())
         co_return;
     const int turn = ++m_turn;
+    m_lookTurn = turn;
     m_sinceLook.start();
     // Its title has changed since it came to the front.
     const auto now = m_window.read();
@@ -188,6 +231,7 @@ QCoro::Task<> FocusWatch::look()
     const auto found = co_await find(*m_active->owner.process, m_active->title);
     if (turn != m_turn)
         co_return;
+    m_lookTurn = kNoTurn;
     if (!found) {
         lookAgainSoon();
         co_return;
@@ -212,12 +256,16 @@ Asked<FocusWatch::Found> FocusWatch::find(qint64 process, QString title)
         co_return std::nullopt;
     Found found;
     QStringList services;
+    qsizetype windowCount = 0;
     for (const Accessible& root : *roots) {
         services.append(root.service);
         m_isNew |= !m_met.contains(root.service);
         const auto windows = co_await askWindows(m_bus, root);
         if (!windows)
             co_return std::nullopt;
+        // Chromium has further ones that are nobody's, without a name.
+        windowCount += std::ranges::count_if(
+            *windows, [](const AccessibleWindow& window) { return !window.name.isEmpty(); });
         for (const AccessibleWindow& window : windowsInFront(*windows, title)) {
             // Chromium and its kin begin to look into their pages only when somebody asks for more
             // than names and states.
@@ -229,8 +277,10 @@ Asked<FocusWatch::Found> FocusWatch::find(qint64 process, QString title)
                 found = *inside;
         }
     }
-    if (m_active && m_active->owner.process == process)
+    if (m_active && m_active->owner.process == process) {
         m_services = services;
+        m_hasManyWindows = windowCount > 1;
+    }
     for (const QString& service : std::as_const(services))
         m_met.insert(service);
     co_return found;
@@ -251,6 +301,16 @@ Asked<FocusWatch::Found> FocusWatch::findIn(Accessible window)
             found = {object, isPassword};
     }
     co_return found;
+}
+
+/// A search of a slow program is let come to its end: begun anew each time that somebody wants
+/// one, it never would.
+void FocusWatch::lookOnceMore()
+{
+    if (isLooking())
+        lookAgainSoon();
+    else
+        look();
 }
 
 void FocusWatch::lookAgainSoon()

@@ -41,9 +41,13 @@ private:
     void followFocus(const QString& service, const QString& path, bool isGained);
     QCoro::Task<> followStranger(Accessible object, bool isGained);
     void takeEvent(const Accessible& object, bool isGained);
-    QCoro::Task<> takeFocused(Accessible object);
+    /// `before`: what had it until then.
+    QCoro::Task<> takeFocused(Accessible object, std::optional<Accessible> before);
+    QCoro::Task<bool> isInFront(Accessible object);
     QCoro::Task<> checkFocused();
     QCoro::Task<> look();
+    void lookOnceMore();
+    bool isLooking() const { return m_lookTurn == m_turn; }
     void take(const Found& found);
     Asked<Found> find(qint64 process, QString title);
     Asked<Found> findIn(Accessible window);
@@ -57,12 +61,17 @@ private:
     std::optional<Accessible> m_focused;
     /// Names on the bus of the active window's program.
     QStringList m_services;
+    bool m_hasManyWindows = false;
     /// All that were ever asked, and whether that program was not among them before it came to
     /// the front this time.
     QSet<QString> m_met;
     bool m_isNew = false;
     /// Rises with all that makes an answer under way worthless.
     int m_turn = 0;
+    /// That of the search under way.
+    static constexpr int kNoTurn = -1;
+    int m_lookTurn = kNoTurn;
+    bool m_areOverlaysKnown = false;
     int m_attempts = 0;
     QTimer m_again;
     QElapsedTimer m_sinceLook;

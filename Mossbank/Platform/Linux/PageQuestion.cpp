@@ -69,7 +69,7 @@ QCoro::Task<PageQuestion::Outcome> PageQuestion::askOnce(QString bundleID, Brows
             co_return Outcome::never();
         windows += *some;
     }
-    if (mayBePrivate(windows, active->title))
+    if (mayBePrivate(browser, windows, active->title))
         co_return Outcome::never();
     const auto window = ordinaryWindow(browser, windows, active->title);
     if (!window)
@@ -81,7 +81,7 @@ QCoro::Task<PageQuestion::Outcome> PageQuestion::askOnce(QString bundleID, Brows
 
 QCoro::Task<PageQuestion::Outcome> PageQuestion::askWindow(Browser browser, Accessible window)
 {
-    if (browser.kin == Browser::Kin::Firefox && co_await hasPrivateSign(window))
+    if (browser.kin == Browser::Kin::Firefox && co_await hasPrivateSign(m_bus, window))
         co_return Outcome::never();
     const auto document = co_await findDocument(browser, window);
     if (!document)
@@ -100,23 +100,23 @@ Asked<Accessible> PageQuestion::findDocument(Browser browser, Accessible window)
     co_return co_await walkTo(m_bus, window, AccessibleRole::WebDocument);
 }
 
-/// Whether a toolbar of Firefox has what only those of its private windows have: a label among the
-/// tabs, and a button that ends the private session. It does not depend on the language.
-QCoro::Task<bool> PageQuestion::hasPrivateSign(Accessible window)
+// A label among the tabs, and a button that ends the private session. Neither depends on the
+// language.
+QCoro::Task<bool> hasPrivateSign(AccessibilityBus& bus, Accessible window)
 {
-    const auto parts = co_await askChildren(m_bus, window);
+    const auto parts = co_await askChildren(bus, window);
     if (!parts)
         co_return true;
     for (const Accessible& part : *parts) {
-        const auto role = co_await askRole(m_bus, part);
+        const auto role = co_await askRole(bus, part);
         if (role != static_cast<quint32>(AccessibleRole::ToolBar))
             continue;
-        const auto buttons = co_await askChildren(m_bus, part);
+        const auto buttons = co_await askChildren(bus, part);
         if (!role || !buttons)
             co_return true;
         for (const Accessible& button : *buttons) {
-            const auto kind = co_await askRole(m_bus, button);
-            const auto attributes = co_await askAttributes(m_bus, button);
+            const auto kind = co_await askRole(bus, button);
+            const auto attributes = co_await askAttributes(bus, button);
             if (!kind || !attributes || *kind == static_cast<quint32>(AccessibleRole::Label) ||
                 attributes->value(u"id"_s) == u"reset-pbm-toolbar-button")
                 co_return true;

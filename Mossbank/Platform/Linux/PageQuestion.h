@@ -39,7 +39,6 @@ private:
                                  std::optional<ActiveWindow> first);
     QCoro::Task<Outcome> askWindow(Browser browser, Accessible window);
     Asked<Accessible> findDocument(Browser browser, Accessible window);
-    QCoro::Task<bool> hasPrivateSign(Accessible window);
 
     AccessibilityBus& m_bus;
     AccessiblePrograms& m_programs;
@@ -47,5 +46,9 @@ private:
     std::shared_ptr<ApplicationCatalog> m_catalog;
     BrowserPrivacy m_privacy;
 };
+
+/// Whether a toolbar of this window of Firefox has what only those of its private windows have.
+/// Also where that cannot be told.
+QCoro::Task<bool> hasPrivateSign(AccessibilityBus& bus, Accessible window);
 
 } // namespace mossbank

@@ -75,4 +75,16 @@ Asked<Accessible> walkTo(AccessibilityBus& bus, Accessible window, AccessibleRol
     co_return found->constFirst();
 }
 
+Asked<Accessible> windowOf(AccessibilityBus& bus, Accessible object, QList<Accessible> windows)
+{
+    constexpr int kDeepest = 200;
+    std::optional<Accessible> within = object;
+    for (int depth = 0; within && depth < kDeepest; ++depth) {
+        if (windows.contains(*within))
+            co_return within;
+        within = co_await askParent(bus, *within);
+    }
+    co_return std::nullopt;
+}
+
 } // namespace mossbank

@@ -14,4 +14,7 @@ Asked<QList<Accessible>> searchWindow(AccessibilityBus& bus, Accessible window,
 /// The first object of this role that shows, by walking, within the same bounds.
 Asked<Accessible> walkTo(AccessibilityBus& bus, Accessible window, AccessibleRole role);
 
+/// Which of these windows the object is in. Absent where it is in none.
+Asked<Accessible> windowOf(AccessibilityBus& bus, Accessible object, QList<Accessible> windows);
+
 } // namespace mossbank

@@ -10,11 +10,31 @@ namespace mossbank {
 
 namespace {
 
-/// A server that is merely busy, or held by a window being dragged, is faster.
-constexpr int kPatience = 500;
 constexpr int kBetweenAttempts = 1000;
 
+/// What an event is, whether the server or another program sent it.
+int kindOf(const xcb_generic_event_t& event)
+{
+    constexpr quint8 kSentByProgram = 0x80;
+    return event.response_type & ~kSentByProgram;
+}
+
 } // namespace
+
+xcb_window_t activeWindowOf(const X11Connection& connection)
+{
+    const auto asked = connection.askProperty(connection.root(), connection[Atom::NetActiveWindow],
+                                              sizeof(quint32));
+    // Some window managers have a second item there, which is not the window.
+    return readNumber(connection.property(asked).get()).value_or(XCB_NONE);
+}
+
+bool isOfActiveWindow(const xcb_generic_event_t& event, const X11Connection& connection)
+{
+    return kindOf(event) == XCB_PROPERTY_NOTIFY &&
+           reinterpret_cast<const xcb_property_notify_event_t&>(event).atom ==
+               connection[Atom::NetActiveWindow];
+}
 
 X11ActiveWindow::X11ActiveWindow()
 {
@@ -28,7 +48,7 @@ X11ActiveWindow::~X11ActiveWindow() = default;
 void X11ActiveWindow::connectToServer()
 {
     try {
-        m_connection = std::make_unique<X11Connection>(kPatience);
+        m_connection = std::make_unique<X11Connection>(X11Connection::kShortPatience);
     } catch (const Failure&) {
         m_again.start();
         return;
@@ -59,11 +79,8 @@ std::optional<ActiveWindow> X11ActiveWindow::read()
         return {};
     const X11Connection& connection = *m_connection;
     connection.forgetSilence();
-    const auto asked = connection.askProperty(connection.root(), connection[Atom::NetActiveWindow],
-                                              sizeof(quint32));
     ActiveWindow window;
-    // Some window managers have a second item there, which is not the window.
-    window.id = readNumber(connection.property(asked).get()).value_or(XCB_NONE);
+    window.id = activeWindowOf(connection);
     if (window.id != XCB_NONE) {
         const auto title =
             connection.askProperty(window.id, connection[Atom::NetWmName], kMaxTitleBytes);
@@ -77,17 +94,16 @@ std::optional<ActiveWindow> X11ActiveWindow::read()
     return window;
 }
 
-QList<WindowClass> X11ActiveWindow::overlays()
+std::optional<QList<WindowClass>> X11ActiveWindow::overlays()
 {
-    QList<WindowClass> classes;
     if (!m_connection)
-        return classes;
+        return {};
     const X11Connection& connection = *m_connection;
     connection.forgetSilence();
     const auto tree =
         connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection, connection.root()));
     if (!tree)
-        return classes;
+        return {};
     const xcb_window_t* const first = xcb_query_tree_children(tree.get());
     const std::vector<xcb_window_t> windows(first,
                                             first + xcb_query_tree_children_length(tree.get()));
@@ -97,6 +113,7 @@ QList<WindowClass> X11ActiveWindow::overlays()
         attributes.push_back(xcb_get_window_attributes(connection, window));
         named.push_back(connection.askProperty(window, XCB_ATOM_WM_CLASS, kMaxClassBytes));
     }
+    QList<WindowClass> classes;
     for (std::size_t index = 0; index < windows.size(); ++index) {
         const auto how = connection.reply<xcb_get_window_attributes_reply_t>(attributes.at(index));
         const auto name = connection.property(named.at(index));
@@ -104,6 +121,9 @@ QList<WindowClass> X11ActiveWindow::overlays()
             classes.append(readClass(name.get()));
     }
     QTimer::singleShot(0, this, &X11ActiveWindow::readEvents);
+    // One that did not answer may be a locker; one that has gone answers that it has.
+    if (connection.isSilent() || connection.isBroken())
+        return {};
     return classes;
 }
 
@@ -114,12 +134,8 @@ void X11ActiveWindow::readEvents()
     bool isOther = false;
     bool hasOverlays = false;
     while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(*m_connection)}) {
-        constexpr quint8 kSentByProgram = 0x80;
-        switch (event->response_type & ~kSentByProgram) {
-        case XCB_PROPERTY_NOTIFY:
-            isOther |= reinterpret_cast<const xcb_property_notify_event_t*>(event.get())->atom ==
-                       (*m_connection)[Atom::NetActiveWindow];
-            break;
+        isOther |= isOfActiveWindow(*event, *m_connection);
+        switch (kindOf(*event)) {
         case XCB_MAP_NOTIFY:
             hasOverlays |=
                 reinterpret_cast<const xcb_map_notify_event_t*>(event.get())->override_redirect;

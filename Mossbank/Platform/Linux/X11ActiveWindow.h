@@ -22,6 +22,12 @@ struct ActiveWindow {
     friend bool operator==(const ActiveWindow&, const ActiveWindow&) = default;
 };
 
+/// The window that the window manager calls active. XCB_NONE when there is none, and when the
+/// server does not tell.
+xcb_window_t activeWindowOf(const X11Connection& connection);
+/// Whether an event of the root window says that another has become so.
+bool isOfActiveWindow(const xcb_generic_event_t& event, const X11Connection& connection);
+
 /// Tells which window is active and when another becomes so. It has a connection of its own, so
 /// that it can watch from a thread of its own.
 ///
@@ -37,7 +43,8 @@ public:
     /// Absent when the server does not tell. Without an active window its id is XCB_NONE.
     std::optional<ActiveWindow> read();
     /// The windows that are on top without asking the window manager, as those of lockers are.
-    QList<WindowClass> overlays();
+    /// Absent when the server does not tell.
+    std::optional<QList<WindowClass>> overlays();
 
 Q_SIGNALS:
     /// Another window is active, or the server is not to be asked any more or is so again.

@@ -24,6 +24,8 @@ namespace mossbank {
 namespace {
 
 constexpr std::array<const char*, static_cast<std::size_t>(Atom::Count)> kAtomNames = {
+    "_GTK_APPLICATION_ID",
+    "_KDE_NET_WM_DESKTOP_FILE",
     "_NET_ACTIVE_WINDOW",
     "_NET_CLIENT_LIST",
     "_NET_WM_CM_S", // the number of the screen comes behind it

@@ -16,6 +16,8 @@ namespace mossbank {
 
 /// The atoms that the adapters use, asked for once a connection.
 enum class Atom : quint8 {
+    GtkApplicationId,
+    KdeNetWmDesktopFile,
     NetActiveWindow,
     NetClientList,
     NetCompositor,
@@ -67,6 +69,9 @@ public:
     /// A server that is merely busy, or held by a window being dragged, answers sooner; one that
     /// has stopped must be told of.
     static constexpr int kPatience = 30'000;
+    /// Where somebody would notice the wait: more than half of a second is long, and a server that
+    /// is merely busy is faster.
+    static constexpr int kShortPatience = 500;
 
     /// `patience` bounds in milliseconds how long the opening and each reply are waited for.
     /// Asking `ending` to stop ends the opening at once.

@@ -8,13 +8,6 @@
 
 namespace mossbank {
 
-namespace {
-
-/// Half of a second that is waited in vain is noticed; a server that is merely busy is faster.
-constexpr int kPatience = 500;
-
-} // namespace
-
 X11DisplayPower::X11DisplayPower() = default;
 
 X11DisplayPower::~X11DisplayPower() = default;
@@ -23,7 +16,7 @@ std::optional<bool> X11DisplayPower::isAsleep()
 {
     try {
         if (!m_connection || m_connection->isBroken())
-            m_connection = std::make_unique<X11Connection>(kPatience);
+            m_connection = std::make_unique<X11Connection>(X11Connection::kShortPatience);
     } catch (const Failure&) {
         m_connection.reset();
         return std::nullopt;

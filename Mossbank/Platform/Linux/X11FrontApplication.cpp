@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 
-#include "Mossbank/Platform/Linux/X11Properties.h"
+#include "Mossbank/Platform/Linux/X11ActiveWindow.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <QSocketNotifier>
@@ -12,13 +12,6 @@
 using namespace Qt::StringLiterals;
 
 namespace mossbank {
-
-namespace {
-
-/// Half of a second that is waited in vain is noticed; a server that is merely busy is faster.
-constexpr int kPatience = 500;
-
-} // namespace
 
 X11FrontApplication::X11FrontApplication(std::shared_ptr<ApplicationCatalog> catalog,
                                          OwnProgram own)
@@ -33,7 +26,7 @@ X11FrontApplication::~X11FrontApplication() = default;
 
 void X11FrontApplication::connectToServer()
 {
-    auto fresh = std::make_unique<X11Connection>(kPatience);
+    auto fresh = std::make_unique<X11Connection>(X11Connection::kShortPatience);
     m_notifier.reset();
     m_connection = std::move(fresh);
     const quint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE;
@@ -69,10 +62,7 @@ std::optional<Application> X11FrontApplication::ask() const
 {
     const X11Connection& connection = *m_connection;
     connection.forgetSilence();
-    const auto asked = connection.askProperty(connection.root(), connection[Atom::NetActiveWindow],
-                                              sizeof(quint32));
-    // Some window managers have a second item there, which is not the window.
-    const quint32 window = readNumber(connection.property(asked).get()).value_or(XCB_NONE);
+    const xcb_window_t window = activeWindowOf(connection);
     if (window == XCB_NONE)
         return {};
     const auto attributes = connection.reply<xcb_get_window_attributes_reply_t>(
@@ -89,14 +79,8 @@ std::optional<Application> X11FrontApplication::ask() const
 void X11FrontApplication::readEvents()
 {
     bool hasChanged = false;
-    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(*m_connection)}) {
-        constexpr quint8 kSentByProgram = 0x80;
-        if ((event->response_type & ~kSentByProgram) != XCB_PROPERTY_NOTIFY)
-            continue;
-        const auto* const change =
-            reinterpret_cast<const xcb_property_notify_event_t*>(event.get());
-        hasChanged |= change->atom == (*m_connection)[Atom::NetActiveWindow];
-    }
+    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(*m_connection)})
+        hasChanged |= isOfActiveWindow(*event, *m_connection);
     if (m_connection->isBroken())
         m_notifier->setEnabled(false);
     else if (hasChanged)
