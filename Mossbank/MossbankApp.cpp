@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The program: builds the parts, hands them over, starts.
+#include "Mossbank/MissingParts.h"
 #include "Mossbank/Model/AppModel.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
@@ -33,18 +34,6 @@ void parseCommandLine(const QCoreApplication& application)
     parser.process(application);
 }
 
-/// What this desktop cannot tell is said once, at the start.
-void sayWhatIsMissing(const Platform& platform)
-{
-    for (const Availability& port :
-         {platform.frontApplication->availability(), platform.screenState->availability(),
-          platform.secureInput->availability(), platform.sessionEvents->availability(),
-          platform.addresses->availability()}) {
-        if (!port.isAvailable)
-            TerminalStatus::complain(port.reason);
-    }
-}
-
 void sayHowToRecord(const Preferences& preferences)
 {
     if (!preferences.isReadable()) {
@@ -61,7 +50,7 @@ void sayHowToRecord(const Preferences& preferences)
 int run(const Platform& platform, const QString& library)
 {
     SystemClock clock;
-    Preferences preferences(Preferences::userPath());
+    Preferences preferences(Preferences::userPath(), platform.passwordManagers);
     AppModel model({.clock = clock,
                     .calendar = Calendar::current,
                     .screen = *platform.screen,
@@ -81,10 +70,10 @@ int run(const Platform& platform, const QString& library)
                      Qt::QueuedConnection);
 
     TerminalStatus::say(localized("Library: %1").arg(library));
-    sayWhatIsMissing(platform);
     sayHowToRecord(preferences);
     terminal.show();
     model.finishedLaunching();
+    const MissingParts missing(platform, preferences);
     return QCoreApplication::exec();
 }
 

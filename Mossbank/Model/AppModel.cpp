@@ -58,8 +58,7 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_pauses(surroundings, m_timedPause, m_recorder)
     , m_exclusions(surroundings, m_recorder)
 {
-    connect(&m_preferences, &Preferences::savesAddressesChanged, this,
-            &AppModel::switchAddressesOn);
+    connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);
 }
@@ -70,20 +69,28 @@ void AppModel::finishedLaunching()
 {
     m_exclusions.watchActiveApps();
     // It lasts for a session of the desktop; the choice, once made, lasts for good.
-    if (m_preferences.savesAddresses() && m_preferences.hasChosenAddresses())
-        (void)m_addressSource.switchOn();
+    if (m_preferences.hasChosenAddresses())
+        followAddresses();
     if (m_pauses.resumeStoredPause())
         return;
     if (m_preferences.recordsAtLaunch())
         m_recorder.startWithoutAsking();
 }
 
-void AppModel::switchAddressesOn()
+void AppModel::followAddresses()
 {
-    if (!m_preferences.savesAddresses())
+    if (!m_preferences.savesAddresses()) {
+        m_addressSource.letBe();
         return;
-    if (const QString told = m_addressSource.switchOn(); !told.isEmpty())
+    }
+    const QString told = m_addressSource.switchOn();
+    // It asks the user to do something, but not at the price of what stands there already.
+    if (told.isEmpty())
+        return;
+    if (m_recorder.errorMessage())
         m_recorder.setStatus(told);
+    else
+        m_recorder.setErrorMessage(told);
 }
 
 void AppModel::prepareToQuit()

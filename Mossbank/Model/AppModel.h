@@ -68,7 +68,7 @@ Q_SIGNALS:
     void readyToQuit();
 
 private:
-    void switchAddressesOn();
+    void followAddresses();
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
     Clock& m_clock;

@@ -30,25 +30,14 @@ const QString kPausedUntil = u"pausedUntil"_s;
 const QString kRecordsAfterRelaunch = u"recordsAfterRelaunch"_s;
 
 /// Password managers and what shows keys. A default and no more: a stored list replaces it whole.
-QStringList passwordManagers()
-{
-    QStringList bundleIDs = {u"com.1password.1password"_s, u"com.agilebits.onepassword7"_s,
-                             u"com.apple.Passwords"_s,     u"com.apple.keychainaccess"_s,
-                             u"com.bitwarden.desktop"_s,   u"com.lastpass.LastPass"_s,
-                             u"com.dashlane.Dashlane"_s};
-#ifdef Q_OS_LINUX
-    // Each by the names of its desktop file in packages, bundles and stores.
-    bundleIDs += {u"org.keepassxc.KeePassXC"_s,        u"keepassxc"_s, u"1password"_s,
-                  u"com.onepassword.OnePassword"_s,    u"bitwarden"_s, u"org.gnome.World.Secrets"_s,
-                  u"org.gnome.seahorse.Application"_s, u"seahorse"_s,  u"org.kde.kwalletmanager5"_s,
-                  u"org.kde.kwalletmanager"_s};
-#endif
-    return bundleIDs;
-}
+const QStringList kPasswordManagers = {
+    u"com.1password.1password"_s,  u"com.agilebits.onepassword7"_s, u"com.apple.Passwords"_s,
+    u"com.apple.keychainaccess"_s, u"com.bitwarden.desktop"_s,      u"com.lastpass.LastPass"_s,
+    u"com.dashlane.Dashlane"_s};
 
 } // namespace
 
-Preferences::Preferences(const QString& path, QObject* parent)
+Preferences::Preferences(const QString& path, const QStringList& passwordManagers, QObject* parent)
     : QObject(parent)
     , m_settings(path, QSettings::IniFormat)
     , m_isReadable(m_settings.status() == QSettings::NoError && !QFileInfo(path).isDir() &&
@@ -62,7 +51,7 @@ Preferences::Preferences(const QString& path, QObject* parent)
     , m_savesAddresses(flag(kSavesAddresses, true))
     , m_recordsAtLaunch(flag(kRecordsAtLaunch, false))
     , m_resumesAfterAway(flag(kResumesAfterAway, true))
-    , m_excludedBundles(list(kExcludedBundles, passwordManagers()))
+    , m_excludedBundles(list(kExcludedBundles, kPasswordManagers + passwordManagers))
 {
 }
 

@@ -24,8 +24,10 @@ class Preferences : public QObject {
     Q_OBJECT
 
 public:
-    /// Over the INI file at `path`, which need not exist.
-    explicit Preferences(const QString& path, QObject* parent = nullptr);
+    /// Over the INI file at `path`, which need not exist. `passwordManagers`: what is excluded by
+    /// default besides what is so on every system.
+    explicit Preferences(const QString& path, const QStringList& passwordManagers = {},
+                         QObject* parent = nullptr);
 
     /// The user's own file.
     static QString userPath();

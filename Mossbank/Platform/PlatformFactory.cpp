@@ -4,6 +4,7 @@
 #include "Mossbank/Platform/Linux/AccessibilityBus.h"
 #include "Mossbank/Platform/Linux/AtspiAddressSource.h"
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
+#include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/SessionWatch.h"
 #include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
@@ -78,6 +79,7 @@ Platform makePlatform(const QString& ownBundleID)
         u"This version has no window to choose an application in."_s);
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
+    platform.passwordManagers = passwordManagersOfLinux();
     return platform;
 }
 

@@ -12,6 +12,7 @@
 #include "MossbankCore/Ports/TextRecognizer.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -28,6 +29,8 @@ struct Platform {
     std::unique_ptr<ApplicationChooser> applicationChooser;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
+    /// The identities of what keeps passwords, and of what shows keys, on this system alone.
+    QStringList passwordManagers;
 };
 
 /// Chooses the adapters for this machine. `ownBundleID` is this program's identity.

@@ -56,6 +56,10 @@ public:
     /// chooses to have addresses saved, for it may concern all that runs on the desktop. Returns
     /// what the user is to be told of it; empty when nothing.
     virtual QString switchOn() = 0;
+
+    /// The user has taken that back: what is off from now on is left off. What is on stays on, for
+    /// others may have come to need it.
+    virtual void letBe() = 0;
 };
 
 } // namespace mossbank

@@ -75,14 +75,66 @@ private Q_SLOTS:
         QCOMPARE(m_mossbank->stop(SIGINT), 0);
     }
 
+    void whoDoesNotWantItBackStaysUnrecorded_data()
+    {
+        QTest::addColumn<QString>("event");
+        for (const char* event : {"lock", "saver", "sleep", "session"})
+            QTest::newRow(event) << QString::fromLatin1(event);
+    }
     void whoDoesNotWantItBackStaysUnrecorded()
     {
+        QFETCH(QString, event);
         QVERIFY(startRecording({{u"resumesAfterAway"_s, u"false"_s}}));
-        QVERIFY(happens(u"lock"_s, true));
-        QVERIFY(m_mossbank->waitFor(u"Paused when the screen locked"_s));
-        QVERIFY(happens(u"lock"_s, false));
+        QVERIFY(happens(event, true));
+        QVERIFY2(m_mossbank->waitFor(u"Paused when "_s), qPrintable(m_mossbank->terminal()));
+        QVERIFY(happens(event, false));
         QTest::qWait(3000);
         QCOMPARE(m_mossbank->terminal().count(u"Waiting for your next screen"_s), 1);
+        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+    }
+
+    void itComesBackOnlyWhenNothingStandsAgainstIt_data()
+    {
+        // Each step is an event, with a minus for its end.
+        QTest::addColumn<QStringList>("steps");
+        const auto add = [](const char* steps) {
+            QTest::newRow(steps) << QString::fromLatin1(steps).split(u' ');
+        };
+        add("lock sleep -sleep -lock");
+        add("sleep lock -sleep -lock");
+        add("lock session -lock -session");
+        add("session saver -session -saver");
+        add("saver sleep -saver -sleep");
+    }
+    void itComesBackOnlyWhenNothingStandsAgainstIt()
+    {
+        QFETCH(QStringList, steps);
+        const QString begins = u"Waiting for your next screen"_s;
+        QVERIFY(startRecording({}));
+        const QString last = steps.takeLast();
+        for (const QString& step : std::as_const(steps)) {
+            QVERIFY(takePlace(step));
+            QTest::qWait(500);
+        }
+        constexpr int kLongEnough = 2000;
+        QTest::qWait(kLongEnough);
+        QCOMPARE(m_mossbank->terminal().count(begins), 1);
+        QVERIFY(takePlace(last));
+        QVERIFY2(m_mossbank->waitFor(begins, 2), qPrintable(m_mossbank->terminal()));
+        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+    }
+
+    void aBlankedScreenIsNotRecorded()
+    {
+        QVERIFY(startRecording({{u"skipsUnchangedScreens"_s, u"false"_s}}));
+        QVERIFY(happens(u"blank"_s, true));
+        QVERIFY2(m_mossbank->waitFor(u"Skipped while the display is asleep"_s),
+                 qPrintable(m_mossbank->terminal()));
+        const auto before = m_mossbank->pictureFiles().size();
+        QTest::qWait(3000);
+        QCOMPARE(m_mossbank->pictureFiles().size(), before);
+        QVERIFY(happens(u"blank"_s, false));
+        QTRY_VERIFY_WITH_TIMEOUT(m_mossbank->pictureFiles().size() > before, 10'000);
         QCOMPARE(m_mossbank->stop(SIGINT), 0);
     }
 
@@ -112,6 +164,10 @@ private Q_SLOTS:
                                   u"-bg"_s, u"darkgreen"_s, u"-e"_s, u"sleep 1000"_s},
                                  u"xterm"_s));
         QTRY_VERIFY_WITH_TIMEOUT(m_mossbank->pictureFiles().size() > before, 10'000);
+        const QString unknown = u"Mossbank cannot tell when the screen is locked"_s;
+        QVERIFY2(m_mossbank->waitFor(unknown), qPrintable(m_mossbank->terminal()));
+        QTest::qWait(12'000);
+        QCOMPARE(m_mossbank->terminal().count(unknown), 1);
         QCOMPARE(m_mossbank->stop(SIGINT), 0);
     }
 
@@ -143,7 +199,17 @@ private:
             return m_screenSaver->setActive(isLeaving);
         if (event == u"sleep"_s)
             return m_logind->sleep(isLeaving);
+        if (event == u"blank"_s) {
+            const QString option = isLeaving ? u"activate"_s : u"reset"_s;
+            return m_desktop->run(u"xset"_s, {u"s"_s, option}, u"x11-xserver-utils"_s).isSuccess;
+        }
         return m_logind->setActive(!isLeaving);
+    }
+
+    bool takePlace(const QString& step)
+    {
+        const bool isEnd = step.startsWith(u'-');
+        return happens(isEnd ? step.mid(1) : step, !isEnd);
     }
 
     std::unique_ptr<VirtualDesktop> m_desktop;

@@ -80,16 +80,22 @@ private Q_SLOTS:
     void passwordManagersAreExcludedFromTheStart_data()
     {
         QTest::addColumn<QString>("windowClass");
-        for (const char* windowClass :
-             {"KeePassXC", "keepassxc", "Bitwarden", "1Password", "seahorse",
-              "org.gnome.World.Secrets", "org.kde.kwalletmanager5"})
-            QTest::newRow(windowClass) << QString::fromLatin1(windowClass);
+        QTest::addColumn<QString>("applicationID");
+        for (const char* windowClass : {"KeePassXC", "keepassxc", "Bitwarden", "1Password",
+                                        "seahorse", "secrets", "kwalletmanager5"})
+            QTest::newRow(windowClass) << QString::fromLatin1(windowClass) << QString();
+        QTest::newRow("by what it says it is")
+            << u"python3"_s << u"org.gnome.seahorse.Application"_s;
     }
     void passwordManagersAreExcludedFromTheStart()
     {
         QFETCH(QString, windowClass);
+        QFETCH(QString, applicationID);
         m_mossbank->choose({{u"interval"_s, u"1"_s}});
-        QVERIFY(m_secret->open({.frame = kOnTheRight, .colour = kRed, .windowClass = windowClass}));
+        QVERIFY(m_secret->open({.frame = kOnTheRight,
+                                .colour = kRed,
+                                .windowClass = windowClass,
+                                .applicationID = applicationID}));
         QVERIFY(openEditor() != 0);
         nothingIsRecorded(0);
     }

@@ -33,6 +33,7 @@ QJsonObject WindowSpec::toJson() const
             {u"height"_s, frame.height()},
             {u"colour"_s, static_cast<qint64>(colour)},
             {u"class"_s, windowClass},
+            {u"application"_s, applicationID},
             {u"title"_s, title},
             {u"type"_s, type},
             {u"overridesRedirect"_s, overridesRedirect},
@@ -48,6 +49,7 @@ WindowSpec WindowSpec::fromJson(const QJsonObject& json)
                            json[u"height"].toInt()),
             .colour = static_cast<QRgb>(json[u"colour"].toInteger()),
             .windowClass = json[u"class"].toString(),
+            .applicationID = json[u"application"].toString(),
             .title = json[u"title"].toString(),
             .type = json[u"type"].toString(),
             .overridesRedirect = json[u"overridesRedirect"].toBool(),
@@ -99,6 +101,9 @@ xcb_window_t PaintedWindows::open(const WindowSpec& spec, int patience)
         const QByteArray name = spec.windowClass.toUtf8();
         setText(window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, name + '\0' + name + '\0');
     }
+    if (!spec.applicationID.isEmpty())
+        setText(window, atom("_GTK_APPLICATION_ID"), atom("UTF8_STRING"),
+                spec.applicationID.toUtf8());
     if (!spec.title.isEmpty())
         setText(window, atom("_NET_WM_NAME"), atom("UTF8_STRING"), spec.title.toUtf8());
     if (!spec.type.isEmpty()) {

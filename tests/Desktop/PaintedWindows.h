@@ -17,6 +17,8 @@ struct WindowSpec {
     QRgb colour = 0;
     /// Empty: the window has no class.
     QString windowClass = {};
+    /// As programs with GTK say it. Empty: it says none.
+    QString applicationID = {};
     QString title = {};
     /// "_NET_WM_WINDOW_TYPE_…"; empty: it has none.
     QString type = {};

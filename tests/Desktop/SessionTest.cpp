@@ -316,6 +316,19 @@ private Q_SLOTS:
         QVERIFY(!m_state->isMainDisplayAsleep());
     }
 
+    void aWakeThatNobodyToldIsFoundOut()
+    {
+        QVERIFY(startLogind());
+        watch();
+        QVERIFY(m_logind->sleep(true));
+        QTRY_COMPARE(m_told, QStringList{kSleep});
+        m_logind.reset();
+        QVERIFY(m_state->isMainDisplayAsleep());
+        QVERIFY(startLogind());
+        QTRY_COMPARE(m_told, (QStringList{kSleep, kWake}));
+        QVERIFY(!m_state->isMainDisplayAsleep());
+    }
+
     void aBlankedScreenIsAsleepAndItsWakingIsTold()
     {
         watch();

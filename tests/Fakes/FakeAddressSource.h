@@ -21,12 +21,15 @@ public:
     QString failure;
     QStringList asked;
     int timesSwitchedOn = 0;
+    bool isWantedOn = false;
 
     Availability availability() const override { return {}; }
     bool canAsk(const QString& bundleID) const override { return browsers.contains(bundleID); }
 
     QFuture<AddressAnswer> ask(const QString& bundleID) override
     {
+        if (!canAsk(bundleID))
+            return QtFuture::makeReadyFuture(AddressAnswer::failed());
         asked.append(bundleID);
         if (!failure.isEmpty())
             return QtFuture::makeExceptionalFuture<AddressAnswer>(Failure(failure));
@@ -39,8 +42,10 @@ public:
     QString switchOn() override
     {
         ++timesSwitchedOn;
+        isWantedOn = true;
         return QStringLiteral("Browsers have to be started again.");
     }
+    void letBe() override { isWantedOn = false; }
 
     /// Answers the question that has waited longest.
     void release()

@@ -32,6 +32,12 @@ extern "C" int EVP_EncryptUpdate(void* context, unsigned char* out, int* written
 using namespace mossbank;
 using namespace Qt::StringLiterals;
 
+namespace {
+
+const QString kStartAgain = u"Browsers have to be started again."_s;
+
+} // namespace
+
 class AppModelTest : public QObject {
     Q_OBJECT
 
@@ -67,7 +73,22 @@ private Q_SLOTS:
         QCOMPARE(rig.addresses.timesSwitchedOn, 0);
         rig.preferences.setSavesAddresses(true);
         QCOMPARE(rig.addresses.timesSwitchedOn, 1);
-        QCOMPARE(model.recorder().status(), u"Browsers have to be started again."_s);
+        QVERIFY(rig.addresses.isWantedOn);
+        // The user is to do something, so the next save must not take it off the screen.
+        QCOMPARE(model.recorder().errorMessage(), kStartAgain);
+        rig.preferences.setSavesAddresses(false);
+        QVERIFY2(!rig.addresses.isWantedOn, "the choice was taken back");
+    }
+
+    void whatStandsThereAlreadyIsNotLostForThat()
+    {
+        RecorderRig rig(false);
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        const QString before = u"Screenshots will be saved unencrypted: there is no keyring."_s;
+        model.recorder().setErrorMessage(before);
+        rig.preferences.setSavesAddresses(true);
+        QCOMPARE(model.recorder().errorMessage(), before);
+        QCOMPARE(model.recorder().status(), kStartAgain);
     }
 
     void aChoiceOfAddressesCountsInTheNextSessionToo_data()
@@ -86,6 +107,8 @@ private Q_SLOTS:
         model.finishedLaunching();
         QCOMPARE(rig.addresses.timesSwitchedOn, savesAddresses ? 1 : 0);
         QCOMPARE(model.recorder().status(), u"Recording is off"_s);
+        QCOMPARE(model.recorder().errorMessage(),
+                 savesAddresses ? std::optional(kStartAgain) : std::nullopt);
     }
 
     void aLibraryThatCannotBeOpenedIsToldAndNothingIsRecorded()

@@ -36,11 +36,7 @@ class PreferencesTest : public QObject {
                  (QStringList{u"com.1password.1password"_s, u"com.agilebits.onepassword7"_s,
                               u"com.apple.Passwords"_s, u"com.apple.keychainaccess"_s,
                               u"com.bitwarden.desktop"_s, u"com.lastpass.LastPass"_s,
-                              u"com.dashlane.Dashlane"_s, u"org.keepassxc.KeePassXC"_s,
-                              u"keepassxc"_s, u"1password"_s, u"com.onepassword.OnePassword"_s,
-                              u"bitwarden"_s, u"org.gnome.World.Secrets"_s,
-                              u"org.gnome.seahorse.Application"_s, u"seahorse"_s,
-                              u"org.kde.kwalletmanager5"_s, u"org.kde.kwalletmanager"_s}));
+                              u"com.dashlane.Dashlane"_s}));
     }
 
 private Q_SLOTS:
@@ -48,6 +44,18 @@ private Q_SLOTS:
     {
         const QTemporaryDir folder;
         compareWithDefaults(Preferences(folder.filePath(u"not there/choices.ini"_s)));
+    }
+
+    void theSystemsOwnPasswordManagersFollowThoseOfEverySystem()
+    {
+        const QTemporaryDir folder;
+        const QStringList ofEverySystem =
+            Preferences(folder.filePath(u"none.ini"_s)).excludedBundles();
+        const QStringList own = {u"keepassxc"_s, u"seahorse"_s};
+        QCOMPARE(Preferences(folder.filePath(u"none.ini"_s), own).excludedBundles(),
+                 ofEverySystem + own);
+        const QString stored = write(folder, "[General]\nexcludedBundles=a.b\n");
+        QCOMPARE(Preferences(stored, own).excludedBundles(), QStringList{u"a.b"_s});
     }
 
     void valuesOfTheWrongTypeCountAsAbsent()

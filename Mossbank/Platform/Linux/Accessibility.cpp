@@ -136,4 +136,9 @@ void Accessibility::switchOn() const
     QMetaObject::invokeMethod(m_work, [work = m_work] { work->bus.switchOn(); });
 }
 
+void Accessibility::letBe() const
+{
+    QMetaObject::invokeMethod(m_work, [work = m_work] { work->bus.letBe(); });
+}
+
 } // namespace mossbank

@@ -42,6 +42,8 @@ public:
 
     /// Has all programs of the session tell.
     void switchOn() const;
+    /// No longer does so when the bus comes anew.
+    void letBe() const;
 
 private:
     class Work;

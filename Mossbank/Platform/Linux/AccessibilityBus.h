@@ -47,6 +47,8 @@ public:
     /// Has every program of the session tell what is in its windows, now and whenever the bus comes
     /// back.
     QCoro::Task<> switchOn();
+    /// From now on it is left as it is.
+    void letBe() { m_isWantedOn = false; }
 
 Q_SIGNALS:
     void opened();
@@ -78,7 +80,6 @@ private:
     bool m_isWantedOn = false;
     int m_attempts = 0;
     bool m_isLooking = false;
-    bool m_isSessionHeard = false;
 
     mutable QMutex m_mutex;
     bool m_hasLooked = false;

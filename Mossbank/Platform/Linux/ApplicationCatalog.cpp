@@ -240,7 +240,9 @@ Application ApplicationCatalog::application(const WindowClass& windowClass,
 {
     const QMutexLocker lock(&m_mutex);
     index();
-    const QString key = windowClass.instance + u'\n' + windowClass.name + u'\n' + executable;
+    const QString key =
+        QStringList{windowClass.instance, windowClass.name, windowClass.desktopFile, executable}
+            .join(u'\n');
     if (const auto found = m_found.constFind(key); found != m_found.constEnd())
         return *found;
     std::optional<Application> found = find(windowClass, executable);
@@ -300,7 +302,8 @@ void ApplicationCatalog::readIndex()
 QStringList ApplicationCatalog::aliases(const WindowClass& windowClass, const QString& executable,
                                         const QString& bundleID) const
 {
-    QStringList names = {windowClass.instance, windowClass.name, QFileInfo(executable).fileName()};
+    QStringList names = {windowClass.instance, windowClass.name, windowClass.desktopFile,
+                         QFileInfo(executable).fileName()};
     for (const QString& word : {windowClass.instance, windowClass.name})
         names += m_idsOfClass.values(word.toLower());
     names += m_idsOfExecutable.values(executable);
@@ -331,6 +334,8 @@ std::optional<Application> ApplicationCatalog::find(const WindowClass& windowCla
         const auto found = where.constFind(key);
         return key.isEmpty() || found == where.constEnd() ? std::nullopt : std::optional(*found);
     };
+    if (const auto found = look(m_index->byID, windowClass.desktopFile.toLower()))
+        return found;
     // The instance is the narrower of the two: a browser gives it to the pages that are installed
     // as applications, and all of them have the browser's class.
     for (const QString& name : {windowClass.instance, windowClass.name}) {

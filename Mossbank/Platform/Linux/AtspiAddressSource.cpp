@@ -90,9 +90,13 @@ QString AtspiAddressSource::switchOn()
     if (wasOn)
         return {};
     return u"Accessibility is being switched on for this session, because that is how browsers "
-           u"tell "
-           u"the address of their page. Chromium, Chrome and other browsers of their kind notice "
-           u"it only when they start: close those that are open and open them again."_s;
+           u"tell the address of their page. Chromium, Chrome and other browsers of their kind "
+           u"notice it only when they start: close those that are open and open them again."_s;
+}
+
+void AtspiAddressSource::letBe()
+{
+    m_accessibility->letBe();
 }
 
 } // namespace mossbank

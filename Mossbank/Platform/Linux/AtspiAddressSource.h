@@ -22,6 +22,7 @@ public:
     bool canAsk(const QString& bundleID) const override;
     QFuture<AddressAnswer> ask(const QString& bundleID) override;
     QString switchOn() override;
+    void letBe() override;
 
 private:
     class Question;

@@ -5,6 +5,7 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 
 #include <utility>
 
@@ -65,8 +66,10 @@ LogindSession::LogindSession(QObject* parent)
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) {
                 lose();
-                if (!owner.isEmpty())
-                    find();
+                if (owner.isEmpty())
+                    return;
+                find();
+                askWhetherGoingToSleep();
             });
     m_bus->connect(kService, kManagerPath, kManager, u"PrepareForSleep"_s, this,
                    SLOT(onPrepareForSleep(bool)));
@@ -89,6 +92,24 @@ void LogindSession::tryAgainLater()
     // One that comes is told of; one that is there may have been too busy to answer.
     if (m_isRunning && m_bus->isConnected())
         m_untilNextTry.start();
+}
+
+/// One that came anew may have told of the wake while nobody was there to tell it.
+void LogindSession::askWhetherGoingToSleep()
+{
+    if (!m_isGoingToSleep)
+        return;
+    const QDBusPendingCall call = m_bus->asyncCall(
+        question(kManagerPath, kProperties, u"Get"_s, {kManager, u"PreparingForSleep"_s}),
+        kPatience);
+    const auto* const answer = new QDBusPendingCallWatcher(call, this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* told) {
+                told->deleteLater();
+                const QDBusPendingReply<QDBusVariant> isIt = *told;
+                if (m_isGoingToSleep && isIt.isValid() && !isIt.value().variant().toBool())
+                    onPrepareForSleep(false);
+            });
 }
 
 void LogindSession::find()

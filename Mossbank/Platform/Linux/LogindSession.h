@@ -57,6 +57,7 @@ private:
     void find();
     void findNext();
     void tryAgainLater();
+    void askWhetherGoingToSleep();
     QDBusPendingCall askPath();
     QDBusPendingCall askProperties(const QString& path);
     /// Where the session is, by an answer. Empty when that is none.

@@ -9,6 +9,8 @@ namespace mossbank {
 struct WindowClass {
     QString instance;
     QString name;
+    /// The desktop file that it gives as its own. Few do, but those that do are right.
+    QString desktopFile = {};
 
     bool isEmpty() const { return instance.isEmpty() && name.isEmpty(); }
 

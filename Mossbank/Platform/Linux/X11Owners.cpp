@@ -19,15 +19,33 @@ constexpr quint32 kMaxMachineBytes = 256;
 struct AskedOwner {
     xcb_window_t window;
     xcb_get_property_cookie_t windowClass;
+    xcb_get_property_cookie_t gtkID;
+    xcb_get_property_cookie_t kdeFile;
     xcb_get_property_cookie_t process;
     xcb_get_property_cookie_t machine;
 };
 
 AskedOwner ask(const X11Connection& connection, xcb_window_t window)
 {
-    return {window, connection.askProperty(window, XCB_ATOM_WM_CLASS, kMaxClassBytes),
+    return {window,
+            connection.askProperty(window, XCB_ATOM_WM_CLASS, kMaxClassBytes),
+            connection.askProperty(window, connection[Atom::GtkApplicationId], kMaxClassBytes),
+            connection.askProperty(window, connection[Atom::KdeNetWmDesktopFile], kMaxClassBytes),
             connection.askProperty(window, connection[Atom::NetWmPid], sizeof(quint32)),
             connection.askProperty(window, XCB_ATOM_WM_CLIENT_MACHINE, kMaxMachineBytes)};
+}
+
+/// The identity of an application, by what GTK's programs and what KDE's say of themselves: an
+/// identity, and a desktop file with or without its path and ending.
+QString desktopFileOf(const QString& gtkID, const QString& kdeFile)
+{
+    if (!gtkID.isEmpty())
+        return gtkID;
+    QString file = kdeFile.section(u'/', -1);
+    const QString ending = QStringLiteral(".desktop");
+    if (file.endsWith(ending))
+        file.chop(ending.size());
+    return file;
 }
 
 /// What the window says itself. Its process counts only when it is one of this machine: a number
@@ -37,6 +55,10 @@ X11Owner answer(const X11Connection& connection, const AskedOwner& asked)
     const auto process = readNumber(connection.property(asked.process).get());
     const auto machineReply = connection.property(asked.machine);
     X11Owner owner = {readClass(connection.property(asked.windowClass).get()), {}};
+    const auto gtkID = connection.property(asked.gtkID);
+    const auto kdeFile = connection.property(asked.kdeFile);
+    owner.windowClass.desktopFile =
+        desktopFileOf(readText(connection, gtkID.get()), readText(connection, kdeFile.get()));
     const QString machine = readText(connection, machineReply.get());
     const bool isHere = machine.isEmpty() || machine == QSysInfo::machineHostName();
     if (process.value_or(0) != 0 && isHere)

@@ -22,6 +22,7 @@ public:
         return QtFuture::makeReadyFuture(AddressAnswer::failed());
     }
     QString switchOn() override { return m_reason; }
+    void letBe() override {}
 
 private:
     QString m_reason;
