@@ -76,6 +76,24 @@ excludedBundles=@Size(3 4)
         compareWithDefaults(preferences);
     }
 
+    void aModeOfNoKnownNameStandsAsItIs_data()
+    {
+        QTest::addColumn<QByteArray>("written");
+        QTest::addColumn<QString>("mode");
+        // Neither counts as absent: each then saves at any change.
+        QTest::newRow("empty") << QByteArray("changeMode=") << QString();
+        QTest::newRow("unknown") << QByteArray("changeMode=sometimes") << u"sometimes"_s;
+        QTest::newRow("known") << QByteArray("changeMode=obvious") << u"obvious"_s;
+    }
+    void aModeOfNoKnownNameStandsAsItIs()
+    {
+        QFETCH(QByteArray, written);
+        QFETCH(QString, mode);
+        const QTemporaryDir folder;
+        const Preferences preferences(write(folder, "[General]\n" + written + "\n"));
+        QCOMPARE(preferences.changeMode(), mode);
+    }
+
     void aListWrittenByHandIsReadAsItIsMeant_data()
     {
         QTest::addColumn<QByteArray>("written");
