@@ -377,6 +377,11 @@ private Q_SLOTS:
     {
         RecorderRig rig;
         rig.start();
+        rig.drawBlock(QRect(0, 0, 2, 2));
+        rig.nextPass();
+        QVERIFY(rig.recorder->screensSeen().lastScreen);
+        QVERIFY(rig.recorder->screensSeen().lastChecked);
+        QVERIFY(!rig.recorder->screensSeen().motion.sightings.empty());
         rig.preferences.setSkipsUnchangedScreens(false);
         QVERIFY(!rig.recorder->screensSeen().lastScreen);
         QVERIFY(!rig.recorder->screensSeen().lastChecked);
