@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/PlatformFactory.h"
-#include "tests/Desktop/ResidentMemory.h"
+#include "tests/ResidentMemory.h"
 
 #include <QElapsedTimer>
 #include <QFont>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/ScreensSeen.h"
 #include "tests/Desktop/DesktopTest.h"
-#include "tests/Desktop/ResidentMemory.h"
+#include "tests/ResidentMemory.h"
 
 #include <QDir>
 
