@@ -4,6 +4,7 @@
 #include "Mossbank/Model/ScreensSeen.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "MossbankCore/Support/Failure.h"
+#include "bench/BenchBounds.h"
 #include "bench/BenchDesktop.h"
 #include "bench/BenchMemory.h"
 #include "bench/BenchOutput.h"
@@ -44,6 +45,10 @@ QImage noise(const QSize& size)
     return image;
 }
 
+// As wide as the loop that it is compared with.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+__attribute__((target_clones("avx2", "default")))
+#endif
 /// Every byte is fetched, and nothing else is done with it than has to be.
 void readAll(const QImage& image)
 {
@@ -57,7 +62,7 @@ void readAll(const QImage& image)
 
 /// `pictures` in turn: several are together more than the caches hold, so that each comes from
 /// memory as one that was just taken may.
-void measureMake(const QString& from, int pictures)
+PairedTimes measureMake(const QString& from, int pictures, Bounds& bounds)
 {
     std::vector<QImage> images;
     for (int picture = 0; picture < pictures; ++picture)
@@ -73,12 +78,27 @@ void measureMake(const QString& from, int pictures)
     printTimes({{u"bench"_s, u"check"_s},
                 {u"what"_s, u"make 2048x1152"_s},
                 {u"from"_s, from},
-                {u"baseline"_s, u"a plain read"_s}},
+                {u"baseline"_s, u"a plain read"_s},
+                {u"least_ms"_s, rounded(quantile(paired.times, 0))},
+                {u"baseline_least_ms"_s, rounded(quantile(paired.baseline, 0))}},
                paired);
+    bounds.hold(u"make 2048x1152 from "_s + from, median(paired.times),
+                CheckBounds::kMakeMilliseconds, u"ms"_s);
+    return paired;
+}
+
+void measureMakes(Bounds& bounds)
+{
+    measureMake(u"the caches"_s, 1, bounds);
+    // A picture that was just taken was written by another process, and is larger than what a core
+    // keeps at hand.
+    const PairedTimes paired = measureMake(u"memory"_s, 12, bounds);
+    bounds.hold(u"make 2048x1152 from memory"_s, paired.ratio(), CheckBounds::kMakeToPlainRead,
+                u"times a plain read"_s);
 }
 
 template <typename Compare>
-void measureComparison(const QString& what, Compare compare)
+double measureComparison(const QString& what, Compare compare)
 {
     constexpr int kTimes = 100;
     std::vector<double> times;
@@ -92,9 +112,10 @@ void measureComparison(const QString& what, Compare compare)
                   {u"what"_s, what},
                   {u"microseconds"_s, rounded(median(times))},
                   {u"p99"_s, rounded(quantile(times, 0.99))}});
+    return median(times);
 }
 
-void measureComparisons()
+void measureComparisons(Bounds& bounds)
 {
     Fingerprint cells = ScreenFingerprint::make(noise({1920, 1080}), kSize).value();
     const std::optional<Fingerprint> before = cells;
@@ -103,9 +124,12 @@ void measureComparisons()
     const std::optional<Fingerprint> after = std::move(cells);
     ScreenMotion motion;
     motion.observe(before, after, kTolerance);
-    measureComparison(u"moved"_s,
-                      [&] { return ScreenFingerprint::moved(before, after, kTolerance); });
-    measureComparison(u"novel"_s, [&] { return motion.novel(before, after, kTolerance); });
+    const auto hold = [&](const QString& what, auto compare) {
+        bounds.hold(what, measureComparison(what, compare), CheckBounds::kComparisonMicroseconds,
+                    u"microseconds"_s);
+    };
+    hold(u"moved"_s, [&] { return ScreenFingerprint::moved(before, after, kTolerance); });
+    hold(u"novel"_s, [&] { return motion.novel(before, after, kTolerance); });
     measureComparison(u"observe, a small change"_s, [&] {
         motion.observe(before, after, kTolerance);
         return 1;
@@ -155,7 +179,7 @@ private:
     ScreensSeen m_seen;
 };
 
-void measureChecks(int checks)
+void measureChecks(int checks, Bounds& bounds)
 {
     const BareGrab bare;
     Check check;
@@ -189,11 +213,16 @@ void measureChecks(int checks)
                   {u"baseline_processor_ms"_s, rounded(grabProcessor / checks)}});
     // The two lists of times are of the measurement.
     const double own = 2.0 * static_cast<double>(wall.capacity() * sizeof(double)) / kMillion;
-    printFigures(
-        {{u"bench"_s, u"check"_s},
-         {u"what"_s, u"resident memory"_s},
-         {u"after_%1_mb"_s.arg(kWarm), rounded(residentBefore)},
-         {u"after_%1_mb"_s.arg(kWarm + checks), rounded(residentMegabytes("VmRSS") - own)}});
+    const double residentAfter = residentMegabytes("VmRSS") - own;
+    printFigures({{u"bench"_s, u"check"_s},
+                  {u"what"_s, u"resident memory"_s},
+                  {u"after_%1_mb"_s.arg(kWarm), rounded(residentBefore)},
+                  {u"after_%1_mb"_s.arg(kWarm + checks), rounded(residentAfter)}});
+    bounds.hold(u"resident memory after %1 checks"_s.arg(kWarm + checks),
+                residentAfter - residentBefore, CheckBounds::kGrowthMegabytes,
+                u"MB more than after %1"_s.arg(kWarm));
+    bounds.hold(u"a whole unchanged check"_s, processor / checks,
+                CheckBounds::kProcessorMilliseconds, u"ms of processor time"_s);
 }
 
 /// A number above zero behind the option, or `otherwise` where the option is not there.
@@ -210,6 +239,7 @@ int numberBehind(const QString& option, const QStringList& arguments, int otherw
 
 int benchCheck(const QStringList& arguments)
 {
+    Bounds bounds;
     try {
         const std::array windows = {
             std::make_unique<BenchWindow>("BenchOne", QRect(50, 50, 700, 500), 0x205080),
@@ -219,18 +249,17 @@ int benchCheck(const QStringList& arguments)
             std::make_unique<BenchWindow>("BenchThree", QRect(1200, 600, 500, 300), 0x606060),
         };
         if (arguments.contains(u"--program"_s)) {
-            measureProgram(numberBehind(u"--program"_s, arguments, 1));
-            return 0;
+            measureProgram(numberBehind(u"--program"_s, arguments, 1), bounds);
+            return bounds.exitStatus();
         }
         const int checks = numberBehind(u"--rounds"_s, arguments, kChecks);
-        measureMake(u"the caches"_s, 1);
-        measureMake(u"memory"_s, 12);
-        measureComparisons();
-        measureChecks(checks);
+        measureMakes(bounds);
+        measureComparisons(bounds);
+        measureChecks(checks, bounds);
     } catch (const Failure& failure) {
         return benchFailed(failure.message());
     }
-    return 0;
+    return bounds.exitStatus();
 }
 
 } // namespace mossbank

@@ -2,12 +2,15 @@
 //
 // The real program, as a process of its own with a home of its own.
 #include "MossbankCore/Support/Failure.h"
+#include "bench/BenchBounds.h"
 #include "bench/BenchCheck.h"
 #include "bench/BenchMemory.h"
 #include "bench/BenchOutput.h"
+#include "bench/BenchSession.h"
 #include "bench/BenchTiming.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -35,10 +38,13 @@ QByteArray contentsOf(const QString& path)
     return file.readAll();
 }
 
+/// On which there is nobody.
+const QString kNoBus = u"unix:path=/nowhere/bus"_s;
+
 /// The program, recording once a second. Ended when this goes.
 class RecordingProgram {
 public:
-    RecordingProgram()
+    explicit RecordingProgram(const QString& sessionBus)
     {
         const QDir home(m_home.path());
         home.mkpath(u"config/Mossbank"_s);
@@ -56,8 +62,8 @@ public:
         environment.insert(u"XDG_DATA_HOME"_s, home.filePath(u"data"_s));
         environment.insert(u"XDG_CONFIG_HOME"_s, home.filePath(u"config"_s));
         environment.insert(u"XDG_RUNTIME_DIR"_s, home.filePath(u"run"_s));
-        // Nobody's keyring is asked.
-        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nowhere/bus"_s);
+        // Not the user's, whose keyring would be asked.
+        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, sessionBus);
         m_process.setProcessEnvironment(environment);
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.start(QCoreApplication::applicationDirPath() + u"/../Mossbank/mossbank"_s,
@@ -119,28 +125,67 @@ private:
     QString m_terminal;
 };
 
+/// One of those that are measured side by side.
+struct Measured {
+    QString session;
+    RecordingProgram program;
+    qsizetype pictures = 0;
+    double processor = 0;
+
+    void begin()
+    {
+        pictures = program.pictures();
+        processor = program.processorMilliseconds();
+    }
+
+    /// A check is a second and its own time after the last, so there are no more than seconds.
+    void end(double seconds, Bounds& bounds)
+    {
+        const double spent = program.processorMilliseconds() - processor;
+        if (program.pictures() != pictures ||
+            !program.status().contains(u"Skipped an unchanged screen"_s))
+            throw Failure(u"The screen changed while the program was measured."_s);
+        printFigures({{u"bench"_s, u"check"_s},
+                      {u"what"_s, u"the program, one check a second"_s},
+                      {u"session"_s, session},
+                      {u"seconds"_s, rounded(seconds)},
+                      {u"processor_ms"_s, rounded(spent)},
+                      {u"processor_ms_a_second"_s, rounded(spent / seconds)},
+                      {u"resident_mb"_s,
+                       rounded(residentMegabytes("VmRSS", QString::number(program.process())))}});
+        bounds.hold(u"the program, "_s + session, spent / seconds,
+                    CheckBounds::kProcessorMilliseconds, u"ms of processor time a check"_s);
+    }
+};
+
+void waitUntilOn(const BenchSession& session, qint64 process)
+{
+    const QDeadlineTimer deadline(kPatience);
+    while (!session.isOn(process)) {
+        if (deadline.hasExpired())
+            throw Failure(u"The program does not listen to the accessibility bus."_s);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+}
+
 } // namespace
 
-void measureProgram(int seconds)
+void measureProgram(int seconds, Bounds& bounds)
 {
-    RecordingProgram program;
-    program.waitUntilUnchanged();
-    const qsizetype pictures = program.pictures();
-    const double before = program.processorMilliseconds();
+    const BenchSession session;
+    Measured alone = {u"no session bus"_s, RecordingProgram(kNoBus)};
+    Measured listening = {u"a session bus, accessibility on"_s,
+                          RecordingProgram(session.address())};
+    waitUntilOn(session, listening.program.process());
+    alone.program.waitUntilUnchanged();
+    listening.program.waitUntilUnchanged();
+    alone.begin();
+    listening.begin();
     const double wall =
-        milliseconds([&] { std::this_thread::sleep_for(std::chrono::seconds(seconds)); });
-    const double processor = program.processorMilliseconds() - before;
-    if (program.pictures() != pictures ||
-        !program.status().contains(u"Skipped an unchanged screen"_s))
-        throw Failure(u"The screen changed while the program was measured."_s);
-    // A check is a second and its own time after the last, so there are no more than seconds.
-    printFigures({{u"bench"_s, u"check"_s},
-                  {u"what"_s, u"the program, one check a second"_s},
-                  {u"seconds"_s, rounded(wall / kThousand)},
-                  {u"processor_ms"_s, rounded(processor)},
-                  {u"processor_ms_a_second"_s, rounded(processor * kThousand / wall)},
-                  {u"resident_mb"_s,
-                   rounded(residentMegabytes("VmRSS", QString::number(program.process())))}});
+        milliseconds([&] { std::this_thread::sleep_for(std::chrono::seconds(seconds)); }) /
+        kThousand;
+    alone.end(wall, bounds);
+    listening.end(wall, bounds);
 }
 
 } // namespace mossbank

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QString>
+
+#include <cstdio>
+
+namespace mossbank {
+
+/// What a check that finds the same screen may take.
+struct CheckBounds {
+    /// Of this process's processor time, by a whole check.
+    static constexpr double kProcessorMilliseconds = 20;
+    /// By the fingerprint of a picture of 2048x1152.
+    static constexpr double kMakeMilliseconds = 4;
+    /// By the same, beside a plain read of the picture's bytes from memory.
+    static constexpr double kMakeToPlainRead = 1.5;
+    /// By one comparison of 36,864 cells.
+    static constexpr double kComparisonMicroseconds = 10;
+    /// From the hundredth check to the last, of memory that stays.
+    static constexpr double kGrowthMegabytes = 2;
+};
+
+/// Says of each figure that exceeds its bound which it is, and remembers that one did.
+class Bounds {
+public:
+    void hold(const QString& what, double figure, double bound, const QString& unit)
+    {
+        // Written so that a figure that is no number holds none.
+        if (figure <= bound)
+            return;
+        m_areHeld = false;
+        std::fprintf(stderr, "mossbank-bench: bound exceeded: %s: %.3f %s, at most %g\n",
+                     qPrintable(what), figure, qPrintable(unit), bound);
+    }
+
+    int exitStatus() const { return m_areHeld ? 0 : 1; }
+
+private:
+    bool m_areHeld = true;
+};
+
+} // namespace mossbank
