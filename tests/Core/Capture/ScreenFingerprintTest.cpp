@@ -3,7 +3,6 @@
 
 #include "tests/Core/RandomRounds.h"
 
-#include <QElapsedTimer>
 #include <QImage>
 #include <QRandomGenerator>
 #include <QTest>
@@ -52,7 +51,6 @@ private Q_SLOTS:
     void theSamePictureHasTheSameFingerprint_data();
     void theSamePictureHasTheSameFingerprint();
     void aWordThatAppearsMovesCellsWhereItIs();
-    void aFingerprintOfAScreenIsCheap();
 };
 
 void ScreenFingerprintTest::whatCannotBeComparedIsNotComparable_data()
@@ -256,25 +254,6 @@ void ScreenFingerprintTest::aWordThatAppearsMovesCellsWhereItIs()
     const auto moved = ScreenFingerprint::moved(ScreenFingerprint::make(before, 192),
                                                 ScreenFingerprint::make(after, 192), 2);
     QVERIFY2(moved >= 5 && moved <= 40, qPrintable(QString::number(moved)));
-}
-
-void ScreenFingerprintTest::aFingerprintOfAScreenIsCheap()
-{
-    const QImage picture = flat({1920, 1080}, qRgb(200, 210, 220));
-    constexpr int kTimes = 20;
-    QElapsedTimer timer;
-    timer.start();
-    for (int time = 0; time < kTimes; ++time)
-        QVERIFY(ScreenFingerprint::make(picture, 192));
-    qInfo("make: %.2f ms", static_cast<double>(timer.nsecsElapsed()) / 1e6 / kTimes);
-    QVERIFY(timer.elapsed() < kTimes * 100);
-
-    const Cells one = Fingerprint(36'864, 1);
-    const Cells two = Fingerprint(36'864, 2);
-    timer.restart();
-    for (int time = 0; time < kTimes; ++time)
-        QCOMPARE(ScreenFingerprint::moved(one, two, 2), std::int64_t{0});
-    qInfo("moved: %.1f microseconds", static_cast<double>(timer.nsecsElapsed()) / 1e3 / kTimes);
 }
 
 } // namespace mossbank
