@@ -264,7 +264,9 @@ int benchCheck(const QStringList& arguments)
             std::make_unique<BenchWindow>("BenchThree", QRect(1200, 600, 500, 300), 0x606060),
         };
         if (arguments.contains(u"--program"_s)) {
-            measureProgram(numberBehind(u"--program"_s, arguments, 1), bounds);
+            const qsizetype front = arguments.indexOf(u"--program"_s) + 2;
+            measureProgram(numberBehind(u"--program"_s, arguments, 1), arguments.mid(front),
+                           bounds);
             return bounds.exitStatus();
         }
         const int checks = numberBehind(u"--rounds"_s, arguments, kChecks);

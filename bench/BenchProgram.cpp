@@ -158,6 +158,36 @@ struct Measured {
     }
 };
 
+/// A program of the session, in front of the others while this lives. None for an empty command.
+class FrontProgram {
+public:
+    FrontProgram(const QStringList& command, const BenchSession& session)
+    {
+        if (command.isEmpty())
+            return;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, session.address());
+        m_process.setProcessEnvironment(environment);
+        m_process.setStandardOutputFile(QProcess::nullDevice());
+        m_process.setStandardErrorFile(QProcess::nullDevice());
+        m_process.start(command.constFirst(), command.mid(1));
+        constexpr auto kUntilDrawn = std::chrono::seconds(3);
+        std::this_thread::sleep_for(kUntilDrawn);
+        if (m_process.waitForFinished(0) || m_process.state() != QProcess::Running)
+            throw Failure(u"%1 does not run."_s.arg(command.constFirst()));
+    }
+
+    ~FrontProgram()
+    {
+        m_process.kill();
+        m_process.waitForFinished(kPatience);
+    }
+    Q_DISABLE_COPY_MOVE(FrontProgram)
+
+private:
+    QProcess m_process;
+};
+
 void waitUntilOn(const BenchSession& session, qint64 process)
 {
     const QDeadlineTimer deadline(kPatience);
@@ -170,9 +200,10 @@ void waitUntilOn(const BenchSession& session, qint64 process)
 
 } // namespace
 
-void measureProgram(int seconds, Bounds& bounds)
+void measureProgram(int seconds, const QStringList& front, Bounds& bounds)
 {
     const BenchSession session;
+    const FrontProgram inFront(front, session);
     Measured alone = {u"no session bus"_s, RecordingProgram(kNoBus)};
     Measured listening = {u"a session bus, accessibility on"_s,
                           RecordingProgram(session.address())};

@@ -26,7 +26,9 @@ constexpr const char* kUsage =
     "  save --rows N           one save into a library of N rows, beside its bare minimum\n"
     "  library --rows N        what is asked of a library of N rows, beside the bare queries\n"
     "  check [--rounds N]      a check that finds the same screen, beside a bare grab of it\n"
-    "  check --program SECS    the same in the real program, checking once a second\n"
+    "  check --program SECS [COMMAND...]\n"
+    "                          the same in the real program, checking once a second, with a "
+    "program of its session in front\n"
     "  grab                    one picture of the display, beside a bare grab of it\n";
 
 } // namespace
