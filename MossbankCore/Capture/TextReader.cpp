@@ -5,7 +5,6 @@
 #include "MossbankCore/Capture/MarkedZeros.h"
 #include "MossbankCore/Capture/ReadingOrder.h"
 #include "MossbankCore/Capture/TextLineFinder.h"
-#include "MossbankCore/Capture/WordChoice.h"
 #include "MossbankCore/Support/Background.h"
 
 #include <QCryptographicHash>
@@ -25,18 +24,6 @@
 namespace mossbank {
 
 namespace {
-
-/// The height in pixels at which lines are read.
-constexpr int kReadHeight = 44;
-/// And once more, smaller, when that gave nothing sure: a line without ascenders is stretched too
-/// far.
-constexpr int kSecondHeight = 32;
-/// Below it a reading is tried once more.
-constexpr double kUnsure = 80;
-/// Below it another language may fit better.
-constexpr double kDoubtful = 88;
-/// Below it also, on a picture that has lines of that language.
-constexpr double kSure = 95.5;
 
 QImage scaled(const QImage& line, int height)
 {
@@ -60,17 +47,6 @@ QByteArray digestOf(const QImage& image)
     for (int y = 0; y < image.height(); ++y)
         hash.addData(QByteArrayView(image.constScanLine(y), image.width()));
     return hash.result();
-}
-
-/// Whether there is a letter that English does not have.
-bool hasOtherLetters(const QList<RecognizedWord>& words)
-{
-    constexpr char16_t kLastOfAscii = 0x7f;
-    return std::ranges::any_of(words, [](const RecognizedWord& word) {
-        return std::ranges::any_of(word.text, [](QChar character) {
-            return character.unicode() > kLastOfAscii && character.isLetter();
-        });
-    });
 }
 
 /// Of all of the program's threads.
@@ -127,7 +103,7 @@ TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words,
 }
 
 template <typename Work>
-std::vector<char> TextReader::forEach(qsizetype count, Work work)
+std::vector<char> TextReader::forEach(qsizetype count, int threads, Work work)
 {
     std::atomic<qsizetype> next = 0;
     std::vector<char> isDone(static_cast<std::size_t>(count), 0);
@@ -137,9 +113,8 @@ std::vector<char> TextReader::forEach(qsizetype count, Work work)
             isDone[static_cast<std::size_t>(at)] = 1;
         }
     };
-    const auto threads = std::min<qsizetype>(m_pool.maxThreadCount(), count);
     QList<QFuture<void>> workers;
-    for (qsizetype thread = 0; thread < threads; ++thread)
+    for (qsizetype thread = 0; thread < std::min<qsizetype>(threads, count); ++thread)
         workers.append(inBackground(m_pool, workOn));
     // All of them, whatever one throws: they work on what is here.
     std::exception_ptr failure;
@@ -165,7 +140,7 @@ void TextReader::prepare(QList<Piece>& pieces)
         if (!piece.prepared)
             unknown.append(place);
     }
-    forEach(unknown.size(), [&](qsizetype at) {
+    forEach(unknown.size(), m_pool.maxThreadCount(), [&](qsizetype at) {
         Piece& piece = pieces[unknown.at(at)];
         auto prepared = std::make_shared<Prepared>();
         prepared->image = withPlainZeros(piece.image);
@@ -211,7 +186,8 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
         }
     }
     readings.detach();
-    const std::vector<char> isRead = forEach(unknown.size(), [&](qsizetype at) {
+    const int threads = way.isOnOneThread ? 1 : m_pool.maxThreadCount();
+    const std::vector<char> isRead = forEach(unknown.size(), threads, [&](qsizetype at) {
         const qsizetype place = unknown.at(at);
         readings[place] = readPiece(*pieces.at(place).prepared, way);
     });
@@ -243,106 +219,6 @@ QStringList TextReader::linesOf(const QList<Piece>& pieces, const QList<Reading>
         }
     }
     return lines;
-}
-
-QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, const Options& options)
-{
-    const QStringList languages =
-        m_recognizer->languages(options.languages.value_or(QStringList()));
-    Way way = {languages.first(), options.correctsLanguage, kReadHeight};
-    QList<Reading> readings = readAll(pieces, way, [](qsizetype) { return true; });
-    // The first are English and the user's own; of the rest there may be a hundred.
-    constexpr qsizetype kNear = 3;
-    for (qsizetype place = 1; place < languages.size(); ++place) {
-        way.language = languages.at(place);
-        improve(readings, pieces, way, place >= kNear);
-    }
-    way.height = kSecondHeight;
-    for (const QString& language : languages) {
-        way.language = language;
-        readUnsureAgain(readings, pieces, way);
-    }
-    for (const QString& language : languages) {
-        way.language = language;
-        readLargerForDots(readings, pieces, way);
-    }
-    way.height = kReadHeight;
-    for (const QString& language : languages) {
-        way.language = language;
-        readStopsApart(readings, pieces, way);
-    }
-    way = {languages.first(), options.correctsLanguage, kReadHeight};
-    correctLetters(readings, pieces, way);
-    return readings;
-}
-
-QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<Reading>& readings,
-                                         const QList<Piece>& pieces, qsizetype most)
-{
-    QList<qsizetype> places;
-    for (qsizetype place = 0; place < pieces.size(); ++place) {
-        if (readings.at(place).confidence < confidence)
-            places.append(place);
-    }
-    if (places.size() > most) {
-        std::ranges::stable_sort(places, std::greater(), [&](qsizetype place) {
-            const QImage& image = pieces.at(place).image;
-            return image.width() / image.height();
-        });
-        places.resize(most);
-    }
-    return {places.cbegin(), places.cend()};
-}
-
-void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way,
-                         bool isFar)
-{
-    constexpr double kBetter = 2;
-    constexpr double kLeast = 70;
-    const auto readBelow = [&](double confidence, qsizetype most) {
-        const QSet<qsizetype> chosen = longestBelow(confidence, readings, pieces, most);
-        return readAll(pieces, way, [&](qsizetype place) { return chosen.contains(place); });
-    };
-    // First where what is known is in doubt; where that shows that the language is there, also
-    // where it is nearly sure: without its accents a word looks familiar.
-    constexpr qsizetype kFew = 8;
-    QList<Reading> others = readBelow(kDoubtful, isFar ? kFew : pieces.size());
-    bool isThere = false;
-    for (qsizetype place = 0; place < pieces.size() && !isThere; ++place) {
-        const Reading& other = others.at(place);
-        isThere = other.confidence > kDoubtful &&
-                  other.confidence > readings.at(place).confidence + kBetter &&
-                  hasOtherLetters(other.words);
-    }
-    // Of what has no words of it, it only makes other words.
-    if (!isThere)
-        return;
-    others = readBelow(kSure, pieces.size());
-    for (qsizetype place = 0; place < pieces.size(); ++place) {
-        Reading other = others.at(place);
-        if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
-            std::swap(readings[place], other);
-        readings[place] = readingOf(betterWords(readings.at(place).words, other.words),
-                                    readings.at(place).language);
-    }
-}
-
-void TextReader::readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces,
-                                 const Way& way)
-{
-    const QList<Reading> seconds = readAll(pieces, way, [&](qsizetype place) {
-        const Reading& reading = readings.at(place);
-        return reading.confidence < kUnsure && reading.language == way.language;
-    });
-    for (qsizetype place = 0; place < pieces.size(); ++place) {
-        const Reading& second = seconds.at(place);
-        Reading& reading = readings[place];
-        // Smaller, a dot or a space is lost more easily, and the recogniser does not miss it.
-        const bool isTrusted =
-            second.confidence >= kUnsure || second.words.size() > reading.words.size();
-        if (isTrusted && second.confidence > reading.confidence)
-            reading = second;
-    }
 }
 
 QStringList TextReader::recognize(const QImage& image, const Options& options)
@@ -385,6 +261,7 @@ void TextReader::forget()
     m_known = {};
     m_current = {};
     m_prepared = {};
+    m_leftOut = {};
     m_recognizer->rest();
 }
 

@@ -28,7 +28,14 @@ namespace mossbank {
 /// dark on white and of the size that recognisers like best.
 ///
 /// What was read of a line is remembered for as long as the next picture has the same line to the
-/// pixel: of a screen of which little has changed only that little is read again.
+/// pixel: of a screen of which little has changed only that little is read again. Every picture
+/// says what a reader says that has seen no other. A line that has not changed may say something
+/// else than before all the same, where a line beside it now shows that another language is there,
+/// or what a letter looks like.
+///
+/// Languages to be expected are tried wherever the first is in doubt, those that are only
+/// installed on a few lines; where one is found, also on the lines beside. When more than four are
+/// only installed, none of them is tried.
 ///
 /// Threading: any thread; one picture at a time, the rest wait.
 class TextReader final : public TextRecognizer {
@@ -40,7 +47,8 @@ public:
     ~TextReader() override;
 
     /// A line of text each, its words with one space between. Of a picture that takes longer than
-    /// it may, what has been read by then.
+    /// it may, what has been read by then. A language that was not asked for and cannot be read in
+    /// is left out until the next rest.
     QStringList recognize(const QImage& image, const Options& options) override;
     /// Returns at once. A reading under way ends soon, with what it has, and that is forgotten.
     void rest() override;
@@ -69,6 +77,8 @@ private:
         /// Of the line, in pixels.
         int height = 0;
         bool hasRoomAroundStops = false;
+        /// Takes longer, and one engine of the language less.
+        bool isOnOneThread = false;
     };
     /// What a piece says, read in one way.
     struct Reading {
@@ -84,18 +94,18 @@ private:
 
     static QList<Piece> piecesOf(const QImage& picture);
     void prepare(QList<Piece>& pieces);
-    /// Calls `work` for each number below `count`, on all threads, until the picture is given up.
-    /// Returns which numbers it was called for.
+    /// Calls `work` for each number below `count`, on so many threads, until the picture is given
+    /// up. Returns which numbers it was called for.
     template <typename Work>
-    std::vector<char> forEach(qsizetype count, Work work);
+    std::vector<char> forEach(qsizetype count, int threads, Work work);
     /// What each piece says, as far as `isWanted` asks for it.
     QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, const IsWanted& isWanted);
     static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
     Reading readPiece(const Prepared& prepared, const Way& way);
     QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
-    /// Takes from another language what it reads better. `isFar`: whether that is hardly expected,
-    /// and only looked for.
-    void improve(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way, bool isFar);
+    /// Takes from another language what it reads better. `most`: of how many pieces it is looked
+    /// for.
+    void improve(QList<Reading>& readings, const QList<Piece>& pieces, Way way, qsizetype most);
     /// Reads what is unsure in that language in another way, and takes what is surer.
     void readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
     /// Null for each piece whose letters are of different widths.
@@ -110,6 +120,7 @@ private:
     /// At most so many of the pieces whose reading is less sure.
     static QSet<qsizetype> longestBelow(double confidence, const QList<Reading>& readings,
                                         const QList<Piece>& pieces, qsizetype most);
+    static QList<qsizetype> placesBelow(double confidence, const QList<Reading>& readings);
     static QStringList linesOf(const QList<Piece>& pieces, const QList<Reading>& readings);
     /// Whether the picture is read no further.
     bool isGivenUp() const;
@@ -127,6 +138,8 @@ private:
     Readings m_known;
     Readings m_current;
     AllPrepared m_prepared;
+    /// Languages that cannot be read in, though their models are installed.
+    QSet<QString> m_leftOut;
     std::atomic<bool> m_wantsRest = false;
 };
 

@@ -18,6 +18,14 @@ struct RecognizedWord {
     friend bool operator==(const RecognizedWord&, const RecognizedWord&) = default;
 };
 
+/// Languages to read in, by the recogniser's names, in the order to try them.
+struct LineLanguages {
+    /// Those asked for, or, with none, those that any screen of this user may be in. Never empty.
+    QStringList expected;
+    /// With none asked for, what is installed besides: a whole world's, perhaps.
+    QStringList others;
+};
+
 /// Reads a single line of text.
 ///
 /// Threading: any thread, several at once.
@@ -29,10 +37,9 @@ public:
     LineRecognizer(const LineRecognizer&) = delete;
     LineRecognizer& operator=(const LineRecognizer&) = delete;
 
-    /// The recogniser's names of the languages to read in, in the order to try them: those of
-    /// `codes` (BCP 47) that are languages, or, with none, those that are installed and the user
-    /// may need. Never empty.
-    virtual QStringList languages(const QStringList& codes) = 0;
+    /// The languages to read in: those of `codes` (BCP 47) that are languages, or, with none,
+    /// those that are installed.
+    virtual LineLanguages languages(const QStringList& codes) = 0;
 
     /// The words of a grey image of one line, dark on white, from left to right.
     ///

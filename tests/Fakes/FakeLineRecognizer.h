@@ -28,10 +28,11 @@ public:
 
     static constexpr double kSure = 96;
 
-    void setLanguages(QStringList languages)
+    /// Those to be expected, and those that are only installed.
+    void setLanguages(QStringList expected, QStringList others = {})
     {
         const std::scoped_lock lock(m_mutex);
-        m_languages = std::move(languages);
+        m_languages = {std::move(expected), std::move(others)};
     }
     void setReader(Reader reader)
     {
@@ -56,10 +57,10 @@ public:
         return m_rests;
     }
 
-    QStringList languages(const QStringList& codes) override
+    LineLanguages languages(const QStringList& codes) override
     {
         const std::scoped_lock lock(m_mutex);
-        return codes.isEmpty() ? m_languages : codes;
+        return codes.isEmpty() ? m_languages : LineLanguages{codes, {}};
     }
 
     QList<RecognizedWord> read(const QImage& line, const QString& language,
@@ -105,7 +106,7 @@ public:
 
 private:
     mutable std::mutex m_mutex;
-    QStringList m_languages = {QStringLiteral("eng")};
+    LineLanguages m_languages = {{QStringLiteral("eng")}, {}};
     Reader m_reader = [](const QImage& line, const QString&) {
         return wordsOn(line);
     };

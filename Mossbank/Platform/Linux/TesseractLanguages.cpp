@@ -49,6 +49,8 @@ QStringList tesseractLanguagesOfUser()
         if (!language.isEmpty() && !languages.contains(language))
             languages.append(language);
     }
+    if (!languages.contains(u"tur"_s))
+        languages.append(u"tur"_s);
     return languages;
 }
 

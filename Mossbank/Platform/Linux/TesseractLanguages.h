@@ -13,7 +13,8 @@ QString tesseractLanguage(const QString& code);
 /// The Debian package that has the model of one of Tesseract's languages.
 QString tesseractPackage(const QString& language);
 
-/// English and what the user's locale names, as Tesseract names them, each once.
+/// English, what the user's locale names, and Turkish, with which Mossbank comes, as Tesseract
+/// names them, each once.
 QStringList tesseractLanguagesOfUser();
 
 } // namespace mossbank

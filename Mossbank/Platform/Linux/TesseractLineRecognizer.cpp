@@ -125,29 +125,36 @@ public:
         QList<RecognizedWord> words = mossbank::read(*engine, line);
         std::unique_ptr<Engine> tooMany;
         const QMutexLocker lock(&m_mutex);
-        m_idle.push_front(std::move(engine));
-        if (m_idle.size() > kMaxIdle) {
-            tooMany = std::move(m_idle.back());
-            m_idle.pop_back();
+        const bool isExpected = m_installed.expected.contains(kind.language);
+        std::list<std::unique_ptr<Engine>>& idle = isExpected ? m_idle : m_idleOthers;
+        idle.push_front(std::move(engine));
+        if (idle.size() > (isExpected ? kMostIdle : kMostIdleOthers)) {
+            tooMany = std::move(idle.back());
+            idle.pop_back();
         }
         return words;
     }
 
-    /// English, those of the user's locale, then the others: with what is on a screen, nobody
-    /// asks for the language first.
-    QStringList installed()
+    /// English, those of the user's locale and Turkish, then the others: with what is on a screen,
+    /// nobody asks for the language first. None where no model is installed.
+    LineLanguages installed()
     {
         const QMutexLocker lock(&m_mutex);
-        if (!m_installed.isEmpty())
+        if (!m_installed.expected.isEmpty())
             return m_installed;
-        const QStringList all = models();
-        for (const QString& language : tesseractLanguagesOfUser() + all) {
-            // What tells the direction of writing, formulas and whole scripts are no languages.
-            const bool isOther = language == u"osd"_s || language == u"equ"_s ||
-                                 language.contains(u'/') || language.at(0).isUpper();
-            if (all.contains(language) && !isOther && !m_installed.contains(language))
-                m_installed.append(language);
-        }
+        QStringList all = models();
+        // What tells the direction of writing, formulas and whole scripts are no languages.
+        all.removeIf([](const QString& model) {
+            return model == u"osd"_s || model == u"equ"_s || model.contains(u'/') ||
+                   model.at(0).isUpper();
+        });
+        QStringList expected = tesseractLanguagesOfUser();
+        expected.removeIf([&](const QString& language) { return !all.contains(language); });
+        if (expected.isEmpty())
+            expected = all.mid(0, 1);
+        expected = expected.mid(0, kMostExpected);
+        all.removeIf([&](const QString& model) { return expected.contains(model); });
+        m_installed = {expected, all};
         return m_installed;
     }
 
@@ -156,7 +163,8 @@ public:
         {
             const QMutexLocker lock(&m_mutex);
             m_idle.clear();
-            m_installed.clear();
+            m_idleOthers.clear();
+            m_installed = {};
         }
         // Its dictionaries, and then what was freed: the allocator keeps that for the next time.
         tesseract::TessBaseAPI::ClearPersistentCache();
@@ -164,8 +172,11 @@ public:
     }
 
 private:
-    /// Of two threads in three languages.
-    static constexpr std::size_t kMaxIdle = 6;
+    static constexpr qsizetype kMostExpected = 4;
+    /// Of two threads in each of them. What a look for other languages takes drives out none.
+    static constexpr std::size_t kMostIdle = 2 * kMostExpected;
+    /// Of one thread in four of the others, and of a second one in what was found.
+    static constexpr std::size_t kMostIdleOthers = 5;
 
     /// The names of all models that there are.
     static QStringList models()
@@ -186,12 +197,12 @@ private:
     {
         {
             const QMutexLocker lock(&m_mutex);
-            const auto isMeant = [&](const auto& engine) {
-                return engine->kind == kind;
-            };
-            if (const auto found = std::ranges::find_if(m_idle, isMeant); found != m_idle.end()) {
+            for (auto* idle : {&m_idle, &m_idleOthers}) {
+                const auto found = std::ranges::find(*idle, kind, &Engine::kind);
+                if (found == idle->end())
+                    continue;
                 auto engine = std::move(*found);
-                m_idle.erase(found);
+                idle->erase(found);
                 return engine;
             }
         }
@@ -202,8 +213,10 @@ private:
     }
 
     QMutex m_mutex;
+    /// Those used last come first.
     std::list<std::unique_ptr<Engine>> m_idle;
-    QStringList m_installed;
+    std::list<std::unique_ptr<Engine>> m_idleOthers;
+    LineLanguages m_installed;
 };
 
 TesseractLineRecognizer::TesseractLineRecognizer()
@@ -213,26 +226,28 @@ TesseractLineRecognizer::TesseractLineRecognizer()
 
 TesseractLineRecognizer::~TesseractLineRecognizer() = default;
 
-QStringList TesseractLineRecognizer::languages(const QStringList& codes)
+LineLanguages TesseractLineRecognizer::languages(const QStringList& codes)
 {
-    const QStringList installed = m_engines->installed();
+    const LineLanguages installed = m_engines->installed();
     QStringList wanted;
     for (const QString& code : codes)
         wanted.append(tesseractLanguage(code));
     wanted.removeAll(QString());
     wanted.removeDuplicates();
+    if (wanted.isEmpty() && !installed.expected.isEmpty())
+        return installed;
     if (wanted.isEmpty())
-        wanted = installed.isEmpty() ? QStringList{u"eng"_s} : installed;
+        wanted = {u"eng"_s};
     QStringList missing;
     for (const QString& language : std::as_const(wanted)) {
-        if (!installed.contains(language))
+        if (!installed.expected.contains(language) && !installed.others.contains(language))
             missing.append(tesseractPackage(language));
     }
     if (!missing.isEmpty()) {
         throw Failure(u"Reading text needs the package %1, which is not installed."_s.arg(
             missing.join(u", "_s)));
     }
-    return wanted;
+    return {wanted, {}};
 }
 
 QList<RecognizedWord> TesseractLineRecognizer::read(const QImage& line, const QString& language,

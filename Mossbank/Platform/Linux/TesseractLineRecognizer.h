@@ -16,7 +16,7 @@ public:
     TesseractLineRecognizer();
     ~TesseractLineRecognizer() override;
 
-    QStringList languages(const QStringList& codes) override;
+    LineLanguages languages(const QStringList& codes) override;
     QList<RecognizedWord> read(const QImage& line, const QString& language,
                                bool correctsLanguage) override;
     void rest() override;

@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // How long the reading of a picture may take: of one that is text all over, of one that nobody
-// waits for any more, with a hundred languages installed.
+// waits for any more.
 #include "MossbankCore/Support/Background.h"
 #include "tests/Core/Capture/DrawnText.h"
 #include "tests/Core/Capture/ReaderOfFakeLines.h"
 
 #include <QFuture>
 #include <QSemaphore>
-#include <QSet>
 #include <QTest>
 
-#include <algorithm>
 #include <ctime>
 
 namespace mossbank {
@@ -48,8 +46,6 @@ private Q_SLOTS:
     void aPictureIsNotReadForEver();
     void aPictureThatOnlyWaitsIsReadWhole();
     void whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole();
-    void ofManyLanguagesOnlyAFewAreTriedEverywhere();
-    void aFarLanguageThatIsThereIsRead();
 };
 
 void TextReaderLimitsTest::aPictureIsNotReadForEver()
@@ -97,39 +93,6 @@ void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
     m_reader->rest();
     QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
     QTRY_VERIFY(m_fake->rests() >= 2);
-}
-
-void TextReaderLimitsTest::ofManyLanguagesOnlyAFewAreTriedEverywhere()
-{
-    makeReader();
-    QStringList languages = {u"eng"_s, u"tur"_s, u"deu"_s};
-    for (int number = 0; number < 50; ++number)
-        languages.append(u"far%1"_s.arg(number));
-    m_fake->setLanguages(languages);
-    m_fake->setReader(
-        [](const QImage& line, const QString&) { return FakeLineRecognizer::wordsOn(line, 85); });
-    QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
-    QHash<QString, int> readings;
-    for (const FakeLineRecognizer::Reading& reading : m_fake->readings())
-        ++readings[reading.language];
-    QCOMPARE(readings.value(u"tur"_s), kLines);
-    QCOMPARE(readings.value(u"deu"_s), kLines);
-    for (const QString& language : languages.mid(3))
-        QVERIFY(readings.value(language) <= 8);
-}
-
-void TextReaderLimitsTest::aFarLanguageThatIsThereIsRead()
-{
-    makeReader();
-    m_fake->setLanguages({u"eng"_s, u"tur"_s, u"deu"_s, u"fin"_s});
-    m_fake->setReader([](const QImage&, const QString& language) -> QList<RecognizedWord> {
-        return {
-            {language == u"fin"_s ? u"öljyä"_s : u"oljya"_s, language == u"fin"_s ? 95.0 : 80.0}};
-    });
-    const QStringList lines = m_reader->recognize(manyLines(), {});
-    QVERIFY(lines.size() >= kLines);
-    QVERIFY(
-        std::ranges::none_of(lines, [](const QString& line) { return line.contains(u"oljya"_s); }));
 }
 
 } // namespace mossbank

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// In which languages a reader of lines reads what.
+#include "MossbankCore/Capture/TextReader.h"
+#include "MossbankCore/Capture/WordChoice.h"
+#include "MossbankCore/Support/Failure.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+/// The height in pixels at which lines are read.
+constexpr int kReadHeight = 44;
+/// And once more, smaller, when that gave nothing sure: a line without ascenders is stretched too
+/// far.
+constexpr int kSecondHeight = 32;
+/// Below it a reading is tried once more.
+constexpr double kUnsure = 80;
+/// Below it another language may fit better.
+constexpr double kDoubtful = 88;
+/// Below it also, near lines of that language.
+constexpr double kSure = 95.5;
+
+/// Whether there is a letter that English does not have.
+bool hasOtherLetters(const QList<RecognizedWord>& words)
+{
+    constexpr char16_t kLastOfAscii = 0x7f;
+    return std::ranges::any_of(words, [](const RecognizedWord& word) {
+        return std::ranges::any_of(word.text, [](QChar character) {
+            return character.unicode() > kLastOfAscii && character.isLetter();
+        });
+    });
+}
+
+/// Of `places`, which ascend, those next to `place` before and after it.
+QList<qsizetype> nextTo(qsizetype place, const QList<qsizetype>& places)
+{
+    constexpr qsizetype kEachWay = 4;
+    const qsizetype at = std::ranges::lower_bound(places, place) - places.begin();
+    const qsizetype first = std::max<qsizetype>(0, at - kEachWay);
+    return places.mid(first, at + kEachWay + 1 - first);
+}
+
+} // namespace
+
+QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, const Options& options)
+{
+    const QStringList named = options.languages.value_or(QStringList());
+    LineLanguages languages = m_recognizer->languages(named);
+    const QString first = languages.expected.takeFirst();
+    Way way = {first, options.correctsLanguage, kReadHeight};
+    QList<Reading> readings = readAll(pieces, way, [](qsizetype) { return true; });
+    // What was asked for and cannot be done is told. Of what is only installed a damaged model must
+    // not be the end of all reading.
+    const auto readIn = [&](const QString& language, const auto& work) {
+        if (m_leftOut.contains(language))
+            return;
+        way.language = language;
+        try {
+            work();
+        } catch (const Failure&) {
+            if (!named.isEmpty() || language == first)
+                throw;
+            m_leftOut.insert(language);
+        }
+    };
+    for (const QString& language : std::as_const(languages.expected))
+        readIn(language, [&] { improve(readings, pieces, way, pieces.size()); });
+    // Each takes engines that are slow to load and large. With more of them nobody can tell which
+    // the user needs.
+    constexpr qsizetype kMostOthers = 4;
+    constexpr qsizetype kFew = 8;
+    if (languages.others.size() > kMostOthers)
+        languages.others.clear();
+    for (const QString& language : std::as_const(languages.others)) {
+        readIn(language, [&] {
+            way.isOnOneThread = true;
+            improve(readings, pieces, way, kFew / languages.others.size());
+        });
+    }
+    way.isOnOneThread = false;
+    const QStringList all = QStringList(first) + languages.expected + languages.others;
+    way.height = kSecondHeight;
+    for (const QString& language : all)
+        readIn(language, [&] { readUnsureAgain(readings, pieces, way); });
+    for (const QString& language : all)
+        readIn(language, [&] { readLargerForDots(readings, pieces, way); });
+    way.height = kReadHeight;
+    for (const QString& language : all)
+        readIn(language, [&] { readStopsApart(readings, pieces, way); });
+    way = {first, options.correctsLanguage, kReadHeight};
+    correctLetters(readings, pieces, way);
+    return readings;
+}
+
+QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<Reading>& readings,
+                                         const QList<Piece>& pieces, qsizetype most)
+{
+    QList<qsizetype> places = placesBelow(confidence, readings);
+    if (places.size() > most) {
+        std::ranges::stable_sort(places, std::greater(), [&](qsizetype place) {
+            const QImage& image = pieces.at(place).image;
+            return image.width() / image.height();
+        });
+        places.resize(most);
+    }
+    return {places.cbegin(), places.cend()};
+}
+
+QList<qsizetype> TextReader::placesBelow(double confidence, const QList<Reading>& readings)
+{
+    QList<qsizetype> places;
+    for (qsizetype place = 0; place < readings.size(); ++place) {
+        if (readings.at(place).confidence < confidence)
+            places.append(place);
+    }
+    return places;
+}
+
+void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, Way way,
+                         qsizetype most)
+{
+    constexpr double kBetter = 2;
+    constexpr double kLeast = 70;
+    // First where what is known is in doubt.
+    QSet<qsizetype> tried = longestBelow(kDoubtful, readings, pieces, most);
+    QList<Reading> others =
+        readAll(pieces, way, [&](qsizetype place) { return tried.contains(place); });
+    QList<qsizetype> found;
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        const Reading& other = others.at(place);
+        if (other.confidence > kDoubtful &&
+            other.confidence > readings.at(place).confidence + kBetter &&
+            hasOtherLetters(other.words))
+            found.append(place);
+    }
+    // Of what has no words of it, it only makes other words.
+    if (found.isEmpty())
+        return;
+    way.isOnOneThread = false;
+    // Where that shows that the language is there, also beside it where what is known is nearly
+    // sure: without its accents a word looks familiar. And so on from what that finds: a single
+    // line of a language does not make all that stands elsewhere doubtful.
+    const QList<qsizetype> unsure = placesBelow(kSure, readings);
+    while (!found.isEmpty()) {
+        QSet<qsizetype> beside;
+        for (const qsizetype place : std::as_const(found)) {
+            for (const qsizetype other : nextTo(place, unsure)) {
+                if (!tried.contains(other))
+                    beside.insert(other);
+            }
+        }
+        found.clear();
+        tried += beside;
+        const QList<Reading> more =
+            readAll(pieces, way, [&](qsizetype place) { return beside.contains(place); });
+        for (const qsizetype place : std::as_const(beside)) {
+            others[place] = more.at(place);
+            if (others.at(place).confidence > readings.at(place).confidence &&
+                hasOtherLetters(others.at(place).words))
+                found.append(place);
+        }
+    }
+    for (const qsizetype place : std::as_const(tried)) {
+        Reading other = others.at(place);
+        if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
+            std::swap(readings[place], other);
+        readings[place] = readingOf(betterWords(readings.at(place).words, other.words),
+                                    readings.at(place).language);
+    }
+}
+
+void TextReader::readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces,
+                                 const Way& way)
+{
+    const QList<Reading> seconds = readAll(pieces, way, [&](qsizetype place) {
+        const Reading& reading = readings.at(place);
+        return reading.confidence < kUnsure && reading.language == way.language;
+    });
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        const Reading& second = seconds.at(place);
+        Reading& reading = readings[place];
+        // Smaller, a dot or a space is lost more easily, and the recogniser does not miss it.
+        const bool isTrusted =
+            second.confidence >= kUnsure || second.words.size() > reading.words.size();
+        if (isTrusted && second.confidence > reading.confidence)
+            reading = second;
+    }
+}
+
+} // namespace mossbank
