@@ -57,7 +57,7 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
     // What was asked for and cannot be done is told. Of what is only installed a damaged model must
     // not be the end of all reading.
     const auto readIn = [&](const QString& language, const auto& work) {
-        if (m_leftOut.contains(language))
+        if (named.isEmpty() && m_leftOut.contains(language))
             return;
         way.language = language;
         try {

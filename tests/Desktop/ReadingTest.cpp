@@ -3,9 +3,10 @@
 #include "Mossbank/Platform/PlatformFactory.h"
 #include "MossbankCore/Support/Background.h"
 #include "tests/Desktop/DesktopTest.h"
+#include "tests/Desktop/LanguageModels.h"
 
-#include <QDirIterator>
 #include <QFuture>
+#include <QProcess>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 
@@ -59,15 +60,25 @@ private Q_SLOTS:
 
     void theLocaleIsLeftAloneAndDoesNotMatter()
     {
+        // One with a comma for the point, which few machines have at hand.
+        const QTemporaryDir locales;
+        QProcess maker;
+        maker.start(u"localedef"_s,
+                    {u"-f"_s, u"UTF-8"_s, u"-i"_s, u"de_DE"_s, locales.filePath(u"de_DE.UTF-8"_s)});
+        QVERIFY2(maker.waitForFinished() && maker.exitCode() == 0, "package locales is missing");
+        qputenv("LOCPATH", QFile::encodeName(locales.path()));
         const QByteArray before = std::setlocale(LC_ALL, nullptr);
-        // A comma for the point, where this machine has such a locale.
-        std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
-        const QByteArray numeric = std::setlocale(LC_NUMERIC, nullptr);
+        const auto restored = qScopeGuard([&] {
+            std::setlocale(LC_ALL, before.constData());
+            qunsetenv("LOCPATH");
+        });
+        const QByteArray numeric = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+        QCOMPARE(QByteArray(std::localeconv()->decimal_point), QByteArray(","));
         const auto recognizer = makeTextRecognizer();
         const QStringList lines = recognizer->recognize(m_picture, {.languages = {{u"en"_s}}});
         QCOMPARE(QByteArray(std::setlocale(LC_NUMERIC, nullptr)), numeric);
-        std::setlocale(LC_ALL, before.constData());
-        QVERIFY(lines.join(u'\n').contains(u"Marigold"_s));
+        QCOMPARE(QByteArray(std::localeconv()->decimal_point), QByteArray(","));
+        QVERIFY2(lines.join(u'\n').contains(u"Marigold"_s), qPrintable(lines.join(u'|')));
     }
 
     void severalReadSideBySide()
@@ -104,10 +115,8 @@ private Q_SLOTS:
 
     void withoutEnglishTheOthersAreRead()
     {
-        QTemporaryDir models;
-        QVERIFY2(linkModel(u"tur"_s, models), "package tesseract-ocr-tur is missing");
-        qputenv("TESSDATA_PREFIX", QFile::encodeName(models.path()));
-        const auto noLonger = qScopeGuard([] { qunsetenv("TESSDATA_PREFIX"); });
+        LanguageModels models;
+        QVERIFY2(models.add(u"tur"_s), "package tesseract-ocr-tur is missing");
         for (const auto& codes : {QStringList(), QStringList{u"tr"_s}}) {
             const auto recognizer = makeTextRecognizer();
             const QStringList lines = recognizer->recognize(m_picture, {.languages = codes});
@@ -117,9 +126,7 @@ private Q_SLOTS:
 
     void withoutAnyLanguageThePackageOfEnglishIsNamed()
     {
-        const QTemporaryDir models;
-        qputenv("TESSDATA_PREFIX", QFile::encodeName(models.path()));
-        const auto noLonger = qScopeGuard([] { qunsetenv("TESSDATA_PREFIX"); });
+        const LanguageModels models;
         const auto recognizer = makeTextRecognizer();
         QCOMPARE(failureOf([&] { recognizer->recognize(m_picture, {}); }),
                  u"Reading text needs the package tesseract-ocr-eng, which is not installed."_s);
@@ -149,14 +156,6 @@ private Q_SLOTS:
     }
 
 private:
-    /// Puts an installed model into a folder of models.
-    static bool linkModel(const QString& language, const QTemporaryDir& folder)
-    {
-        const QString name = language + u".traineddata"_s;
-        QDirIterator models(u"/usr/share"_s, {name}, QDir::Files, QDirIterator::Subdirectories);
-        return models.hasNext() && QFile::link(models.next(), folder.filePath(name));
-    }
-
     std::unique_ptr<VirtualDesktop> m_desktop;
     QImage m_picture;
 };

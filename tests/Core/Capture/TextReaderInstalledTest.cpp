@@ -154,7 +154,9 @@ void TextReaderInstalledTest::afterARestItIsTriedAgain()
 
 void TextReaderInstalledTest::ofWhatWasAskedForAFailureIsTold()
 {
+    m_fake->setLanguages({u"eng"_s, u"bad"_s});
     makeOneBad();
+    QCOMPARE(read(written({4})), QStringList{u"isik"_s});
     for (int picture = 0; picture < 2; ++picture) {
         QCOMPARE(failureOf({.languages = {{u"eng"_s, u"bad"_s}}}),
                  u"The text recogniser could not be started."_s);
