@@ -10,7 +10,9 @@
 #include "bench/BenchTiming.h"
 
 #include <QFileInfo>
+#include <QFont>
 #include <QImage>
+#include <QPainter>
 #include <QProcess>
 #include <QThread>
 
@@ -73,12 +75,38 @@ QImage withOneLineChanged(const QImage& image)
     return changed;
 }
 
+/// The picture with another line in the place of its widest one, in a language that it has none of:
+/// a message arrived.
+QImage withLineInTurkish(const QImage& image)
+{
+    const QRect line = widestLine(image);
+    QImage changed = image;
+    QPainter painter(&changed);
+    painter.fillRect(line, Qt::white);
+    QFont font(u"DejaVu Sans"_s);
+    font.setPixelSize(std::max(12, line.height() * 3 / 4));
+    painter.setFont(font);
+    painter.setPen(Qt::black);
+    painter.drawText(line, Qt::AlignCenter, u"Yarın akşam görüşürüz"_s);
+    return changed;
+}
+
 /// The times of all pictures.
 struct ReadTimes {
     std::vector<double> first;
     std::vector<double> again;
+    std::vector<double> inTurkish;
     std::vector<double> stock;
 };
+
+/// The highest of the ratios picture by picture.
+double highestRatio(const std::vector<double>& times, const std::vector<double>& baselines)
+{
+    double highest = 0;
+    for (std::size_t at = 0; at < times.size(); ++at)
+        highest = std::max(highest, times[at] / baselines[at]);
+    return highest;
+}
 
 void time(const QString& path, TextRecognizer& recognizer, ReadTimes& times)
 {
@@ -86,6 +114,7 @@ void time(const QString& path, TextRecognizer& recognizer, ReadTimes& times)
     QImage empty(image.size(), QImage::Format_RGB32);
     empty.fill(Qt::white);
     const QImage changed = withOneLineChanged(image);
+    const QImage message = withLineInTurkish(image);
     const auto read = [&](const QImage& picture) {
         return milliseconds([&] { recognizer.recognize(picture, {}); });
     };
@@ -94,9 +123,16 @@ void time(const QString& path, TextRecognizer& recognizer, ReadTimes& times)
     const double first = read(image);
     // To the change, and back from it.
     const double again = median({read(changed), read(image), read(changed)});
+    std::vector<double> messages;
+    for (int round = 0; round < 3; ++round) {
+        read(image);
+        messages.push_back(read(message));
+    }
+    const double inTurkish = median(messages);
     const double stock = stockMilliseconds(path);
     times.first.push_back(first);
     times.again.push_back(again);
+    times.inTurkish.push_back(inTurkish);
     times.stock.push_back(stock);
     printFigures({
         {u"bench"_s, u"read"_s},
@@ -106,6 +142,7 @@ void time(const QString& path, TextRecognizer& recognizer, ReadTimes& times)
         {u"ratio"_s, rounded(first / stock)},
         {u"one_line_changed_ms"_s, rounded(again)},
         {u"one_line_changed_ratio"_s, rounded(again / first)},
+        {u"other_language_line_ratio"_s, rounded(inTurkish / first)},
     });
 }
 
@@ -128,6 +165,9 @@ void printAll(const ReadTimes& times, TextRecognizer& recognizer)
         {u"p95_ms"_s, rounded(quantile(times.first, kNearlyAll))},
         {u"longest_ms"_s, rounded(quantile(times.first, 1))},
         {u"one_line_changed_ratio"_s, rounded(sum(times.again) / sum(times.first))},
+        {u"one_line_changed_ratio_worst"_s, rounded(highestRatio(times.again, times.first))},
+        {u"other_language_line_ratio"_s, rounded(sum(times.inTurkish) / sum(times.first))},
+        {u"other_language_line_ratio_worst"_s, rounded(highestRatio(times.inTurkish, times.first))},
         {u"highest_mb"_s, rounded(highest)},
         {u"resident_mb"_s, rounded(before)},
         {u"resident_after_rest_mb"_s, rounded(residentMegabytes("VmRSS"))},

@@ -67,12 +67,26 @@ QString layoutName(Layout layout)
     return QString::fromLatin1(kindOf(layout).name);
 }
 
-Scene makeScene(Layout layout, quint32 seed)
+std::optional<QSize> sizeIn(const QString& text)
+{
+    constexpr int kLeast = 640;
+    constexpr int kMost = 4096;
+    const QStringList sides = text.split(u'x');
+    if (sides.size() != 2)
+        return {};
+    const QSize size(sides[0].toInt(), sides[1].toInt());
+    const bool isScreen = std::min(size.width(), size.height()) >= kLeast &&
+                          std::max(size.width(), size.height()) <= kMost;
+    return isScreen ? std::optional(size) : std::nullopt;
+}
+
+Scene makeScene(Layout layout, quint32 seed, std::optional<QSize> wanted)
 {
     const Kind& kind = kindOf(layout);
     Dice dice(seed * 1000 + static_cast<quint32>(layout));
     SceneWords words(dice, kind.turkish);
-    const QSize size = dice.pick<QSize>({{1280, 800}, {1920, 1080}, {1920, 1080}, {2048, 1152}});
+    const QSize thrown = dice.pick<QSize>({{1280, 800}, {1920, 1080}, {1920, 1080}, {2048, 1152}});
+    const QSize size = wanted.value_or(thrown);
     Lettering lettering;
     lettering.hinting = dice.pick<QFont::HintingPreference>(
         {QFont::PreferFullHinting, QFont::PreferVerticalHinting, QFont::PreferNoHinting});

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace mossbank::test {
 
 /// The kinds of desktop there are.
@@ -31,6 +33,9 @@ enum class Layout {
 const QList<Layout>& allLayouts();
 QString layoutName(Layout layout);
 
+/// "1920x1080". Nothing where that is no size of a screen.
+std::optional<QSize> sizeIn(const QString& text);
+
 /// A word as it stands on the picture.
 struct ShownWord {
     QString text;
@@ -53,9 +58,11 @@ struct Scene {
 /// The same layout and seed make the same picture. What reads the screen is tuned on seeds 1 to 99
 /// only; 101 to 199 are held back to tell how well it reads what it was not tuned on.
 ///
+/// `size`: in pixels; absent, one of several is thrown for.
+///
 /// Threading: the thread of the QGuiApplication (the offscreen platform will do).
 /// Errors: throws std::runtime_error naming the package of a font that is not installed.
-Scene makeScene(Layout layout, quint32 seed);
+Scene makeScene(Layout layout, quint32 seed, std::optional<QSize> size = {});
 
 /// As ShownWord::pixels. The highest and the lowest row are left out: between tight lines they
 /// belong to both.

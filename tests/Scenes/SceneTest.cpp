@@ -78,6 +78,9 @@ private Q_SLOTS:
     void wordsAreManyAndDiffer();
     void turkishCapitalsAreTurkish();
     void theMakerWritesPicturesAndWords();
+    void theMakerWritesWhatIsNamedInTheSizeWanted();
+    void theMakerRefusesWhatItDoesNotKnow_data();
+    void theMakerRefusesWhatItDoesNotKnow();
 };
 
 void SceneTest::initTestCase()
@@ -291,9 +294,44 @@ void SceneTest::theMakerWritesPicturesAndWords()
     QFile words(folder.filePath(u"mail-5.txt"_s));
     QVERIFY(words.open(QIODevice::ReadOnly));
     QCOMPARE(QString::fromUtf8(words.readAll()), scene.words.join(u' ') + u'\n');
-    maker.start(QStringLiteral(MOSSBANK_SCENE_MAKER), {folder.path(), u"--seeds"_s, u"5"_s});
+}
+
+void SceneTest::theMakerWritesWhatIsNamedInTheSizeWanted()
+{
+    QTemporaryDir folder;
+    QProcess maker;
+    maker.start(QStringLiteral(MOSSBANK_SCENE_MAKER),
+                {folder.path(), u"--seeds"_s, u"5"_s, u"6"_s, u"chat"_s, u"mail"_s, u"--size"_s,
+                 u"1440x900"_s});
+    QVERIFY(maker.waitForFinished(100'000));
+    QCOMPARE(maker.exitCode(), 0);
+    QCOMPARE(QDir(folder.path()).entryList({u"*.png"_s}),
+             (QStringList{u"chat-5.png"_s, u"chat-6.png"_s, u"mail-5.png"_s, u"mail-6.png"_s}));
+    QCOMPARE(QImage(folder.filePath(u"mail-6.png"_s)).size(), QSize(1440, 900));
+}
+
+void SceneTest::theMakerRefusesWhatItDoesNotKnow_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("one seed") << QStringList{u"--seeds"_s, u"5"_s};
+    QTest::newRow("no seeds") << QStringList{};
+    QTest::newRow("seeds backwards") << QStringList{u"--seeds"_s, u"5"_s, u"4"_s};
+    QTest::newRow("no such layout") << QStringList{u"--seeds"_s, u"5"_s, u"5"_s, u"letter"_s};
+    QTest::newRow("no size") << QStringList{u"--seeds"_s, u"5"_s, u"5"_s, u"--size"_s};
+    QTest::newRow("half a size") << QStringList{u"--seeds"_s, u"5"_s, u"5"_s, u"--size"_s,
+                                                u"1440"_s};
+    QTest::newRow("no screen") << QStringList{u"--seeds"_s, u"5"_s, u"5"_s, u"--size"_s, u"9x9"_s};
+}
+
+void SceneTest::theMakerRefusesWhatItDoesNotKnow()
+{
+    QFETCH(QStringList, arguments);
+    QTemporaryDir folder;
+    QProcess maker;
+    maker.start(QStringLiteral(MOSSBANK_SCENE_MAKER), QStringList(folder.path()) + arguments);
     QVERIFY(maker.waitForFinished(100'000));
     QVERIFY(maker.exitCode() != 0);
+    QVERIFY(QDir(folder.path()).isEmpty());
 }
 
 } // namespace mossbank::test
