@@ -36,13 +36,12 @@ bool hasOtherLetters(const QList<RecognizedWord>& words)
     });
 }
 
-/// Of `places`, which ascend, those next to `place` before and after it.
-QList<qsizetype> nextTo(qsizetype place, const QList<qsizetype>& places)
+/// Of `places`, which ascend, so many next to `place` before it, and as many behind it.
+QList<qsizetype> nextTo(qsizetype place, const QList<qsizetype>& places, qsizetype eachWay)
 {
-    constexpr qsizetype kEachWay = 4;
     const qsizetype at = std::ranges::lower_bound(places, place) - places.begin();
-    const qsizetype first = std::max<qsizetype>(0, at - kEachWay);
-    return places.mid(first, at + kEachWay + 1 - first);
+    const qsizetype first = std::max<qsizetype>(0, at - eachWay);
+    return places.mid(first, at + eachWay + 1 - first);
 }
 
 } // namespace
@@ -146,10 +145,13 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, W
     // sure: without its accents a word looks familiar. And so on from what that finds: a single
     // line of a language does not make all that stands elsewhere doubtful.
     const QList<qsizetype> unsure = placesBelow(kSure, readings);
+    // A message in another language takes a small part of the time of the whole picture.
+    constexpr qsizetype kPart = 20;
+    const qsizetype eachWay = std::clamp<qsizetype>(pieces.size() / kPart, 2, 4);
     while (!found.isEmpty()) {
         QSet<qsizetype> beside;
         for (const qsizetype place : std::as_const(found)) {
-            for (const qsizetype other : nextTo(place, unsure)) {
+            for (const qsizetype other : nextTo(place, unsure, eachWay)) {
                 if (!tried.contains(other))
                     beside.insert(other);
             }
