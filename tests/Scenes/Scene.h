@@ -44,6 +44,8 @@ struct ShownWord {
     /// What the rectangle's pixels were right after drawing, as a number: another one later says
     /// that something was painted over the word. Nothing where a shadow was to fall on it.
     quint64 pixels = 0;
+    /// Which paragraph of several lines it is of, from 1; 0 for none.
+    int paragraph = 0;
 };
 
 /// A made picture of a desktop and what can be read on it.

@@ -172,6 +172,7 @@ int SceneCanvas::paragraph(const QRect& area, const QString& text, const TextSty
     const int step = std::max(height, static_cast<int>(std::lround(style.pixels * spacing)));
     QString rest = text;
     int top = area.top();
+    const qsizetype before = m_shown.size();
     while (!rest.isEmpty() && top + height <= area.bottom()) {
         const QString line = fitting(rest, style, area.width());
         if (line.isEmpty())
@@ -180,6 +181,9 @@ int SceneCanvas::paragraph(const QRect& area, const QString& text, const TextSty
         rest = rest.mid(line.size()).trimmed();
         top += step;
     }
+    ++m_paragraphs;
+    for (qsizetype word = before; word < m_shown.size(); ++word)
+        m_shown[word].paragraph = m_paragraphs;
     return top;
 }
 
@@ -220,7 +224,7 @@ void SceneCanvas::drawLine(QPoint at, const QList<Span>& spans, const TextStyle&
         const QRectF ink = metrics.tightBoundingRect(word.captured());
         const QRect box = ink.translated(left, at.y() + line.ascent()).toAlignedRect();
         if (canBeRead(word.captured()) && clip.contains(box))
-            m_shown.append({word.captured(), box, pixelsIn(box)});
+            m_shown.append({.text = word.captured(), .box = box, .pixels = pixelsIn(box)});
     }
 }
 

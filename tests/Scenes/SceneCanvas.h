@@ -98,6 +98,7 @@ private:
     QImage m_image;
     QPainter m_painter;
     QList<ShownWord> m_shown;
+    int m_paragraphs = 0;
 };
 
 } // namespace mossbank::test
