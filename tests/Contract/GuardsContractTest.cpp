@@ -4,7 +4,9 @@
 #include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
 #include "tests/Contract/Contract.h"
-#include "tests/Desktop/VirtualDesktop.h"
+#include "tests/Desktop/MockedSession.h"
+#include "tests/Desktop/SecureInputWatch.h"
+#include "tests/Desktop/SignIn.h"
 #include "tests/Fakes/FakeGuards.h"
 
 #include <QTest>
@@ -15,11 +17,72 @@ using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
 
+namespace {
+
+constexpr int kPatience = 10'000;
+
+} // namespace
+
 /// What every screen state and every secure input holds to.
 class GuardsContractTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aScreenStateTellsTheLock_data()
+    {
+        QTest::addColumn<bool>("isFake");
+        QTest::newRow("fake") << true;
+        QTest::newRow("Linux") << false;
+    }
+    void aScreenStateTellsTheLock()
+    {
+        QFETCH(bool, isFake);
+        const VirtualDesktop desktop;
+        TestBus systemBus(TestBus::Kind::System);
+        TestBus sessionBus(TestBus::Kind::Session);
+        MockedLogind logind(systemBus);
+        QVERIFY2(logind.problem().isEmpty(), qPrintable(logind.problem()));
+        FakeScreenState fake;
+        const LinuxScreenState real(std::make_shared<SessionWatch>());
+        const ScreenState& state = isFake ? static_cast<const ScreenState&>(fake) : real;
+        const auto lock = [&](bool isLocked) {
+            fake.isLockedNow = isLocked;
+            return logind.setLocked(isLocked);
+        };
+        QVERIFY(state.availability().isAvailable);
+        QVERIFY(isSound(state.availability()));
+        QVERIFY(!state.isLocked());
+        QVERIFY(!state.isMainDisplayAsleep());
+        QVERIFY(lock(true));
+        QTRY_VERIFY(state.isLocked());
+        QVERIFY(lock(false));
+        QTRY_VERIFY(!state.isLocked());
+    }
+
+    void aSecureInputTellsAPassword_data() { aScreenStateTellsTheLock_data(); }
+    void aSecureInputTellsAPassword()
+    {
+        QFETCH(bool, isFake);
+        AccessibleDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto accessibility =
+            std::make_shared<Accessibility>(std::make_shared<ApplicationCatalog>());
+        QVERIFY(accessibility->waitUntilKnown(kPatience));
+        FakeSecureInput fake;
+        AtspiSecureInput real(accessibility);
+        SecureInput& input = isFake ? static_cast<SecureInput&>(fake) : real;
+        QVERIFY(input.availability().isAvailable);
+        QVERIFY(isSound(input.availability()));
+        QVERIFY2(openSignIn(desktop, u"GTK"_s), qPrintable(desktop.problem()));
+        QVERIFY(settles(input, false));
+        fake.isActiveNow = true;
+        QVERIFY(desktop.press({u"Tab"_s}));
+        QVERIFY(settles(input, true));
+        fake.isActiveNow = false;
+        QVERIFY(desktop.press({u"shift+Tab"_s}));
+        QVERIFY(settles(input, false));
+    }
+
     void aScreenStateThatIsUnavailableSaysWhyAndNo_data()
     {
         QTest::addColumn<QString>("kind");
@@ -65,7 +128,6 @@ private Q_SLOTS:
             qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
             const auto accessibility =
                 std::make_shared<Accessibility>(std::make_shared<ApplicationCatalog>());
-            constexpr int kPatience = 10'000;
             QVERIFY(accessibility->waitUntilKnown(kPatience));
             input = std::make_unique<AtspiSecureInput>(accessibility);
         }

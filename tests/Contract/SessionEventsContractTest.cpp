@@ -4,6 +4,8 @@
 #include "Mossbank/Platform/Null/NullSessionEvents.h"
 #include "MossbankCore/Capture/InactivityMonitor.h"
 #include "tests/Contract/Contract.h"
+#include "tests/Desktop/MockedSession.h"
+#include "tests/Desktop/VirtualDesktop.h"
 #include "tests/Fakes/FakeApplicationChooser.h"
 #include "tests/Fakes/FakeSessionEvents.h"
 
@@ -58,6 +60,44 @@ private Q_SLOTS:
         events->workspace().post(InactivityEvent(InactivityEvent::Sleep).name());
         events->distributed().post(InactivityEvent(InactivityEvent::ScreenLocked).name());
         QCOMPARE(told.size(), 7);
+    }
+
+    void aLockAndItsEndAreTold_data()
+    {
+        QTest::addColumn<bool>("isFake");
+        QTest::newRow("fake") << true;
+        QTest::newRow("Linux") << false;
+    }
+    void aLockAndItsEndAreTold()
+    {
+        QFETCH(bool, isFake);
+        const VirtualDesktop desktop;
+        TestBus systemBus(TestBus::Kind::System);
+        TestBus sessionBus(TestBus::Kind::Session);
+        MockedLogind logind(systemBus);
+        QVERIFY2(logind.problem().isEmpty(), qPrintable(logind.problem()));
+        FakeSessionEvents fake;
+        fake.isOnConsoleNow = true;
+        LinuxSessionEvents real(std::make_shared<SessionWatch>());
+        SessionEvents& events = isFake ? static_cast<SessionEvents&>(fake) : real;
+        QVERIFY(events.availability().isAvailable);
+        QVERIFY(isSound(events.availability()));
+        QCOMPARE(events.isOnConsole(), std::optional(true));
+        QStringList told;
+        const InactivityMonitor monitor(
+            events.workspace(), events.distributed(),
+            [&](InactivityEvent event) { told.append(event.name()); },
+            [&](ReturnEvent event) { told.append(event.name()); });
+        const InactivityEvent leaving(InactivityEvent::ScreenLocked);
+        const ReturnEvent back(ReturnEvent::ScreenUnlocked);
+        if (isFake)
+            fake.tell(leaving);
+        QVERIFY(logind.setLocked(true));
+        QTRY_COMPARE(told, QStringList{leaving.name()});
+        if (isFake)
+            fake.tell(back);
+        QVERIFY(logind.setLocked(false));
+        QTRY_COMPARE(told, (QStringList{leaving.name(), back.name()}));
     }
 
     void whoCannotChooseHasChosenNothing_data()
