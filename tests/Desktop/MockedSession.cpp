@@ -87,6 +87,18 @@ MockedLogind::MockedLogind(TestBus& systemBus)
 
 MockedLogind::~MockedLogind() = default;
 
+bool MockedLogind::knowItAsTheUsersOnly()
+{
+    const QString refusal = u"raise dbus.exceptions.DBusException('none', "
+                            u"name='org.freedesktop.login1.NoSuchSession')"_s;
+    const QString orRefusal =
+        u"if args[0] != 'auto':\n  %1\nret = '%2'"_s.arg(refusal, kSessionPath);
+    return m_service.mock(kLogindPath, u"AddMethod"_s,
+                          {kManager, u"GetSessionByPID"_s, u"u"_s, u"o"_s, refusal}) &&
+           m_service.mock(kLogindPath, u"AddMethod"_s,
+                          {kManager, u"GetSession"_s, u"s"_s, u"o"_s, orRefusal});
+}
+
 bool MockedLogind::setLocked(bool isLocked)
 {
     return setProperty(u"LockedHint"_s, isLocked);

@@ -50,6 +50,9 @@ public:
 
     QString problem() const { return m_service.problem(); }
 
+    /// From now on the session is neither that of any process nor known by a name, as for what the
+    /// desktop starts as a service of the user's: only "auto" leads to it.
+    bool knowItAsTheUsersOnly();
     bool setLocked(bool isLocked);
     bool setActive(bool isActive);
     bool sleep(bool isBeginning);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Mossbank/Ports/FrontApplication.h"
+#include "MossbankCore/Support/Failure.h"
 
 #include <QMetaMethod>
 
@@ -13,11 +14,16 @@ namespace mossbank {
 /// the middle of other work.
 class FakeFrontApplication final : public FrontApplication {
 public:
+    /// When not empty, what every question fails with.
+    QString failure;
+
     Availability availability() const override { return {}; }
 
     std::optional<Application> current() override
     {
         const std::lock_guard lock(m_mutex);
+        if (!failure.isEmpty())
+            throw Failure(failure);
         return m_current;
     }
 

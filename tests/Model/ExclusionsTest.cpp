@@ -47,6 +47,14 @@ private Q_SLOTS:
         QCOMPARE(status(), u"Excluded Other — no new screenshots of it"_s);
     }
 
+    void whenTheDesktopHasGoneTheLastOneIsExcluded()
+    {
+        m_rig->front.activate(RecorderRig::kOther);
+        m_rig->front.failure = u"The X server has gone."_s;
+        m_model->exclusions().excludeFrontmostApp();
+        QCOMPARE(excluded().last(), RecorderRig::kOther.bundleID);
+    }
+
     void theOneInFrontAtTheStartIsTheLastOne()
     {
         m_rig->front.setCurrent(RecorderRig::kMossbank);
