@@ -19,7 +19,6 @@ private Q_SLOTS:
     void aPromptIsKnownByItsClass();
     void aLockerThatAsksNoWindowManagerIsKnown_data();
     void aLockerThatAsksNoWindowManagerIsKnown();
-    void withoutAnyBusTheyAreKnown();
 
 private:
     void begin() { m_input = std::make_unique<AtspiSecureInput>(accessibility()); }
@@ -85,20 +84,6 @@ void SecretPromptsTest::aLockerThatAsksNoWindowManagerIsKnown()
     QVERIFY(settles(*m_input, true));
     QVERIFY(program.close(window));
     QVERIFY(becomes(*m_input, false));
-}
-
-void SecretPromptsTest::withoutAnyBusTheyAreKnown()
-{
-    startDesktop({.hasSession = false, .hasAccessibility = false, .isSwitchedOn = false});
-    begin();
-    WindowProgram program;
-    QVERIFY(becomes(*m_input, false));
-    QVERIFY(program.open({.frame = {300, 300, 300, 200},
-                          .colour = kGreen,
-                          .windowClass = u"Pinentry-gtk-2"_s,
-                          .title = u"The window"_s}));
-    QVERIFY(desktop().bringToFront(u"The window"_s));
-    QVERIFY(becomes(*m_input, true));
 }
 
 QTEST_GUILESS_MAIN(SecretPromptsTest)
