@@ -84,6 +84,8 @@ private Q_SLOTS:
         };
         for (int round = 0; round < 100; ++round)
             check();
+        // By then the window manager has drawn its frame.
+        changes = 0;
         const qint64 before = residentBytes(::getpid());
         const qsizetype filesBefore = openFiles();
         for (int round = 0; round < 2000; ++round)
@@ -92,7 +94,7 @@ private Q_SLOTS:
         const qint64 grown = residentBytes(::getpid()) - before;
         QVERIFY2(grown < kLeeway, qPrintable(QString::number(grown)));
         QCOMPARE(openFiles(), filesBefore);
-        QCOMPARE(changes, 1); // the first, which has none before it
+        QCOMPARE(changes, 0);
     }
 
     void picturesThatAreKeptAreGivenBackLater()

@@ -187,6 +187,54 @@ private Q_SLOTS:
         QCOMPARE(images.first().width(), line.width() + kMargins);
     }
 
+    void aRuleOfATableTakesNoLetterThatStandsOnIt()
+    {
+        const QRgb grey = qRgb(200, 200, 200);
+        QImage picture = plain(kSize);
+        const QRect one = write(picture, kPlace, {4});
+        const QRect other = write(picture, kPlace + QPoint(100, 0), {4});
+        const int border = (one.right() + other.left()) / 2;
+        fill(picture, {border, 0, 1, kSize.height()}, grey);
+        fill(picture, {0, one.bottom() + 1, kSize.width(), 1}, grey);
+        const QRect line = one | other;
+        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 2);
+        for (const QImage& image : images) {
+            QCOMPARE(image.height(), 16);
+            QCOMPARE(2 * darkPixels(image), darkPixels(images.first()) + darkPixels(images.last()));
+        }
+        QImage alone = plain(kSize);
+        const QRect word = write(alone, kPlace, {4});
+        QCOMPARE(darkPixels(images.first()), darkPixels(imagesOfLine(alone, word, {word}).first()));
+    }
+
+    void anIconIsNoLetter()
+    {
+        QImage picture = plain(kSize);
+        const QRect icon = {60, 10, 46, 56};
+        fill(picture, icon, qRgb(150, 150, 150));
+        fill(picture, icon.adjusted(1, 1, -1, -1), qRgb(240, 240, 240));
+        fill(picture, {67, 38, 32, 20}, qRgb(40, 60, 170));
+        QVERIFY(imagesOfLine(picture, icon, {icon}).isEmpty());
+    }
+
+    void aFrameAroundAWordIsTakenFromIt()
+    {
+        QImage picture = plain(kSize);
+        const QRect word = write(picture, kPlace, {4});
+        const int letters = darkPixels(imagesOfLine(picture, word, {word}).first());
+        const QRect frame = word.adjusted(-8, -8, 8, 8);
+        for (const QRect& side : {QRect(frame.left(), frame.top(), frame.width(), 1),
+                                  QRect(frame.left(), frame.bottom(), frame.width(), 1),
+                                  QRect(frame.left(), frame.top(), 1, frame.height()),
+                                  QRect(frame.right(), frame.top(), 1, frame.height())})
+            fill(picture, side, kBlack);
+        const QList<QImage> images = imagesOfLine(picture, frame, {frame});
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(images.first().height(), 16);
+        QCOMPARE(darkPixels(images.first()), letters);
+    }
+
     void aBadgeIsAnImageOfItsOwn()
     {
         QImage picture = plain(kSize);

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MossbankCore/Capture/LineInk.h"
+
+#include "MossbankCore/Capture/ColourSteps.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+/// What is no further from the background is none of the letters'.
+constexpr int kInk = 14;
+/// What is at least so far is one for sure.
+constexpr int kFullInk = 28;
+/// The least contrast that is stretched to black; fainter is a shadow.
+constexpr int kFaintest = 40;
+
+} // namespace
+
+LineInk::LineInk(const QImage& picture, const LinePart& part, const QRect& around)
+    : m_around(around)
+    , m_part(part.area.translated(-around.topLeft()))
+    , m_values(static_cast<std::size_t>(around.width()) * static_cast<std::size_t>(around.height()))
+{
+    const std::vector<QRgb> backgrounds =
+        backgroundsOf(picture, part, around.left(), around.left() + around.width());
+    for (int y = 0; y < height(); ++y) {
+        const QRgb* const row = pixelsOf(picture, around.top() + y) + around.left();
+        for (int x = 0; x < width(); ++x) {
+            const QRgb background = backgrounds[static_cast<std::size_t>(x)];
+            at(x, y) = distance(row[x], background);
+            m_isLighter.push_back(qGray(row[x]) > qGray(background));
+        }
+    }
+    m_walls.assign(static_cast<std::size_t>(width()), false);
+    m_isCut = {.left = around.left() == 0,
+               .top = around.top() == 0,
+               .right = around.right() + 1 == picture.width(),
+               .bottom = around.bottom() + 1 == picture.height()};
+}
+
+void LineInk::removeWalls()
+{
+    constexpr int kThickest = 2;
+    for (int x = 0; x < width(); ++x) {
+        int end = x;
+        while (end < width() && isThrough(end))
+            ++end;
+        const int thickness = end - x;
+        if (thickness > 0 && thickness <= kThickest && isEmpty(x - 2) && isEmpty(end + 1)) {
+            for (int column = x; column < end; ++column) {
+                m_walls[static_cast<std::size_t>(column)] = true;
+                for (int y = 0; y < height(); ++y)
+                    at(column, y) = 0;
+            }
+        }
+        x = std::max(x, end);
+    }
+}
+
+void LineInk::removeOthers(const QList<QRect>& lines)
+{
+    const QRect part = m_part.translated(m_around.topLeft());
+    for (const QRect& other : lines) {
+        const QRect common = other & m_around;
+        const bool isAbove = other.bottom() + 1 <= part.top() + part.height() / 3;
+        const bool isBelow = other.top() >= part.top() + part.height() - part.height() / 3;
+        if (common.isEmpty() || (!isAbove && !isBelow))
+            continue;
+        for (int y = common.top(); y <= common.bottom(); ++y) {
+            if ((isAbove && y >= part.top()) || (isBelow && y <= part.bottom()))
+                continue;
+            for (int x = common.left(); x <= common.right(); ++x)
+                at(x - m_around.left(), y - m_around.top()) = 0;
+        }
+    }
+}
+
+void LineInk::removeWhatTouchesTheBorder()
+{
+    std::vector<Run> taken;
+    for (int x = 0; x < width(); ++x) {
+        if (!m_isCut.top)
+            take(x, 0, taken);
+        if (!m_isCut.bottom)
+            take(x, height() - 1, taken);
+    }
+    for (int y = 0; y < height(); ++y) {
+        if (!m_isCut.left)
+            take(0, y, taken);
+        if (!m_isCut.right)
+            take(width() - 1, y, taken);
+    }
+    takeWhatTouches(std::move(taken));
+}
+
+void LineInk::removeFrame(int from, int to)
+{
+    constexpr int kLowest = 16;
+    constexpr int kThinnest = 2;
+    constexpr int kPart = 12;
+    const QRect all = lettersWithin(from, to);
+    if (all.height() < kLowest || all.width() < kLowest)
+        return;
+    const int thick = std::max(kThinnest, all.height() / kPart);
+    const QRect above(all.left(), all.top(), all.width(), thick);
+    const QRect beside(all.left(), all.top(), thick, all.height());
+    const QRect below = above.translated(0, all.height() - thick);
+    const QRect behind = beside.translated(all.width() - thick, 0);
+    if (!isLine(above) || !isLine(below) || !isLine(beside) || !isLine(behind))
+        return;
+    std::vector<Run> taken;
+    for (const QRect& side : {above, below, beside, behind}) {
+        for (int y = side.top(); y <= side.bottom(); ++y) {
+            for (int x = side.left(); x <= side.right(); ++x)
+                take(x, y, taken);
+        }
+    }
+    takeWhatTouches(std::move(taken));
+}
+
+bool LineInk::isBlock(const QRect& letters) const
+{
+    constexpr double kNearlyAll = 0.92;
+    int count = 0;
+    for (int y = letters.top(); y <= letters.bottom(); ++y) {
+        for (int x = letters.left(); x <= letters.right(); ++x)
+            count += at(x, y) > kInk;
+    }
+    return 2 * letters.width() >= letters.height() &&
+           count >= kNearlyAll * letters.width() * letters.height();
+}
+
+bool LineInk::hasLetters(int x) const
+{
+    for (int y = 0; y < height(); ++y) {
+        if (at(x, y) > kFullInk)
+            return true;
+    }
+    return false;
+}
+
+QRect LineInk::lettersWithin(int from, int to) const
+{
+    int top = height();
+    int bottom = -1;
+    for (int y = 0; y < height(); ++y) {
+        for (int x = from; x < to; ++x) {
+            if (at(x, y) > kFullInk) {
+                top = std::min(top, y);
+                bottom = y;
+            }
+        }
+    }
+    return {from, top, to - from, bottom - top + 1};
+}
+
+int LineInk::contrast(int from, int to) const
+{
+    constexpr double kNearlyAll = 0.96;
+    std::vector<int> values;
+    for (int y = 0; y < height(); ++y) {
+        for (int x = from; x < to; ++x) {
+            if (at(x, y) > kInk)
+                values.push_back(at(x, y));
+        }
+    }
+    if (values.empty())
+        return kFaintest;
+    const auto place =
+        std::min(values.size() - 1,
+                 static_cast<std::size_t>(static_cast<double>(values.size()) * kNearlyAll));
+    std::ranges::nth_element(values, values.begin() + static_cast<std::ptrdiff_t>(place));
+    return std::max(kFaintest, values[place]);
+}
+
+LineInk::Run LineInk::runAt(int x, int y) const
+{
+    const bool isThisLighter = isLighter(x, y);
+    const auto isOfIt = [&](int column) {
+        return at(column, y) > kInk && isLighter(column, y) == isThisLighter;
+    };
+    Run run = {.from = x, .to = x + 1, .y = y, .isLighter = isThisLighter};
+    while (run.from > 0 && isOfIt(run.from - 1))
+        --run.from;
+    while (run.to < width() && isOfIt(run.to))
+        ++run.to;
+    return run;
+}
+
+void LineInk::take(int x, int y, std::vector<Run>& taken)
+{
+    if (at(x, y) <= kInk)
+        return;
+    const Run run = runAt(x, y);
+    std::fill_n(&at(run.from, y), run.width(), 0);
+    taken.push_back(run);
+}
+
+void LineInk::takeWhatTouches(std::vector<Run> taken)
+{
+    while (!taken.empty()) {
+        const Run run = taken.back();
+        taken.pop_back();
+        // Not across corners: there a badge and a letter may meet by their points.
+        for (const int y : {run.y - 1, run.y + 1}) {
+            for (int x = run.from; x < run.to && y >= 0 && y < height(); ++x) {
+                if (isLighter(x, y) == run.isLighter && at(x, y) > kInk &&
+                    !standsOn(runAt(x, y), run))
+                    take(x, y, taken);
+            }
+        }
+    }
+}
+
+bool LineInk::isLine(const QRect& side) const
+{
+    constexpr double kNearlyAll = 0.85;
+    const bool isLevel = side.width() >= side.height();
+    const int length = isLevel ? side.width() : side.height();
+    const int thickness = isLevel ? side.height() : side.width();
+    int count = 0;
+    for (int along = 0; along < length; ++along) {
+        bool hasInk = false;
+        for (int across = 0; across < thickness && !hasInk; ++across) {
+            hasInk = isLevel ? at(side.left() + along, side.top() + across) > kInk
+                             : at(side.left() + across, side.top() + along) > kInk;
+        }
+        count += hasInk;
+    }
+    return count >= kNearlyAll * length;
+}
+
+bool LineInk::standsOn(const Run& letter, const Run& ground) const
+{
+    const bool isAtBorder = letter.from == 0 || letter.to == width();
+    const bool isNarrow =
+        10 * letter.width() <= 6 * m_part.height() && 2 * letter.width() <= ground.width();
+    // In a table its lines part each other.
+    const bool isAround = (ground.from == 0 || isWall(ground.from - 1)) &&
+                          (ground.to == width() || isWall(ground.to));
+    return !isAtBorder && isNarrow && isAround;
+}
+
+bool LineInk::isThrough(int x) const
+{
+    for (int y = 0; y < height(); ++y) {
+        if (at(x, y) <= kInk)
+            return false;
+    }
+    return true;
+}
+
+bool LineInk::isEmpty(int x) const
+{
+    if (x < 0 || x >= width())
+        return true;
+    for (int y = m_part.top(); y <= m_part.bottom(); ++y) {
+        if (at(x, y) > kInk)
+            return false;
+    }
+    return true;
+}
+
+} // namespace mossbank
