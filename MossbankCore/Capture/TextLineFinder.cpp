@@ -37,7 +37,13 @@ bool isOneLine(const Box& one, const Box& other)
         const bool isBar = box.height() > 3 * box.width() && 2 * box.height() > 3 * lower;
         return isBar || (box.height() >= kTwoLines && box.height() >= 2 * lower);
     };
-    return !isBeside(one) && !isBeside(other) && other.left - one.right <= kWordGap * higher + 2 &&
+    // A side of a bubble beside two lines would join them: no letter reaches so far out of its own.
+    const auto reachesOut = [](const Box& bar, const Box& line) {
+        const int furthest = std::max(line.top - bar.top, bar.bottom - line.bottom);
+        return bar.height() > 3 * bar.width() && furthest > line.height() / 2 + 1;
+    };
+    return !isBeside(one) && !isBeside(other) && !reachesOut(one, other) &&
+           !reachesOut(other, one) && other.left - one.right <= kWordGap * higher + 2 &&
            overlap(one.top, one.bottom, other.top, other.bottom) >= kCommon * lower &&
            higher <= kHigher * lower && spread <= kSpread * higher;
 }

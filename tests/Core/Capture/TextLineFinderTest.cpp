@@ -191,6 +191,18 @@ private Q_SLOTS:
         QVERIFY(isAround(lines.last(), second));
     }
 
+    void theSideOfABubbleJoinsNoLines()
+    {
+        QImage picture = plain({600, 100});
+        const QRect first = write(picture, {40, 20}, {4, 3, 5});
+        const QRect second = write(picture, {40, 35}, {4, 3});
+        fill(picture, {25, 25, 1, 16}, kBlack);
+        const QList<QRect> lines = found(picture);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(isAround(lines.first(), first));
+        QVERIFY(isAround(lines.last(), second));
+    }
+
     void specksOneBelowTheOtherDrawNoLineOut()
     {
         QImage picture = plain({300, 100});
