@@ -37,6 +37,7 @@ private Q_SLOTS:
     void aTitleSaysWhetherAWindowIsOrdinary();
     void theWindowInFrontIsFoundUnlessItMayBePrivate_data();
     void theWindowInFrontIsFoundUnlessItMayBePrivate();
+    void aTitleWithinAnotherIsNoPrivateWindow();
     void aBrowserOfWebKitSaysInItsCommandThatItIsPrivate();
     void aPromptIsKnownByItsClass_data();
     void aPromptIsKnownByItsClass();
@@ -162,6 +163,15 @@ void AccessibilityRulesTest::theWindowInFrontIsFoundUnlessItMayBePrivate()
     QFETCH(QString, found);
     const auto chosen = ordinaryWindow(*browserOf(u"chromium"_s), windows, u"Heron - Chromium"_s);
     QCOMPARE(chosen ? chosen->name : QString(), found);
+}
+
+void AccessibilityRulesTest::aTitleWithinAnotherIsNoPrivateWindow()
+{
+    const Browser web = *browserOf(u"org.gnome.Epiphany"_s);
+    const auto chosen =
+        ordinaryWindow(web, {window(u"The Heron"_s), window(u"Heron"_s, true)}, u"Heron"_s);
+    QVERIFY(chosen);
+    QCOMPARE(chosen->name, u"Heron"_s);
 }
 
 void AccessibilityRulesTest::aBrowserOfWebKitSaysInItsCommandThatItIsPrivate()

@@ -28,6 +28,16 @@ QStringList linksOf(const QList<Memory>& rows, const QString& title)
     return links;
 }
 
+/// Starts it recording, with what the page in front has for an address, every second.
+bool savesAddresses(RunningMossbank& mossbank)
+{
+    mossbank.setSessionBus(AccessibleDesktop::sessionBus());
+    mossbank.choose({{u"interval"_s, u"1"_s},
+                     {u"skipsUnchangedScreens"_s, u"false"_s},
+                     {u"savesAddresses"_s, u"true"_s}});
+    return mossbank.start() && mossbank.waitFor(u"Saved at "_s);
+}
+
 } // namespace
 
 class SecretsAndPagesTest final : public AccessibilityTest {
@@ -89,12 +99,7 @@ void SecretsAndPagesTest::theAddressOfAPageIsSavedButThatOfAPrivateOneIsNot()
     QVERIFY(desktop().bringToFront(ordinaryTitle));
 
     RunningMossbank mossbank;
-    mossbank.setSessionBus(AccessibleDesktop::sessionBus());
-    mossbank.choose({{u"interval"_s, u"1"_s},
-                     {u"skipsUnchangedScreens"_s, u"false"_s},
-                     {u"savesAddresses"_s, u"true"_s}});
-    QVERIFY(mossbank.start());
-    QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
+    QVERIFY2(savesAddresses(mossbank), qPrintable(mossbank.terminal()));
     const auto links = [&](const QString& title) {
         return linksOf(mossbank.rows(), title);
     };
@@ -145,12 +150,7 @@ void SecretsAndPagesTest::aBrowserThatStopsHoldsNoPass()
     QVERIFY(
         desktop().bringToFront(isChromium ? u"Heron - Chromium"_s : u"Heron — Mozilla Firefox"_s));
     RunningMossbank mossbank;
-    mossbank.setSessionBus(AccessibleDesktop::sessionBus());
-    mossbank.choose({{u"interval"_s, u"1"_s},
-                     {u"skipsUnchangedScreens"_s, u"false"_s},
-                     {u"savesAddresses"_s, u"true"_s}});
-    QVERIFY(mossbank.start());
-    QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
+    QVERIFY2(savesAddresses(mossbank), qPrintable(mossbank.terminal()));
     const auto count = [&](const QString& link) {
         return linksOf(mossbank.rows(), u"Heron"_s).count(link);
     };

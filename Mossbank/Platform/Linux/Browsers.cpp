@@ -109,8 +109,9 @@ bool mayBePrivate(const Browser& browser, const QList<AccessibleWindow>& windows
 {
     if (title.isEmpty())
         return true;
-    // An empty page of Firefox is called what the titles of all its pages end in.
-    const bool isAnywhere = browser.kin != Kin::Firefox;
+    // Where every title ends in the browser's name, none is part of another by chance. But an empty
+    // page of Firefox is called by that name alone, and WebKit's are called as their pages are.
+    const bool isAnywhere = browser.kin == Kin::Chromium;
     // Of two windows with the same title the private one may be the one in front.
     return std::ranges::any_of(windows, [&](const AccessibleWindow& window) {
         return window.name != title &&
