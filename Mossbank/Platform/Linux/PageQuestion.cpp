@@ -109,10 +109,12 @@ QCoro::Task<bool> hasPrivateSign(AccessibilityBus& bus, Accessible window)
         co_return true;
     for (const Accessible& part : *parts) {
         const auto role = co_await askRole(bus, part);
-        if (role != static_cast<quint32>(AccessibleRole::ToolBar))
+        if (!role)
+            co_return true;
+        if (*role != static_cast<quint32>(AccessibleRole::ToolBar))
             continue;
         const auto buttons = co_await askChildren(bus, part);
-        if (!role || !buttons)
+        if (!buttons)
             co_return true;
         for (const Accessible& button : *buttons) {
             const auto kind = co_await askRole(bus, button);
