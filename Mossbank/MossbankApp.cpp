@@ -10,12 +10,15 @@
 #include "Mossbank/TerminalStatus.h"
 #include "Mossbank/TerminationSignals.h"
 #include "Mossbank/Translations/LinuxWording.h"
+#include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/SystemClock.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QThreadPool>
+
+#include <memory>
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -50,6 +53,7 @@ void sayHowToRecord(const Preferences& preferences)
 int run(const Platform& platform, const QString& library)
 {
     SystemClock clock;
+    ApplicationChooserWindow applicationChooser(*platform.installedApplications);
     Preferences preferences(Preferences::userPath(), platform.passwordManagers);
     AppModel model({.clock = clock,
                     .calendar = Calendar::current,
@@ -59,7 +63,7 @@ int run(const Platform& platform, const QString& library)
                     .secureInput = *platform.secureInput,
                     .sessionEvents = *platform.sessionEvents,
                     .addresses = *platform.addresses,
-                    .applicationChooser = *platform.applicationChooser,
+                    .applicationChooser = applicationChooser,
                     .recognizer = *platform.recognizer,
                     .preferences = preferences},
                    OpenedLibrary::at(library, platform.keychain.get()));
@@ -77,21 +81,37 @@ int run(const Platform& platform, const QString& library)
     return QCoreApplication::exec();
 }
 
+/// Where there can be no windows, one that can still say so.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool hasWindows)
+{
+    if (!hasWindows)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    // It goes on recording without any.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    return application;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    QCoreApplication application(argc, argv);
+    const Availability windows = windowsAvailability();
+    const auto application = makeApplication(argc, argv, windows.isAvailable);
     QCoreApplication::setApplicationName(u"Mossbank"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
     LinuxWording wording;
     QCoreApplication::installTranslator(&wording);
-    parseCommandLine(application);
+    parseCommandLine(*application);
 
     const QString library = LibraryLocation::library();
     SingleInstance instance(library);
     if (!instance.isFirst()) {
         TerminalStatus::complain(instance.whoIsFirst());
+        return kFailed;
+    }
+    if (!windows.isAvailable) {
+        TerminalStatus::complain(windows.reason);
         return kFailed;
     }
     const Platform platform = makePlatform(QString::fromUtf16(kOwnBundleID));

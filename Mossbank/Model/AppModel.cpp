@@ -3,6 +3,7 @@
 
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
+#include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Library/AesGcm.h"
 #include "MossbankCore/Library/VaultKey.h"
 #include "MossbankCore/Ports/Clock.h"
@@ -45,6 +46,7 @@ OpenedLibrary OpenedLibrary::at(const QString& root, Keychain* keychain)
 AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* parent)
     : QObject(parent)
     , m_clock(surroundings.clock)
+    , m_screen(surroundings.screen)
     , m_preferences(surroundings.preferences)
     , m_addressSource(surroundings.addresses)
     , m_store(std::move(library.store))
@@ -64,6 +66,11 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
 }
 
 AppModel::~AppModel() = default;
+
+QStringList AppModel::displayNames() const
+{
+    return m_screen.displayNames();
+}
 
 void AppModel::finishedLaunching()
 {

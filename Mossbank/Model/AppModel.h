@@ -12,6 +12,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -19,6 +20,7 @@
 namespace mossbank {
 
 class Keychain;
+class Screen;
 
 /// A library that was opened, or the reason why not.
 struct OpenedLibrary {
@@ -51,6 +53,8 @@ public:
     Pauses& pauses() { return m_pauses; }
     const TimedPause& timedPause() const { return m_timedPause; }
     Exclusions& exclusions() { return m_exclusions; }
+    /// What the user calls the displays, the main one first.
+    QStringList displayNames() const;
     /// Absent when the library could not be opened.
     HistoryStore* store() { return m_store.get(); }
     /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.
@@ -72,6 +76,7 @@ private:
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
     Clock& m_clock;
+    Screen& m_screen;
     Preferences& m_preferences;
     AddressSource& m_addressSource;
     std::unique_ptr<HistoryStore> m_store;

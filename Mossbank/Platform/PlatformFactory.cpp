@@ -4,6 +4,7 @@
 #include "Mossbank/Platform/Linux/AccessibilityBus.h"
 #include "Mossbank/Platform/Linux/AtspiAddressSource.h"
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
+#include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/SessionWatch.h"
@@ -11,7 +12,6 @@
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
-#include "Mossbank/Platform/Null/NullApplicationChooser.h"
 #include "Mossbank/Platform/Null/NullFrontApplication.h"
 #include "Mossbank/Platform/Null/NullScreen.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
@@ -60,6 +60,16 @@ void addX11(Platform& platform, const OwnProgram& own)
 
 } // namespace
 
+Availability windowsAvailability()
+{
+    try {
+        const X11Connection connection;
+        return {};
+    } catch (const Failure& failure) {
+        return Availability::missing(failure.message());
+    }
+}
+
 Platform makePlatform(const QString& ownBundleID)
 {
     Platform platform;
@@ -75,8 +85,7 @@ Platform makePlatform(const QString& ownBundleID)
     const auto session = std::make_shared<SessionWatch>();
     platform.screenState = std::make_unique<LinuxScreenState>(session);
     platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
-    platform.applicationChooser = std::make_unique<NullApplicationChooser>(
-        u"This version has no window to choose an application in."_s);
+    platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     platform.passwordManagers = passwordManagersOfLinux();

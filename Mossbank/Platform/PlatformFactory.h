@@ -2,8 +2,9 @@
 #pragma once
 
 #include "Mossbank/Ports/AddressSource.h"
-#include "Mossbank/Ports/ApplicationChooser.h"
+#include "Mossbank/Ports/Availability.h"
 #include "Mossbank/Ports/FrontApplication.h"
+#include "Mossbank/Ports/InstalledApplications.h"
 #include "Mossbank/Ports/Screen.h"
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
@@ -26,12 +27,16 @@ struct Platform {
     std::unique_ptr<SecureInput> secureInput;
     std::unique_ptr<SessionEvents> sessionEvents;
     std::unique_ptr<AddressSource> addresses;
-    std::unique_ptr<ApplicationChooser> applicationChooser;
+    std::unique_ptr<InstalledApplications> installedApplications;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
     /// The identities of what keeps passwords, and of what shows keys, on this system alone.
     QStringList passwordManagers;
 };
+
+/// Whether this program can have windows here. Asked before Qt connects to the desktop, which
+/// otherwise ends a program that cannot.
+Availability windowsAvailability();
 
 /// Chooses the adapters for this machine. `ownBundleID` is this program's identity.
 ///

@@ -14,7 +14,7 @@ namespace mossbank {
 /// Has the user choose one of the applications installed on this machine.
 ///
 /// Threading: the main thread.
-/// Errors: none; whoever does not choose has chosen nothing.
+/// Errors: a Failure through the future where there is no way to ask.
 class ApplicationChooser {
 public:
     ApplicationChooser() = default;
@@ -24,7 +24,8 @@ public:
 
     virtual Availability availability() const = 0;
 
-    /// `title` says what it is chosen for. Absent when the user chose none.
+    /// `title` says what it is chosen for. Absent when the user chose none, and at once while the
+    /// user is choosing already.
     virtual QFuture<std::optional<Application>> choose(const QString& title) = 0;
 };
 

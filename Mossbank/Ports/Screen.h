@@ -89,6 +89,11 @@ public:
     /// Opens the system's own settings where the permission is given.
     virtual void openPermissions() = 0;
 
+    /// What the user calls the displays: their makers' names for them, or else where they are
+    /// plugged in. The main one comes first, and no two are the same. Empty when they cannot be
+    /// told.
+    virtual QStringList displayNames() const = 0;
+
     virtual QFuture<ScreenContent> content() = 0;
 
     /// The display as it is at this moment, without the pointer. Where it cannot be told what a

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/SessionWatch.h"
-#include "Mossbank/Platform/Null/NullApplicationChooser.h"
 #include "Mossbank/Platform/Null/NullSessionEvents.h"
 #include "MossbankCore/Capture/InactivityMonitor.h"
 #include "tests/Contract/Contract.h"
 #include "tests/Desktop/MockedSession.h"
 #include "tests/Desktop/VirtualDesktop.h"
-#include "tests/Fakes/FakeApplicationChooser.h"
 #include "tests/Fakes/FakeSessionEvents.h"
 
 #include <QTest>
@@ -98,23 +96,6 @@ private Q_SLOTS:
             fake.tell(back);
         QVERIFY(logind.setLocked(false));
         QTRY_COMPARE(told, (QStringList{leaving.name(), back.name()}));
-    }
-
-    void whoCannotChooseHasChosenNothing_data()
-    {
-        QTest::addColumn<bool>("isNull");
-        QTest::newRow("Null") << true;
-        QTest::newRow("fake") << false;
-    }
-    void whoCannotChooseHasChosenNothing()
-    {
-        QFETCH(bool, isNull);
-        std::unique_ptr<ApplicationChooser> chooser = std::make_unique<FakeApplicationChooser>();
-        if (isNull)
-            chooser = std::make_unique<NullApplicationChooser>(kReason);
-        QVERIFY(isSound(chooser->availability()));
-        QCOMPARE(chooser->availability().reason, isNull ? kReason : QString());
-        QVERIFY(!chooser->choose(u"Exclude an application"_s).result());
     }
 
 private:

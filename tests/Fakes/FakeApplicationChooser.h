@@ -27,6 +27,8 @@ public:
             return QtFuture::makeExceptionalFuture<std::optional<Application>>(Failure(failure));
         if (!holds)
             return QtFuture::makeReadyFuture(choiceNow);
+        if (m_choice.future().isRunning())
+            return QtFuture::makeReadyFuture(std::optional<Application>());
         m_choice = {};
         m_choice.start();
         return m_choice.future();

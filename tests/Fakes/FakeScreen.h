@@ -18,6 +18,7 @@ public:
     int timesAsked = 0;
     int timesOpened = 0;
 
+    QStringList displayNamesNow = {QStringLiteral("Display")};
     ScreenContent contentNow = {
         .windows = {},
         .displays = {{.id = 1, .frame = QRect(0, 0, 320, 200)}},
@@ -48,6 +49,8 @@ public:
     bool isAllowed() const override { return isAllowedNow; }
     void askForPermission() override { ++timesAsked; }
     void openPermissions() override { ++timesOpened; }
+
+    QStringList displayNames() const override { return displayNamesNow; }
 
     QFuture<ScreenContent> content() override
     {

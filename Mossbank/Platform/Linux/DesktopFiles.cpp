@@ -73,7 +73,9 @@ std::optional<DesktopFile> readFile(const QString& path, const QString& id)
     return DesktopFile{.application = {id, textOf(file.get(), G_KEY_FILE_DESKTOP_KEY_NAME)},
                        .windowClass = textOf(file.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_WM_CLASS),
                        .executable = resolved(commandOf(file.get())),
-                       .isHidden = flagOf(file.get(), G_KEY_FILE_DESKTOP_KEY_NO_DISPLAY)};
+                       .icon = textOf(file.get(), G_KEY_FILE_DESKTOP_KEY_ICON),
+                       .isHidden = flagOf(file.get(), G_KEY_FILE_DESKTOP_KEY_NO_DISPLAY),
+                       .runsInTerminal = flagOf(file.get(), G_KEY_FILE_DESKTOP_KEY_TERMINAL)};
 }
 
 QStringList applicationFolders()

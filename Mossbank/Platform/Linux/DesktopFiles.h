@@ -16,8 +16,12 @@ struct DesktopFile {
     QString windowClass;
     /// The path of what it runs, links followed. Empty when there is no such file.
     QString executable;
+    /// The name of its icon in an icon theme, or the path of a picture. Empty when it has none.
+    QString icon;
     /// Whether menus leave it out.
     bool isHidden = false;
+    /// Whether it has no window but a terminal's.
+    bool runsInTerminal = false;
 };
 
 /// Those of every installed application, those that users see first. One of the user's own stands

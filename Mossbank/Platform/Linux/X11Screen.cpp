@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/X11Screen.h"
 
+#include "Mossbank/Platform/Linux/DisplayNames.h"
 #include "Mossbank/Platform/Linux/RootPicture.h"
 #include "Mossbank/Platform/Linux/ScreenCover.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <QDateTime>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <utility>
@@ -62,6 +64,13 @@ Availability X11Screen::availability() const
 {
     const QMutexLocker lock(&m_mutex);
     return m_whyBroken.isEmpty() ? Availability{} : Availability::missing(m_whyBroken);
+}
+
+QStringList X11Screen::displayNames() const
+{
+    // Without windows of its own this program has not asked what the displays say of themselves.
+    return qobject_cast<QGuiApplication*>(qApp) ? displayNamesOf(QGuiApplication::screens())
+                                                : QStringList();
 }
 
 QFuture<ScreenContent> X11Screen::content()

@@ -37,6 +37,7 @@ public:
     void askForPermission() override {}
     void openPermissions() override {}
 
+    QStringList displayNames() const override;
     QFuture<ScreenContent> content() override;
     QFuture<QImage> picture(PictureRequest request) override;
 

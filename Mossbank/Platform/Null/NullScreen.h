@@ -21,6 +21,7 @@ public:
     void askForPermission() override {}
     void openPermissions() override {}
 
+    QStringList displayNames() const override { return {}; }
     QFuture<ScreenContent> content() override
     {
         return QtFuture::makeExceptionalFuture<ScreenContent>(Failure(m_reason));

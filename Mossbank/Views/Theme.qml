@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+pragma Singleton
+
+import QtQuick
+
+/// The colours and sizes of every window.
+QtObject {
+    readonly property SystemPalette desktop: SystemPalette {
+    }
+    readonly property bool isDark: desktop.window.hslLightness < 0.5
+
+    readonly property color background: isDark ? "#191b18" : "#f6f5f1"
+    readonly property color panel: isDark ? "#1f221e" : "#fbfaf7"
+    readonly property color card: isDark ? "#262a25" : "#ffffff"
+    readonly property color line: isDark ? "#343931" : "#e4e1d8"
+    readonly property color ink: isDark ? "#ecece4" : "#23261f"
+    readonly property color secondaryInk: isDark ? "#b4b8ac" : "#565a50"
+    readonly property color tertiaryInk: isDark ? "#9a9f93" : "#6b6f64"
+    readonly property color accent: isDark ? "#8fc3a0" : "#3f6b4f"
+    readonly property color accentSoft: isDark ? "#2c3a30" : "#e3ece4"
+    /// What is written on the accent.
+    readonly property color onAccent: isDark ? "#191b18" : "#ffffff"
+
+    /// The desktop's own size of type, beside the usual one of ten points.
+    readonly property real scale: Application.font.pointSize > 0 ? Application.font.pointSize / 10 : 1
+    readonly property int smallType: Math.round(11 * scale)
+    readonly property int bodyType: Math.round(13 * scale)
+    readonly property int headingType: Math.round(15 * scale)
+
+    readonly property int rowRadius: 7
+    readonly property int controlRadius: 8
+
+    /// How high a control is, so that its type fits in.
+    readonly property int controlHeight: Math.round(32 * scale)
+}
