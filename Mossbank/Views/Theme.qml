@@ -19,7 +19,7 @@ QtObject {
     readonly property color accent: isDark ? "#8fc3a0" : "#3f6b4f"
     readonly property color accentSoft: isDark ? "#2c3a30" : "#e3ece4"
     /// What is written on the accent.
-    readonly property color onAccent: isDark ? "#191b18" : "#ffffff"
+    readonly property color accentInk: isDark ? "#191b18" : "#ffffff"
 
     /// The desktop's own size of type, beside the usual one of ten points.
     readonly property real scale: Application.font.pointSize > 0 ? Application.font.pointSize / 10 : 1

@@ -66,7 +66,7 @@ Window {
                 id: bar
 
                 implicitWidth: 8
-                policy: list.contentHeight > list.height ? T.ScrollBar.AlwaysOn : T.ScrollBar.AlwaysOff
+                visible: size < 1
 
                 contentItem: Rectangle {
                     color: bar.pressed || bar.hovered ? Theme.tertiaryInk : Theme.line

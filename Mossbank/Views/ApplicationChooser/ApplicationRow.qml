@@ -22,7 +22,7 @@ T.ItemDelegate {
     rightPadding: 12
 
     background: Rectangle {
-        color: row.isCurrent || row.hovered ? Theme.accentSoft : "transparent"
+        color: row.isCurrent ? Theme.accentSoft : row.hovered ? Theme.background : "transparent"
         radius: Theme.rowRadius
     }
     contentItem: ApplicationLabel {

@@ -33,7 +33,7 @@ T.Button {
         }
     }
     contentItem: Text {
-        color: button.isMain ? Theme.onAccent : Theme.ink
+        color: button.isMain ? Theme.accentInk : Theme.ink
         font: button.font
         horizontalAlignment: Text.AlignHCenter
         text: button.text

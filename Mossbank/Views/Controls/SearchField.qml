@@ -16,7 +16,7 @@ T.TextField {
     placeholderTextColor: Theme.tertiaryInk
     rightPadding: 12
     selectByMouse: true
-    selectedTextColor: Theme.onAccent
+    selectedTextColor: Theme.accentInk
     selectionColor: Theme.accent
     verticalAlignment: TextInput.AlignVCenter
 
