@@ -58,7 +58,7 @@ QImage stretched(const LineInk& ink, const std::vector<bool>& hasLetters)
         for (int y = 0; y < ink.height(); ++y) {
             uchar* const row = image.scanLine(y);
             for (int x = from; x < to; ++x) {
-                const int dark = std::min(kWhite, ink.at(x, y) * kWhite / contrast);
+                const int dark = std::min(kWhite, ink.shade(x, y) * kWhite / contrast);
                 row[x] = static_cast<uchar>(std::min<int>(row[x], kWhite - dark));
             }
         }

@@ -17,6 +17,13 @@ constexpr int kFullInk = 28;
 /// The least contrast that is stretched to black; fainter is a shadow.
 constexpr int kFaintest = 40;
 
+/// The sum of what the channels of two colours differ by.
+int allChannels(QRgb one, QRgb other)
+{
+    return std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
+           std::abs(qBlue(one) - qBlue(other));
+}
+
 } // namespace
 
 LineInk::LineInk(const QImage& picture, const LinePart& part, const QRect& around)
@@ -31,6 +38,7 @@ LineInk::LineInk(const QImage& picture, const LinePart& part, const QRect& aroun
         for (int x = 0; x < width(); ++x) {
             const QRgb background = backgrounds[static_cast<std::size_t>(x)];
             at(x, y) = distance(row[x], background);
+            m_shades.push_back(allChannels(row[x], background));
             m_isLighter.push_back(qGray(row[x]) > qGray(background));
         }
     }
@@ -157,23 +165,37 @@ QRect LineInk::lettersWithin(int from, int to) const
     return {from, top, to - from, bottom - top + 1};
 }
 
+int LineInk::shade(int x, int y) const
+{
+    return at(x, y) == 0
+               ? 0
+               : m_shades[static_cast<std::size_t>(y) * static_cast<std::size_t>(width()) +
+                          static_cast<std::size_t>(x)];
+}
+
 int LineInk::contrast(int from, int to) const
 {
     constexpr double kNearlyAll = 0.96;
     std::vector<int> values;
+    std::vector<int> shades;
     for (int y = 0; y < height(); ++y) {
         for (int x = from; x < to; ++x) {
-            if (at(x, y) > kInk)
+            if (at(x, y) > kInk) {
                 values.push_back(at(x, y));
+                shades.push_back(shade(x, y));
+            }
         }
     }
     if (values.empty())
         return kFaintest;
-    const auto place =
+    const auto place = static_cast<std::ptrdiff_t>(
         std::min(values.size() - 1,
-                 static_cast<std::size_t>(static_cast<double>(values.size()) * kNearlyAll));
-    std::ranges::nth_element(values, values.begin() + static_cast<std::ptrdiff_t>(place));
-    return std::max(kFaintest, values[place]);
+                 static_cast<std::size_t>(static_cast<double>(values.size()) * kNearlyAll)));
+    std::ranges::nth_element(values, values.begin() + place);
+    std::ranges::nth_element(shades, shades.begin() + place);
+    const int value = values[static_cast<std::size_t>(place)];
+    const int shade = shades[static_cast<std::size_t>(place)];
+    return value >= kFaintest ? shade : shade * kFaintest / value;
 }
 
 LineInk::Run LineInk::runAt(int x, int y) const

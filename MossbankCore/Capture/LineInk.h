@@ -61,7 +61,12 @@ public:
     /// The rows with letters between two columns, `from` included and `to` not.
     QRect lettersWithin(int from, int to) const;
 
-    /// The contrast that nearly all of the letters between two columns keep below.
+    /// How dark a pixel of a letter is to be drawn, in the units of `contrast`. As far as all
+    /// channels together are from the background: letters drawn in thirds of a pixel have fringes
+    /// that only one of them is far from, and the furthest would make all strokes thick.
+    int shade(int x, int y) const;
+
+    /// The shade that nearly all of the letters between two columns keep below.
     int contrast(int from, int to) const;
 
 private:
@@ -106,6 +111,7 @@ private:
     QRect m_part; // within m_around
     Sides m_isCut;
     std::vector<int> m_values;
+    std::vector<int> m_shades;
     std::vector<bool> m_isLighter;
     std::vector<bool> m_walls;
 };

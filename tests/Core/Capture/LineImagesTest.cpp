@@ -80,6 +80,45 @@ private Q_SLOTS:
         QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
     }
 
+    void colouredFringesDoNotMakeStrokesThicker_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("background");
+        QTest::newRow("black on white") << kBlack << kWhite;
+        QTest::newRow("white on black") << kWhite << kBlack;
+        QTest::newRow("faint on dark") << qRgb(50, 52, 50) << qRgb(20, 20, 20);
+    }
+    void colouredFringesDoNotMakeStrokesThicker()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, background);
+        QImage picture = plain(kSize, background);
+        const QRect line = write(picture, kPlace, {4, 3}, ink);
+        const QImage whole = imagesOfLine(picture, line, {line}).value(0);
+        // The edges of stems lie on thirds of a pixel: the pixel beyond has a third of the ink.
+        const QRgb fringe = qRgb(qRed(ink), qGreen(background), qBlue(background));
+        QImage fringed = picture;
+        for (int y = line.top(); y <= line.bottom(); ++y) {
+            for (int x = line.left(); x <= line.right(); ++x) {
+                if (picture.pixel(x, y) == ink && picture.pixel(x + 1, y) == background)
+                    fringed.setPixel(x + 1, y, fringe);
+            }
+        }
+        const QList<QImage> images = imagesOfLine(fringed, line, {line});
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(darkest(images.first()), darkest(whole));
+        constexpr int kMargin = 3;
+        for (int y = 0; y < line.height(); ++y) {
+            for (int x = 0; x < line.width(); ++x) {
+                if (fringed.pixel(line.topLeft() + QPoint(x, y)) != fringe)
+                    continue;
+                const int here = valueAt(images.first(), x + kMargin, y + 2);
+                const int third = 255 - (255 - darkest(whole)) / 3;
+                QVERIFY2(std::abs(here - third) <= 4, qPrintable(QString::number(here)));
+            }
+        }
+    }
+
     void eachWordIsAsDarkAsTheNext()
     {
         QImage picture = plain(kSize);
