@@ -72,8 +72,10 @@ std::unique_ptr<Engine> load(const EngineKind& kind)
 {
     auto engine = std::make_unique<Engine>();
     engine->kind = kind;
-    std::vector<std::string> names = {"debug_file"};
-    std::vector<std::string> values = {"/dev/null"};
+    // What is handed over is a line. Where small letters touch, few outlines are left that look
+    // like letters, and the whole of it would be dropped as dirt on the page.
+    std::vector<std::string> names = {"debug_file", "textord_noise_rejrows"};
+    std::vector<std::string> values = {"/dev/null", "0"};
     if (!kind.correctsLanguage) {
         names.insert(names.end(), {"load_system_dawg", "load_freq_dawg"});
         values.insert(values.end(), {"0", "0"});
