@@ -5,6 +5,7 @@
 #include "MossbankCore/Capture/LineInk.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace mossbank {
@@ -12,6 +13,7 @@ namespace mossbank {
 namespace {
 
 constexpr int kLowestLetter = 5;
+constexpr int kWhite = 255;
 
 struct Columns {
     int from = 0;
@@ -45,29 +47,53 @@ std::vector<bool> columnsWithLetters(const LineInk& ink)
 }
 
 /// Letters dark on white, each word stretched by itself to black.
-QImage stretched(const LineInk& ink, const std::vector<bool>& hasLetters)
+LineImage stretched(const LineInk& ink, const std::vector<bool>& hasLetters)
 {
     constexpr int kMargin = 2;
-    constexpr int kWhite = 255;
-    QImage image(ink.width(), ink.height(), QImage::Format_Grayscale8);
-    image.fill(kWhite);
+    const std::optional<Thirds> thirds = ink.thirds();
+    LineImage images = {.whole = QImage(ink.width(), ink.height(), QImage::Format_Grayscale8),
+                        .thirds = {}};
+    images.whole.fill(kWhite);
+    if (thirds) {
+        images.thirds = QImage(kChannels * ink.width(), ink.height(), QImage::Format_Grayscale8);
+        images.thirds.fill(kWhite);
+    }
+    const auto darken = [](uchar& pixel, int shade, int contrast) {
+        pixel = static_cast<uchar>(
+            std::min<int>(pixel, kWhite - std::min(kWhite, shade * kWhite / contrast)));
+    };
     for (const Columns& word : stretches(ink, hasLetters, std::max(3, ink.height() / 8))) {
         const int from = std::max(0, word.from - kMargin);
         const int to = std::min(ink.width(), word.to + kMargin);
         const int contrast = ink.contrast(from, to);
         for (int y = 0; y < ink.height(); ++y) {
-            uchar* const row = image.scanLine(y);
-            for (int x = from; x < to; ++x) {
-                const int dark = std::min(kWhite, ink.shade(x, y) * kWhite / contrast);
-                row[x] = static_cast<uchar>(std::min<int>(row[x], kWhite - dark));
+            uchar* const row = images.whole.scanLine(y);
+            for (int x = from; x < to; ++x)
+                darken(row[x], ink.shade(x, y), contrast);
+        }
+        for (int third = 0; thirds && third < kChannels; ++third) {
+            const int channel = (*thirds)[static_cast<std::size_t>(third)];
+            const int most = ink.contrastOf(channel, from, to);
+            for (int y = 0; y < ink.height(); ++y) {
+                uchar* const row = images.thirds.scanLine(y);
+                for (int x = from; x < to; ++x)
+                    darken(row[kChannels * x + third], ink.shadeOf(channel, x, y), most);
             }
         }
     }
-    return image;
+    return images;
+}
+
+LineImage copied(const LineImage& image, const QRect& area)
+{
+    const QRect common = area & image.whole.rect();
+    const QRect wide(kChannels * common.x(), common.y(), kChannels * common.width(),
+                     common.height());
+    return {.whole = image.whole.copy(common), .thirds = image.thirds.copy(wide)};
 }
 
 void addImages(const QImage& picture, const LinePart& part, bool isFirst, bool isLast,
-               const QList<QRect>& lines, QList<QImage>& images)
+               const QList<QRect>& lines, QList<LineImage>& images)
 {
     constexpr int kBeside = 4;
     constexpr int kMargin = 3;
@@ -83,22 +109,22 @@ void addImages(const QImage& picture, const LinePart& part, bool isFirst, bool i
     for (const Columns& columns : stretches(ink, columnsWithLetters(ink), gap))
         ink.removeFrame(columns.from, columns.to);
     const std::vector<bool> hasLetters = columnsWithLetters(ink);
-    const QImage whole = stretched(ink, hasLetters);
+    const LineImage image = stretched(ink, hasLetters);
     for (const Columns& columns : stretches(ink, hasLetters, gap)) {
         const int from = std::max(0, columns.from - kMargin);
         const int to = std::min(ink.width(), columns.to + kMargin);
         const QRect letters = ink.lettersWithin(from, to);
         if (letters.height() >= kLowestLetter &&
             !ink.isBlock(ink.lettersWithin(columns.from, columns.to)))
-            images.append(whole.copy(letters.adjusted(0, -2, 0, 2) & whole.rect()));
+            images.append(copied(image, letters.adjusted(0, -2, 0, 2)));
     }
 }
 
 } // namespace
 
-QList<QImage> imagesOfLine(const QImage& picture, const QRect& line, const QList<QRect>& lines)
+QList<LineImage> imagesOfLine(const QImage& picture, const QRect& line, const QList<QRect>& lines)
 {
-    QList<QImage> images;
+    QList<LineImage> images;
     const QList<LinePart> parts = partsOf(picture, line & picture.rect());
     for (qsizetype index = 0; index < parts.size(); ++index) {
         addImages(picture, parts.at(index), index == 0, index + 1 == parts.size(), lines, images);

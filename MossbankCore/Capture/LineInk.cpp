@@ -4,6 +4,9 @@
 #include "MossbankCore/Capture/ColourSteps.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
 #include <utility>
 
 namespace mossbank {
@@ -17,11 +20,31 @@ constexpr int kFullInk = 28;
 /// The least contrast that is stretched to black; fainter is a shadow.
 constexpr int kFaintest = 40;
 
-/// The sum of what the channels of two colours differ by.
-int allChannels(QRgb one, QRgb other)
+/// How far the channels of two colours are apart.
+std::array<std::uint8_t, kChannels> apart(QRgb one, QRgb other)
 {
-    return std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
-           std::abs(qBlue(one) - qBlue(other));
+    return {static_cast<std::uint8_t>(std::abs(qRed(one) - qRed(other))),
+            static_cast<std::uint8_t>(std::abs(qGreen(one) - qGreen(other))),
+            static_cast<std::uint8_t>(std::abs(qBlue(one) - qBlue(other)))};
+}
+
+/// Whether a pixel of grey letters on grey would have more colour.
+bool hasFringe(const std::array<std::uint8_t, kChannels>& channels)
+{
+    constexpr int kGrey = 24;
+    const auto [least, most] = std::ranges::minmax(channels);
+    return most - least > kGrey;
+}
+
+/// What nearly all of some values keep below.
+int nearlyMost(std::vector<int>& values)
+{
+    constexpr double kNearlyAll = 0.96;
+    const auto place =
+        std::min(values.size() - 1,
+                 static_cast<std::size_t>(static_cast<double>(values.size()) * kNearlyAll));
+    std::ranges::nth_element(values, values.begin() + static_cast<std::ptrdiff_t>(place));
+    return values[place];
 }
 
 } // namespace
@@ -38,7 +61,7 @@ LineInk::LineInk(const QImage& picture, const LinePart& part, const QRect& aroun
         for (int x = 0; x < width(); ++x) {
             const QRgb background = backgrounds[static_cast<std::size_t>(x)];
             at(x, y) = distance(row[x], background);
-            m_shades.push_back(allChannels(row[x], background));
+            m_channels.push_back(apart(row[x], background));
             m_isLighter.push_back(qGray(row[x]) > qGray(background));
         }
     }
@@ -167,15 +190,28 @@ QRect LineInk::lettersWithin(int from, int to) const
 
 int LineInk::shade(int x, int y) const
 {
-    return at(x, y) == 0
-               ? 0
-               : m_shades[static_cast<std::size_t>(y) * static_cast<std::size_t>(width()) +
-                          static_cast<std::size_t>(x)];
+    const Channels& channels = channelsAt(x, y);
+    return at(x, y) == 0 ? 0 : std::accumulate(channels.begin(), channels.end(), 0);
+}
+
+int LineInk::shadeOf(int channel, int x, int y) const
+{
+    return at(x, y) == 0 ? 0 : channelsAt(x, y)[static_cast<std::size_t>(channel)];
 }
 
 int LineInk::contrast(int from, int to) const
 {
-    constexpr double kNearlyAll = 0.96;
+    return contrastOf(from, to, [this](int x, int y) { return shade(x, y); });
+}
+
+int LineInk::contrastOf(int channel, int from, int to) const
+{
+    return contrastOf(from, to, [=, this](int x, int y) { return shadeOf(channel, x, y); });
+}
+
+template <typename Shade>
+int LineInk::contrastOf(int from, int to, Shade shade) const
+{
     std::vector<int> values;
     std::vector<int> shades;
     for (int y = 0; y < height(); ++y) {
@@ -188,14 +224,47 @@ int LineInk::contrast(int from, int to) const
     }
     if (values.empty())
         return kFaintest;
-    const auto place = static_cast<std::ptrdiff_t>(
-        std::min(values.size() - 1,
-                 static_cast<std::size_t>(static_cast<double>(values.size()) * kNearlyAll)));
-    std::ranges::nth_element(values, values.begin() + place);
-    std::ranges::nth_element(shades, shades.begin() + place);
-    const int value = values[static_cast<std::size_t>(place)];
-    const int shade = shades[static_cast<std::size_t>(place)];
-    return value >= kFaintest ? shade : shade * kFaintest / value;
+    const int value = nearlyMost(values);
+    const int most = std::max(1, nearlyMost(shades));
+    return value >= kFaintest ? most : std::max(1, most * kFaintest / value);
+}
+
+std::optional<Thirds> LineInk::thirds() const
+{
+    constexpr Thirds kForwards = {0, 1, 2};
+    constexpr Thirds kBackwards = {2, 1, 0};
+    if (std::ranges::none_of(m_channels, hasFringe))
+        return {};
+    std::array<int, kChannels> contrasts = {};
+    for (int channel = 0; channel < kChannels; ++channel)
+        contrasts[static_cast<std::size_t>(channel)] = contrastOf(channel, 0, width());
+    // How much goes up and down along the rows when the thirds are in this order.
+    const auto roughness = [&](const Thirds& order) {
+        constexpr int kWhole = 256;
+        std::int64_t sum = 0;
+        for (int y = 0; y < height(); ++y) {
+            int before = 0;
+            for (int x = 0; x < width(); ++x) {
+                for (const int channel : order) {
+                    const int here = shadeOf(channel, x, y) * kWhole /
+                                     contrasts[static_cast<std::size_t>(channel)];
+                    sum += std::abs(here - before);
+                    before = here;
+                }
+            }
+        }
+        return static_cast<double>(sum) / kWhole;
+    };
+    // The edges of letters go up once and down once where the order is as they were drawn, and more
+    // often in the other. Coloured letters in whole pixels are as rough in both.
+    constexpr double kSmoother = 0.8;
+    constexpr double kFewest = 60; // of a letter or two
+    const double forwards = roughness(kForwards);
+    const double backwards = roughness(kBackwards);
+    if (forwards + backwards < kFewest ||
+        std::min(forwards, backwards) > kSmoother * std::max(forwards, backwards))
+        return {};
+    return forwards < backwards ? kForwards : kBackwards;
 }
 
 LineInk::Run LineInk::runAt(int x, int y) const

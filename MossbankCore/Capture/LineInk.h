@@ -7,10 +7,18 @@
 #include <QList>
 #include <QRect>
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace mossbank {
+
+inline constexpr int kChannels = 3;
+/// The channels of a pixel in the order in which its thirds stand side by side; red, green and blue
+/// are 0, 1 and 2.
+using Thirds = std::array<int, kChannels>;
 
 /// How far each pixel of a part of a line, and of what is just around it, is from its background.
 ///
@@ -69,6 +77,13 @@ public:
     /// The shade that nearly all of the letters between two columns keep below.
     int contrast(int from, int to) const;
 
+    /// Absent where letters are drawn in whole pixels.
+    std::optional<Thirds> thirds() const;
+    /// How far a channel is from the background, and what nearly all of the letters between two
+    /// columns keep below there.
+    int shadeOf(int channel, int x, int y) const;
+    int contrastOf(int channel, int from, int to) const;
+
 private:
     /// Ink side by side in a row on one side of the background.
     struct Run {
@@ -80,6 +95,15 @@ private:
         int width() const { return to - from; }
     };
 
+    using Channels = std::array<std::uint8_t, kChannels>;
+
+    const Channels& channelsAt(int x, int y) const
+    {
+        return m_channels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width()) +
+                          static_cast<std::size_t>(x)];
+    }
+    template <typename Shade>
+    int contrastOf(int from, int to, Shade shade) const;
     Run runAt(int x, int y) const;
     /// Removes the ink there with all that is beside it in its row.
     void take(int x, int y, std::vector<Run>& taken);
@@ -111,7 +135,7 @@ private:
     QRect m_part; // within m_around
     Sides m_isCut;
     std::vector<int> m_values;
-    std::vector<int> m_shades;
+    std::vector<Channels> m_channels;
     std::vector<bool> m_isLighter;
     std::vector<bool> m_walls;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/TextReader.h"
 
-#include "MossbankCore/Capture/LineImages.h"
 #include "MossbankCore/Capture/MarkedZeros.h"
 #include "MossbankCore/Capture/ReadingOrder.h"
 #include "MossbankCore/Capture/TextLineFinder.h"
@@ -25,12 +24,13 @@ namespace mossbank {
 
 namespace {
 
-QImage scaled(const QImage& line, int height)
+/// `pixels`: the width of the line in pixels, whatever the image has of each.
+QImage scaled(const QImage& line, int pixels, int height)
 {
     constexpr int kMargin = 10;
     constexpr int kBeside = 14;
     constexpr int kWhite = 255;
-    const int width = std::max(1, line.width() * height / line.height());
+    const int width = std::max(1, pixels * height / line.height());
     const QImage image =
         line.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     QImage page(width + 2 * kBeside, height + 2 * kMargin, QImage::Format_Grayscale8);
@@ -40,12 +40,27 @@ QImage scaled(const QImage& line, int height)
     return page;
 }
 
-QByteArray digestOf(const QImage& image)
+/// Each column mixed with those beside it: recognisers know letters as whole pixels show them.
+QImage softened(const QImage& line)
+{
+    QImage soft = line;
+    for (int y = 0; y < line.height(); ++y) {
+        const uchar* const row = line.constScanLine(y);
+        uchar* const mixed = soft.scanLine(y);
+        for (int x = 1; x + 1 < line.width(); ++x)
+            mixed[x] = static_cast<uchar>((row[x - 1] + 2 * row[x] + row[x + 1]) / 4);
+    }
+    return soft;
+}
+
+QByteArray digestOf(const LineImage& line)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(QByteArray::number(image.width()) + ' ');
-    for (int y = 0; y < image.height(); ++y)
-        hash.addData(QByteArrayView(image.constScanLine(y), image.width()));
+    for (const QImage& image : {line.whole, line.thirds}) {
+        hash.addData(QByteArray::number(image.width()) + ' ');
+        for (int y = 0; y < image.height(); ++y)
+            hash.addData(QByteArrayView(image.constScanLine(y), image.width()));
+    }
     return hash.result();
 }
 
@@ -84,7 +99,7 @@ QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
     const QList<QRect> lines = inReadingOrder(TextLineFinder::find(picture));
     QList<Piece> pieces;
     for (qsizetype line = 0; line < lines.size(); ++line) {
-        for (const QImage& image : imagesOfLine(picture, lines.at(line), lines))
+        for (const LineImage& image : imagesOfLine(picture, lines.at(line), lines))
             pieces.append({image, nullptr, digestOf(image), line});
     }
     return pieces;
@@ -143,7 +158,8 @@ void TextReader::prepare(QList<Piece>& pieces)
     forEach(unknown.size(), m_pool.maxThreadCount(), [&](qsizetype at) {
         Piece& piece = pieces[unknown.at(at)];
         auto prepared = std::make_shared<Prepared>();
-        prepared->image = withPlainZeros(piece.image);
+        prepared->image = withPlainZeros(piece.image.whole);
+        prepared->thirds = piece.image.thirds;
         prepared->cells = letterCellsOf(prepared->image);
         prepared->stops = fullStopsOf(prepared->image);
         piece.prepared = std::move(prepared);
@@ -157,11 +173,14 @@ void TextReader::prepare(QList<Piece>& pieces)
 
 TextReader::Reading TextReader::readPiece(const Prepared& prepared, const Way& way)
 {
-    const QImage image =
-        way.hasRoomAroundStops ? withRoomAround(prepared.stops, prepared.image) : prepared.image;
-    return readingOf(
-        m_recognizer->read(scaled(image, way.height), way.language, way.correctsLanguage),
-        way.language);
+    QImage image = prepared.image;
+    if (way.hasRoomAroundStops)
+        image = withRoomAround(prepared.stops, image);
+    const int width = image.width();
+    if (!way.hasRoomAroundStops && !prepared.thirds.isNull())
+        image = way.isSharp ? prepared.thirds : softened(prepared.thirds);
+    const QImage line = scaled(image, width, way.height);
+    return readingOf(m_recognizer->read(line, way.language, way.correctsLanguage), way.language);
 }
 
 QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
@@ -171,7 +190,8 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     QList<qsizetype> unknown;
     QSet<QByteArray> isBegun;
     const QByteArray kind = way.language.toUtf8() + (way.correctsLanguage ? '+' : '-') +
-                            QByteArray::number(way.height) + (way.hasRoomAroundStops ? '.' : ' ');
+                            QByteArray::number(way.height) + (way.hasRoomAroundStops ? '.' : ' ') +
+                            (way.isSharp ? '!' : ' ');
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (!isWanted(place) || !pieces.at(place).prepared)
             continue;

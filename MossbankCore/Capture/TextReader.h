@@ -3,6 +3,7 @@
 
 #include "MossbankCore/Capture/FullStops.h"
 #include "MossbankCore/Capture/LetterCells.h"
+#include "MossbankCore/Capture/LineImages.h"
 #include "MossbankCore/Ports/LineRecognizer.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
@@ -57,6 +58,8 @@ private:
     /// What is made of a piece once, however often it is read.
     struct Prepared {
         QImage image;
+        /// As in the line's image: a zero's mark is told from a letter in them.
+        QImage thirds;
         /// Where its letters are all equally wide.
         std::optional<LetterCells> cells;
         /// To be seen on it, whatever is read.
@@ -64,7 +67,7 @@ private:
     };
     /// Part of a line, to be read in one go.
     struct Piece {
-        QImage image;
+        LineImage image;
         std::shared_ptr<const Prepared> prepared;
         /// Tells it from any that looks otherwise.
         QByteArray digest;
@@ -77,6 +80,8 @@ private:
         /// Of the line, in pixels.
         int height = 0;
         bool hasRoomAroundStops = false;
+        /// Letters that are drawn in thirds of a pixel are not softened.
+        bool isSharp = false;
         /// Takes longer, and one engine of the language less.
         bool isOnOneThread = false;
     };

@@ -40,11 +40,12 @@ std::vector<const LetterCells*> TextReader::cellsOfFixedPitch(const QList<Piece>
 void TextReader::readLargerForDots(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
 {
     way.height = kLargeHeight;
+    way.isSharp = true;
     const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
     const auto isMeant = [&](qsizetype place) {
         const Reading& reading = readings.at(place);
         return reading.language == way.language && reading.confidence < kNearlySure &&
-               !isLong(pieces.at(place).image) && !cells[static_cast<std::size_t>(place)];
+               !isLong(pieces.at(place).image.whole) && !cells[static_cast<std::size_t>(place)];
     };
     const QList<Reading> seconds = readAll(pieces, way, isMeant);
     for (qsizetype place = 0; place < pieces.size(); ++place) {
@@ -62,7 +63,7 @@ void TextReader::readStopsApart(QList<Reading>& readings, const QList<Piece>& pi
         const Piece& piece = pieces.at(place);
         const Reading& reading = readings.at(place);
         if (reading.language != way.language || !piece.prepared ||
-            cells[static_cast<std::size_t>(place)] || isLong(piece.image))
+            cells[static_cast<std::size_t>(place)] || isLong(piece.image.whole))
             continue;
         const qsizetype more = piece.prepared->stops.size() - fullStopsIn(reading.words);
         if (more > 0)

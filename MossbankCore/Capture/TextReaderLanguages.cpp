@@ -102,7 +102,7 @@ QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<Reading>
     QList<qsizetype> places = placesBelow(confidence, readings);
     if (places.size() > most) {
         std::ranges::stable_sort(places, std::greater(), [&](qsizetype place) {
-            const QImage& image = pieces.at(place).image;
+            const QImage& image = pieces.at(place).image.whole;
             return image.width() / image.height();
         });
         places.resize(most);

@@ -2,6 +2,8 @@
 //
 // Small print: letters of a few pixels, which touch.
 #include "Mossbank/Platform/PlatformFactory.h"
+#include "tests/Scenes/Scene.h"
+#include "tests/Scenes/SceneCanvas.h"
 #include "tests/Scenes/SceneFonts.h"
 
 #include <QFont>
@@ -19,6 +21,8 @@ private Q_SLOTS:
     void initTestCase();
     void aLineWhoseLettersTouchIsNotDropped_data();
     void aLineWhoseLettersTouchIsNotDropped();
+    void lettersDrawnInThirdsOfAPixelAreRead_data();
+    void lettersDrawnInThirdsOfAPixelAreRead();
 
 private:
     std::unique_ptr<TextRecognizer> m_recognizer;
@@ -64,6 +68,35 @@ void SmallTextTest::aLineWhoseLettersTouchIsNotDropped()
     const QString read = m_recognizer->recognize(picture, {}).join(u' ');
     // Not all of such letters can be told, but that they are there.
     QVERIFY2(2 * read.size() > text.size(), qPrintable(read));
+}
+
+void SmallTextTest::lettersDrawnInThirdsOfAPixelAreRead_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<int>("pixels");
+    QTest::addColumn<QString>("text");
+    for (const QString& family : {u"Liberation Sans"_s, u"Open Sans"_s, u"Roboto"_s}) {
+        for (const int pixels : {10, 11, 12}) {
+            for (const QString& text : {u"enclose.txt image.txt"_s, u"the joint scope of choice"_s,
+                                        u"a violin in the history"_s, u"corner modern clerk"_s}) {
+                QTest::addRow("%s, %s %d", qPrintable(text), qPrintable(family), pixels)
+                    << family << pixels << text;
+            }
+        }
+    }
+}
+
+void SmallTextTest::lettersDrawnInThirdsOfAPixelAreRead()
+{
+    QFETCH(QString, family);
+    QFETCH(int, pixels);
+    QFETCH(QString, text);
+    SceneCanvas canvas({600, 60}, {.thirds = true});
+    canvas.fill({0, 0, 600, 60}, Qt::white);
+    const TextStyle style = {.family = family, .pixels = pixels, .colour = Qt::black};
+    canvas.text({20, 20}, 560, text, style);
+    const QImage picture = canvas.finished(u"letters"_s).image;
+    QCOMPARE(m_recognizer->recognize(picture, {}), QStringList{text});
 }
 
 } // namespace mossbank::test

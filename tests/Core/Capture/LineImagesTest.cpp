@@ -12,12 +12,21 @@ namespace {
 constexpr QSize kSize = {320, 80};
 const QPoint kPlace = {40, 30};
 
+/// Without the thirds of their pixels.
+QList<QImage> wholeImages(const QImage& picture, const QRect& line, const QList<QRect>& lines)
+{
+    QList<QImage> images;
+    for (const LineImage& image : imagesOfLine(picture, line, lines))
+        images.append(image.whole);
+    return images;
+}
+
 /// What comes of two words, black on white, with nothing around.
 QList<QImage> plainImages()
 {
     QImage picture = plain(kSize);
     const QRect line = write(picture, kPlace, {4, 3});
-    return imagesOfLine(picture, line, {line});
+    return wholeImages(picture, line, {line});
 }
 
 int valueAt(const QImage& image, int x, int y)
@@ -77,7 +86,7 @@ private Q_SLOTS:
         QFETCH(QRgb, background);
         QImage picture = plain(kSize, background);
         const QRect line = write(picture, kPlace, {4, 3}, ink);
-        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+        QCOMPARE(wholeImages(picture, line, {line}), plainImages());
     }
 
     void colouredFringesDoNotMakeStrokesThicker_data()
@@ -94,7 +103,7 @@ private Q_SLOTS:
         QFETCH(QRgb, background);
         QImage picture = plain(kSize, background);
         const QRect line = write(picture, kPlace, {4, 3}, ink);
-        const QImage whole = imagesOfLine(picture, line, {line}).value(0);
+        const QImage whole = wholeImages(picture, line, {line}).value(0);
         // The edges of stems lie on thirds of a pixel: the pixel beyond has a third of the ink.
         const QRgb fringe = qRgb(qRed(ink), qGreen(background), qBlue(background));
         QImage fringed = picture;
@@ -104,7 +113,7 @@ private Q_SLOTS:
                     fringed.setPixel(x + 1, y, fringe);
             }
         }
-        const QList<QImage> images = imagesOfLine(fringed, line, {line});
+        const QList<QImage> images = wholeImages(fringed, line, {line});
         QCOMPARE(images.size(), 1);
         QCOMPARE(darkest(images.first()), darkest(whole));
         constexpr int kMargin = 3;
@@ -119,13 +128,79 @@ private Q_SLOTS:
         }
     }
 
+    void lettersDrawnInThirdsHaveAColumnForEach_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("background");
+        QTest::addColumn<bool>("isRedLeft");
+        QTest::newRow("black on white") << kBlack << kWhite << true;
+        QTest::newRow("blue is left") << kBlack << kWhite << false;
+        QTest::newRow("light on blue") << qRgb(230, 240, 250) << qRgb(30, 60, 160) << true;
+        QTest::newRow("red on dark") << qRgb(220, 120, 110) << qRgb(25, 25, 30) << true;
+    }
+    void lettersDrawnInThirdsHaveAColumnForEach()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, background);
+        QFETCH(bool, isRedLeft);
+        // Letters three times as wide as they will be, of which each pixel takes three columns.
+        QImage wide = plain({3 * kSize.width(), kSize.height()}, kWhite);
+        write(wide, {3 * kPlace.x() + 1, kPlace.y()}, {6, 4, 5}, kBlack, 24);
+        QImage picture = plain(kSize, background);
+        const auto mixed = [&](int x, int y, int third, int (*channel)(QRgb)) {
+            const int column = 3 * x + (isRedLeft ? third : 2 - third);
+            return wide.pixel(column, y) == kBlack ? channel(ink) : channel(background);
+        };
+        QRect line;
+        for (int y = 0; y < kSize.height(); ++y) {
+            for (int x = 0; x < kSize.width(); ++x) {
+                picture.setPixel(
+                    x, y,
+                    qRgb(mixed(x, y, 0, qRed), mixed(x, y, 1, qGreen), mixed(x, y, 2, qBlue)));
+                if (picture.pixel(x, y) != background)
+                    line |= QRect(x, y, 1, 1);
+            }
+        }
+        const QList<LineImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(images.first().thirds.width(), 3 * images.first().whole.width());
+        constexpr QPoint kMargin = {3, 2};
+        const QPoint from = line.topLeft() - kMargin;
+        QCOMPARE(images.first().thirds,
+                 wide.copy(3 * from.x(), from.y(), images.first().thirds.width(),
+                           images.first().thirds.height())
+                     .convertToFormat(QImage::Format_Grayscale8));
+    }
+
+    void lettersDrawnInWholePixelsHaveNoThirds_data()
+    {
+        QTest::addColumn<QRgb>("ink");
+        QTest::addColumn<QRgb>("second");
+        QTest::addColumn<QRgb>("background");
+        QTest::newRow("black on white") << kBlack << kBlack << kWhite;
+        QTest::newRow("red and blue on white") << qRgb(200, 0, 0) << qRgb(0, 0, 200) << kWhite;
+        QTest::newRow("orange on blue") << qRgb(250, 150, 30) << kWhite << qRgb(20, 40, 120);
+    }
+    void lettersDrawnInWholePixelsHaveNoThirds()
+    {
+        QFETCH(QRgb, ink);
+        QFETCH(QRgb, second);
+        QFETCH(QRgb, background);
+        QImage picture = plain(kSize, background);
+        const QRect left = write(picture, kPlace, {4, 3}, ink);
+        const QRect line = left | write(picture, {left.right() + 5, kPlace.y()}, {5}, second);
+        const QList<LineImage> images = imagesOfLine(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QVERIFY(images.first().thirds.isNull());
+    }
+
     void eachWordIsAsDarkAsTheNext()
     {
         QImage picture = plain(kSize);
         const QRect bold = write(picture, kPlace, {4});
         const QRect faint = write(picture, {bold.right() + 9, 30}, {3}, qRgb(180, 180, 180));
         const QRect line = bold | faint;
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 1);
         QCOMPARE(darkest(images.first().copy(0, 0, 30, 16)), 0);
         QCOMPARE(darkest(images.first().copy(bold.width() + 8, 0, 30, 16)), 0);
@@ -135,7 +210,7 @@ private Q_SLOTS:
     {
         QImage picture = plain(kSize);
         const QRect line = write(picture, kPlace, {4, 3}, qRgb(225, 225, 225));
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 1);
         QVERIFY(darkest(images.first()) > 50);
     }
@@ -146,7 +221,7 @@ private Q_SLOTS:
         const QRect left = write(picture, kPlace, {3});
         const QRect right = write(picture, {left.right() + 20, 30}, {3});
         const QRect line = left | right;
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 2);
         QCOMPARE(images.first(), images.last());
     }
@@ -158,7 +233,7 @@ private Q_SLOTS:
         const QRect right = write(picture, {left.right() + 10, 30}, {3});
         fill(picture, {left.right() + 5, 0, 1, 80}, qRgb(120, 120, 120));
         const QRect line = left | right;
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 2);
         QCOMPARE(images.first(), images.last());
     }
@@ -177,13 +252,13 @@ private Q_SLOTS:
         const QRgb badge = qRgb(30, 90, 200);
         QImage picture = plain(kSize, badge);
         const QRect line = write(picture, kPlace, {4, 3}, kWhite);
-        const int whole = darkPixels(imagesOfLine(picture, line, {line}).first());
+        const int whole = darkPixels(wholeImages(picture, line, {line}).first());
         // Steps down to the left and below, the last of which meets the foot of the first letter.
         const int x = line.left() - 1;
         const int y = isBesideIt ? line.bottom() : line.bottom() + 1;
         for (int step = 0; step < 8; ++step)
             fill(picture, {0, y + step, x + 1 - step, kSize.height() - y - step}, outside);
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 1);
         QCOMPARE(darkPixels(images.first()), whole);
     }
@@ -193,10 +268,10 @@ private Q_SLOTS:
         // White around it, as the letters are.
         QImage picture = plain(kSize, qRgb(30, 90, 200));
         const QRect line = write(picture, kPlace, {4, 3}, kWhite);
-        const int whole = darkPixels(imagesOfLine(picture, line, {line}).first());
+        const int whole = darkPixels(wholeImages(picture, line, {line}).first());
         const int rim = kPlace.y() + 12;
         fill(picture, {0, rim, kSize.width(), kSize.height() - rim}, kWhite);
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 1);
         QCOMPARE(darkPixels(images.first()), whole);
     }
@@ -210,7 +285,7 @@ private Q_SLOTS:
         fill(picture, {frame.left(), frame.top(), frame.width(), 1}, grey);
         fill(picture, {frame.left(), frame.top(), 1, frame.height()}, grey);
         fill(picture, {frame.right(), frame.top(), 1, frame.height()}, grey);
-        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+        QCOMPARE(wholeImages(picture, line, {line}), plainImages());
     }
 
     void aLetterOfOneStrokeIsNoBorder()
@@ -220,7 +295,7 @@ private Q_SLOTS:
         const QRect stroke(left.right() + 4, 30, 2, 12);
         fill(picture, stroke, kBlack);
         const QRect line = left | stroke;
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 1);
         constexpr int kMargins = 6;
         QCOMPARE(images.first().width(), line.width() + kMargins);
@@ -236,7 +311,7 @@ private Q_SLOTS:
         fill(picture, {border, 0, 1, kSize.height()}, grey);
         fill(picture, {0, one.bottom() + 1, kSize.width(), 1}, grey);
         const QRect line = one | other;
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 2);
         for (const QImage& image : images) {
             QCOMPARE(image.height(), 16);
@@ -244,7 +319,7 @@ private Q_SLOTS:
         }
         QImage alone = plain(kSize);
         const QRect word = write(alone, kPlace, {4});
-        QCOMPARE(darkPixels(images.first()), darkPixels(imagesOfLine(alone, word, {word}).first()));
+        QCOMPARE(darkPixels(images.first()), darkPixels(wholeImages(alone, word, {word}).first()));
     }
 
     void anIconIsNoLetter()
@@ -254,21 +329,21 @@ private Q_SLOTS:
         fill(picture, icon, qRgb(150, 150, 150));
         fill(picture, icon.adjusted(1, 1, -1, -1), qRgb(240, 240, 240));
         fill(picture, {67, 38, 32, 20}, qRgb(40, 60, 170));
-        QVERIFY(imagesOfLine(picture, icon, {icon}).isEmpty());
+        QVERIFY(wholeImages(picture, icon, {icon}).isEmpty());
     }
 
     void aFrameAroundAWordIsTakenFromIt()
     {
         QImage picture = plain(kSize);
         const QRect word = write(picture, kPlace, {4});
-        const int letters = darkPixels(imagesOfLine(picture, word, {word}).first());
+        const int letters = darkPixels(wholeImages(picture, word, {word}).first());
         const QRect frame = word.adjusted(-8, -8, 8, 8);
         for (const QRect& side : {QRect(frame.left(), frame.top(), frame.width(), 1),
                                   QRect(frame.left(), frame.bottom(), frame.width(), 1),
                                   QRect(frame.left(), frame.top(), 1, frame.height()),
                                   QRect(frame.right(), frame.top(), 1, frame.height())})
             fill(picture, side, kBlack);
-        const QList<QImage> images = imagesOfLine(picture, frame, {frame});
+        const QList<QImage> images = wholeImages(picture, frame, {frame});
         QCOMPARE(images.size(), 1);
         QCOMPARE(images.first().height(), 16);
         QCOMPARE(darkPixels(images.first()), letters);
@@ -281,7 +356,7 @@ private Q_SLOTS:
         fill(picture, {left.right() + 5, 24, 70, 24}, qRgb(200, 40, 40));
         const QRect right = write(picture, {left.right() + 15, 30}, {5}, kWhite);
         const QRect line = left | right;
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 2);
         QCOMPARE(darkest(images.last()), 0);
         QCOMPARE(images.last().size(), images.first().size());
@@ -301,7 +376,7 @@ private Q_SLOTS:
         QImage picture = plain(kSize);
         const QRect line = write(picture, kPlace, {4, 3});
         fill(picture, around, qRgb(60, 60, 60));
-        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+        QCOMPARE(wholeImages(picture, line, {line}), plainImages());
     }
 
     void otherLinesDoNotShow_data()
@@ -316,8 +391,8 @@ private Q_SLOTS:
         QImage picture = plain(kSize);
         const QRect line = write(picture, kPlace, {4, 3});
         const QRect other = write(picture, place, {5, 4});
-        QCOMPARE(imagesOfLine(picture, line, {line, other}), plainImages());
-        QCOMPARE(imagesOfLine(picture, other, {line, other}).size(), 1);
+        QCOMPARE(wholeImages(picture, line, {line, other}), plainImages());
+        QCOMPARE(wholeImages(picture, other, {line, other}).size(), 1);
     }
 
     void theDotsOfTheLineBelowDoNotShow()
@@ -327,7 +402,7 @@ private Q_SLOTS:
         const QRect dot(50, line.bottom() + 1, 2, 2);
         fill(picture, dot, kBlack);
         const QRect below = write(picture, {40, 46}, {5}) | dot;
-        QCOMPARE(imagesOfLine(picture, line, {line, below}), plainImages());
+        QCOMPARE(wholeImages(picture, line, {line, below}), plainImages());
     }
 
     void lettersUpToTheEdgesOfThePictureAreThere_data()
@@ -347,7 +422,7 @@ private Q_SLOTS:
         QFETCH(QPoint, place);
         QImage picture = plain(kSize);
         const QRect line = write(picture, place, {4, 3});
-        const QList<QImage> images = imagesOfLine(picture, line, {line});
+        const QList<QImage> images = wholeImages(picture, line, {line});
         QCOMPARE(images.size(), 1);
         // All but the white around is as it is in the middle of the picture.
         QCOMPARE(darkPixels(images.first()), darkPixels(plainImages().first()));
@@ -359,7 +434,7 @@ private Q_SLOTS:
         fill(picture, {0, 0, 4, kSize.height()}, qRgb(60, 60, 60));
         const QRect letters = write(picture, {10, 30}, {4, 3});
         const QRect line(0, 30, letters.right() + 1, letters.height());
-        QCOMPARE(imagesOfLine(picture, line, {line}), plainImages());
+        QCOMPARE(wholeImages(picture, line, {line}), plainImages());
     }
 
     void whereThereAreNoLettersThereIsNoImage_data()
@@ -373,7 +448,7 @@ private Q_SLOTS:
     void whereThereAreNoLettersThereIsNoImage()
     {
         QFETCH(QRect, line);
-        QCOMPARE(imagesOfLine(plain(kSize), line, {line}), QList<QImage>());
+        QCOMPARE(wholeImages(plain(kSize), line, {line}), QList<QImage>());
     }
 };
 
