@@ -45,18 +45,19 @@ std::optional<Extent> extentOf(const QImage& line, const FixedPitch& pitch, int 
         const uchar* const row = line.constScanLine(y);
         rows.push_back(kWhite - *std::min_element(row + from, row + to));
     }
-    if (rows.empty() || *std::ranges::max_element(rows) < kFaint)
+    const int most = rows.empty() ? 0 : *std::ranges::max_element(rows);
+    if (most < kFaint)
         return {};
-    const auto isLetter = [](int dark) {
-        return dark >= kInk;
+    // An underscore thinner than a pixel is fainter than letters are.
+    const int least = most < kInk ? most / 2 : kInk;
+    const auto isLetter = [&](int dark) {
+        return dark >= least;
     };
-    const auto edge = [](int here, int before) {
-        return static_cast<double>(here - kInk) / (here - before);
+    const auto edge = [&](int here, int before) {
+        return static_cast<double>(here - least) / (here - before);
     };
     Extent extent{place, 0, static_cast<double>(line.height())};
     const auto top = std::ranges::find_if(rows, isLetter);
-    if (top == rows.end())
-        return extent;
     const auto bottom = std::find_if(rows.rbegin(), rows.rend(), isLetter);
     extent.top =
         static_cast<double>(top - rows.begin()) - edge(*top, top == rows.begin() ? 0 : *(top - 1));

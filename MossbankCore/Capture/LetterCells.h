@@ -90,6 +90,8 @@ public:
     /// Whether what stands there reaches above small letters and at least a little below what
     /// letters stand on, as signs do that are a small letter and a stroke around or through it.
     bool mayBeSign(std::size_t cell) const;
+    /// Whether all of what stands there is below what letters stand on.
+    bool isUnderscore(std::size_t cell) const;
 
 private:
     void place(const QList<RecognizedWord>& words);

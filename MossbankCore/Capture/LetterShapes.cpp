@@ -59,6 +59,8 @@ LetterShapes::Guess LetterShapes::guess(const LetterCells& cells, const PlacedLe
     constexpr double kNearer = 0.85;
     if (cells.letters[cell].isAtSign)
         return {u'@', 0};
+    if (placed.isUnderscore(cell))
+        return {u'_', 0};
     Guess best;
     double second = 1;
     for (const auto& [letter, shapes] : m_shapes) {

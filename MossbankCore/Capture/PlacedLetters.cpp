@@ -153,6 +153,11 @@ bool PlacedLetters::mayBeSign(std::size_t cell) const
     return reachesAbove(cell, kNear) && reachesBelow(cell, kNear);
 }
 
+bool PlacedLetters::isUnderscore(std::size_t cell) const
+{
+    return m_top && m_cells->letters[cell].top < 0;
+}
+
 bool PlacedLetters::isPossible(QChar letter, std::size_t cell) const
 {
     constexpr QStringView kAlike = u"@$Øø";
@@ -160,6 +165,8 @@ bool PlacedLetters::isPossible(QChar letter, std::size_t cell) const
         return false;
     if (!m_top)
         return true;
+    if (isUnderscore(cell))
+        return letter == u'_';
     const bool isLow = reachesBelow(cell, kDeep);
     const bool isHigh = reachesAbove(cell, kNear);
     const bool isTooLow = reachesBelow(cell, kFar);

@@ -117,6 +117,10 @@ private Q_SLOTS:
             u"root@quay six lamps on"_s);
         row("a dollar that is nowhere else", u"quay$ six lamps on"_s, u"quays six lamps on"_s,
             u"quay$ six lamps on"_s);
+        row("an underscore read as a space", u"quay_lamp six on board"_s,
+            u"quay lamp six on board"_s, u"quay_lamp six on board"_s);
+        row("an underscore read as a letter", u"quay_lamp six on board"_s,
+            u"quayclamp six on board"_s, u"quay_lamp six on board"_s);
     }
     void whatCannotBeIsMended()
     {
@@ -134,6 +138,29 @@ private Q_SLOTS:
             QVERIFY(cells.has_value());
             QCOMPARE(joined(shapes.corrected(*cells, {words(read)})), mended);
         }
+    }
+
+    void anUnderscoreThinnerThanAPixelIsOne()
+    {
+        const QFont font = sceneFont(u"DejaVu Sans Mono"_s, 14);
+        const QString text = u"bell_oak six on board"_s;
+        const QImage without = drawnLine(font, QString(text).replace(u'_', u' '));
+        QImage line = drawnLine(font, text);
+        for (int y = 0; y < line.height(); ++y) {
+            for (int x = 0; x < line.width(); ++x) {
+                uchar& pixel = line.scanLine(y)[x];
+                if (pixel != without.constScanLine(y)[x])
+                    pixel = std::max<uchar>(pixel, 255 - 85);
+            }
+        }
+        const auto cells = letterCellsOf(line);
+        QVERIFY(cells.has_value());
+        QCOMPARE(cells->runs.size(), std::size_t(4));
+        const PlacedLetters placed(*cells, words(text));
+        QVERIFY(placed.isUnderscore(4));
+        QVERIFY(!placed.isUnderscore(3));
+        QVERIFY(!placed.isPossible(u'k', 4));
+        QVERIFY(placed.isPossible(u'_', 4));
     }
 
     void whatAnotherReadingSaysIsTakenWhereItFits()
