@@ -4,15 +4,21 @@
 #include <QImage>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <complex>
 #include <functional>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace mossbank {
 
 namespace {
+
+/// So many frequencies side by side take hardly longer than one: each step of a wave waits for the
+/// one before.
+constexpr std::size_t kSeveral = 8;
+using Several = std::array<double, kSeveral>;
 
 /// How much ink each column of a line has.
 class Columns {
@@ -42,41 +48,67 @@ public:
     int last() const { return m_last; }
     int width() const { return m_last - m_first + 1; }
 
-    /// How much of all ink swings with so many waves a pixel, 0 to 1.
-    double strength(double frequency) const
+    /// How much of all ink swings with so many waves a pixel, 0 to 1; for several numbers at once.
+    Several strengths(const Several& frequencies) const
     {
-        const std::complex<double> turn = std::polar(1.0, 2 * std::numbers::pi * frequency);
-        std::complex<double> wave = 1;
-        std::complex<double> sum = 0;
-        for (int x = m_first; x <= m_last; ++x) {
-            sum += m_ink[static_cast<std::size_t>(x)] * wave;
-            wave *= turn;
+        Several turnReal;
+        Several turnImaginary;
+        for (std::size_t at = 0; at < kSeveral; ++at) {
+            const double angle = 2 * std::numbers::pi * frequencies[at];
+            turnReal[at] = std::cos(angle);
+            turnImaginary[at] = std::sin(angle);
         }
-        return std::abs(sum) / m_sum;
+        Several real;
+        real.fill(1);
+        Several imaginary = {};
+        Several sumReal = {};
+        Several sumImaginary = {};
+        for (int x = m_first; x <= m_last; ++x) {
+            const double ink = m_ink[static_cast<std::size_t>(x)];
+            for (std::size_t at = 0; at < kSeveral; ++at) {
+                sumReal[at] += ink * real[at];
+                sumImaginary[at] += ink * imaginary[at];
+                const double before = real[at];
+                real[at] = before * turnReal[at] - imaginary[at] * turnImaginary[at];
+                imaginary[at] = before * turnImaginary[at] + imaginary[at] * turnReal[at];
+            }
+        }
+        Several found;
+        for (std::size_t at = 0; at < kSeveral; ++at)
+            found[at] = std::hypot(sumReal[at], sumImaginary[at]) / m_sum;
+        return found;
     }
 
-    /// How much ink there is on the borders of such cells, as a share of what is elsewhere.
-    double onBorders(double width, double start) const
+    /// How much ink there is on the borders of such cells, as a share of what is elsewhere. `most`
+    /// where it is that or more.
+    double onBorders(double width, double start, double most) const
     {
         double sum = 0;
         int count = 0;
         const double first = std::ceil((m_first - start + 0.5) / width);
+        const double mean = m_sum / this->width();
+        // More than there are, so that a sum above it is too much whatever is still to come.
+        const double borders = (m_last - start) / width - first + 2;
+        const double limit = most * borders * mean;
         for (double border = start + first * width; border < m_last; border += width) {
             sum += between(border - 0.5);
             ++count;
+            if (sum > limit)
+                return most;
         }
-        return count == 0 ? 1 : sum / count / (m_sum / this->width());
+        return count == 0 ? 1 : std::min(most, sum / count / mean);
     }
 
 private:
     double between(double x) const
     {
-        const double before = std::floor(x);
-        const auto ink = [&](double column) {
-            const bool isThere = column >= 0 && column < static_cast<double>(m_ink.size());
+        const auto before = static_cast<int>(x);
+        const double part = x - before;
+        const auto ink = [&](int column) {
+            const bool isThere = column >= 0 && column < static_cast<int>(m_ink.size());
             return isThere ? m_ink[static_cast<std::size_t>(column)] : 0.0;
         };
-        return ink(before) * (before + 1 - x) + ink(before + 1) * (x - before);
+        return ink(before) * (1 - part) + ink(before + 1) * part;
     }
 
     std::vector<double> m_ink;
@@ -94,8 +126,14 @@ std::vector<double> strongest(const Columns& columns, double lowest, double high
         double frequency = 0;
     };
     std::vector<Wave> all;
-    for (double frequency = lowest; frequency <= highest; frequency += step)
-        all.push_back({columns.strength(frequency), frequency});
+    for (double frequency = lowest; frequency <= highest;) {
+        Several frequencies;
+        for (double& one : frequencies)
+            one = std::exchange(frequency, frequency + step);
+        const Several strengths = columns.strengths(frequencies);
+        for (std::size_t at = 0; at < kSeveral && frequencies[at] <= highest; ++at)
+            all.push_back({strengths[at], frequencies[at]});
+    }
     std::vector<Wave> peaks;
     for (std::size_t at = 1; at + 1 < all.size(); ++at) {
         if (all[at].strength >= all[at - 1].strength && all[at].strength > all[at + 1].strength)
@@ -138,7 +176,7 @@ std::optional<FixedPitch> fixedPitchOf(const QImage& line)
                 continue;
             for (double start = columns.first() - width; start < columns.first() + width / 3;
                  start += kStart) {
-                const double on = columns.onBorders(width, start);
+                const double on = columns.onBorders(width, start, least);
                 if (on >= least)
                     continue;
                 least = on;

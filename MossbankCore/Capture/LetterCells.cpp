@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/LetterCells.h"
 
-#include "MossbankCore/Capture/FixedPitch.h"
-
 #include <QImage>
 
 #include <algorithm>
@@ -147,9 +145,8 @@ LetterShape shapeOf(const QImage& line, const FixedPitch& pitch, int place, doub
 
 } // namespace
 
-std::optional<LetterCells> letterCellsOf(const QImage& line)
+std::optional<LetterCells> letterCellsOf(const QImage& line, const std::optional<FixedPitch>& pitch)
 {
-    const std::optional<FixedPitch> pitch = fixedPitchOf(line);
     if (!pitch)
         return {};
     std::vector<Extent> extents;

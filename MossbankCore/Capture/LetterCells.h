@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "MossbankCore/Capture/FixedPitch.h"
 #include "MossbankCore/Ports/LineRecognizer.h"
 
 #include <QList>
@@ -43,11 +44,12 @@ struct LetterCells {
     std::vector<Run> runs;
 };
 
-/// The cells of a grey image of one line, dark on white. Absent where letters are plainly of
-/// different widths.
+/// The cells of a grey image of one line, dark on white, of that pitch. Absent where letters are
+/// plainly of different widths.
 ///
 /// Threading: any thread.
-std::optional<LetterCells> letterCellsOf(const QImage& line);
+std::optional<LetterCells> letterCellsOf(const QImage& line,
+                                         const std::optional<FixedPitch>& pitch);
 
 /// For each line of a picture whether its letters are all equally wide. A few letters of a line may
 /// be so by chance, and digits often are; but then no other lines have cells of that width.

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Capture/MarkedZeros.h"
 
-#include "MossbankCore/Capture/FixedPitch.h"
-
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <vector>
 
 namespace mossbank {
@@ -173,9 +170,8 @@ void removeMark(const Outline& outline, QImage& line)
 
 } // namespace
 
-QImage withPlainZeros(const QImage& line)
+QImage withPlainZeros(const QImage& line, const std::optional<FixedPitch>& pitch)
 {
-    const std::optional<FixedPitch> pitch = fixedPitchOf(line);
     if (!pitch)
         return line;
     QImage plain = line;

@@ -158,9 +158,12 @@ void TextReader::prepare(QList<Piece>& pieces)
     forEach(unknown.size(), m_pool.maxThreadCount(), [&](qsizetype at) {
         Piece& piece = pieces[unknown.at(at)];
         auto prepared = std::make_shared<Prepared>();
-        prepared->image = withPlainZeros(piece.image.whole);
+        const std::optional<FixedPitch> pitch = fixedPitchOf(piece.image.whole);
+        prepared->image = withPlainZeros(piece.image.whole, pitch);
         prepared->thirds = piece.image.thirds;
-        prepared->cells = letterCellsOf(prepared->image);
+        const bool isAsBefore = prepared->image.cacheKey() == piece.image.whole.cacheKey();
+        prepared->cells =
+            letterCellsOf(prepared->image, isAsBefore ? pitch : fixedPitchOf(prepared->image));
         prepared->stops = fullStopsOf(prepared->image);
         piece.prepared = std::move(prepared);
     });

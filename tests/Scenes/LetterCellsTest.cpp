@@ -53,7 +53,8 @@ private Q_SLOTS:
             lengths.append(run.length);
         QCOMPARE(lengths, (QList<qsizetype>{1, 2, 10, 3}));
         QCOMPARE(cells->letters.size(), std::size_t(16));
-        QVERIFY(!letterCellsOf(drawnLine(sceneFont(u"DejaVu Sans"_s, 15), kOthers.at(1))));
+        const QImage line = drawnLine(sceneFont(u"DejaVu Sans"_s, 15), kOthers.at(1));
+        QVERIFY(!letterCellsOf(line, fixedPitchOf(line)));
     }
 
     void whatCannotBeIsSeen_data()
@@ -153,7 +154,7 @@ private Q_SLOTS:
                     pixel = std::max<uchar>(pixel, 255 - 85);
             }
         }
-        const auto cells = letterCellsOf(line);
+        const auto cells = letterCellsOf(line, fixedPitchOf(line));
         QVERIFY(cells.has_value());
         QCOMPARE(cells->runs.size(), std::size_t(4));
         const PlacedLetters placed(*cells, words(text));
@@ -251,7 +252,8 @@ private:
     static QFont font(int pixels = 14) { return sceneFont(u"DejaVu Sans Mono"_s, pixels); }
     static std::optional<LetterCells> cellsOf(const QString& text, int pixels = 14)
     {
-        return letterCellsOf(drawnLine(font(pixels), text));
+        const QImage line = drawnLine(font(pixels), text);
+        return letterCellsOf(line, fixedPitchOf(line));
     }
 };
 
