@@ -10,16 +10,16 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// How unlike two shapes are, 0 to 1.
-double between(const LetterShape& one, const LetterShape& other)
+/// The sum of the squares of how far two shapes are apart. Of so few numbers it never leaves an
+/// int.
+int between(const LetterShape& one, const LetterShape& other)
 {
-    constexpr double kMost = 255;
-    long sum = 0;
+    int sum = 0;
     for (std::size_t at = 0; at < one.size(); ++at) {
         const int apart = one[at] - other[at];
-        sum += static_cast<long>(apart) * apart;
+        sum += apart * apart;
     }
-    return std::sqrt(static_cast<double>(sum) / static_cast<double>(one.size())) / kMost;
+    return sum;
 }
 
 } // namespace
@@ -46,10 +46,11 @@ std::optional<double> LetterShapes::distance(QChar letter, const LetterShape& sh
     const auto known = m_shapes.find(letter);
     if (known == m_shapes.end())
         return {};
-    double least = 1;
+    constexpr int kMost = 255;
+    int least = kMost * kMost * static_cast<int>(shape.size());
     for (const LetterShape& one : known->second)
         least = std::min(least, between(one, shape));
-    return least;
+    return std::sqrt(static_cast<double>(least) / static_cast<double>(shape.size())) / kMost;
 }
 
 LetterShapes::Guess LetterShapes::guess(const LetterCells& cells, const PlacedLetters& placed,

@@ -113,6 +113,8 @@ void TextReader::correctLetters(QList<Reading>& readings, const QList<Piece>& pi
     add(readings);
     add(readAll(pieces, way, [&](qsizetype place) { return cellsOf(place) != nullptr; }));
     const QSet<qsizetype> wrong = correct();
+    if (wrong.isEmpty())
+        return;
     way.height = kOtherHeight;
     add(readAll(pieces, way, [&](qsizetype place) { return wrong.contains(place); }));
     correct();
