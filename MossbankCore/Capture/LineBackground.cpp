@@ -13,40 +13,64 @@ namespace {
 /// Colours no further apart than this are one background.
 constexpr int kSame = 20;
 
-/// A colour without its lowest bits, so that a dithered or graded background is one.
-unsigned coarse(QRgb colour)
+/// Of each colour without its lowest bits, so that a dithered or graded background is one.
+constexpr int kDropped = 3;
+constexpr int kKept = 8 - kDropped;
+constexpr std::size_t kCoarseColours = std::size_t(1) << 3 * kKept;
+
+std::size_t coarse(QRgb colour)
 {
-    constexpr int kDropped = 3;
-    constexpr int kKept = 8 - kDropped;
-    return static_cast<unsigned>(qRed(colour) >> kDropped << 2 * kKept |
-                                 qGreen(colour) >> kDropped << kKept | qBlue(colour) >> kDropped);
+    return static_cast<std::size_t>(qRed(colour) >> kDropped << 2 * kKept |
+                                    qGreen(colour) >> kDropped << kKept |
+                                    qBlue(colour) >> kDropped);
+}
+
+/// Calls `work` with each colour of an area and how many pixels side by side have it.
+template <typename Work>
+void forEachRun(const QImage& picture, const QRect& area, Work work)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const QRgb* const row = pixelsOf(picture, y);
+        const QRgb* const end = row + area.right() + 1;
+        for (const QRgb* start = row + area.left(); start < end;) {
+            const QRgb* const next =
+                std::find_if(start, end, [&](QRgb colour) { return colour != *start; });
+            work(*start, next - start);
+            start = next;
+        }
+    }
 }
 
 /// The colour that most of an area has: of a line of text, its background.
 QRgb commonest(const QImage& picture, const QRect& area)
 {
-    std::vector<std::pair<unsigned, QRgb>> colours;
-    colours.reserve(static_cast<std::size_t>(area.width()) *
-                    static_cast<std::size_t>(area.height()));
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        const QRgb* const row = pixelsOf(picture, y);
-        for (int x = area.left(); x <= area.right(); ++x)
-            colours.emplace_back(coarse(row[x]), row[x]);
-    }
-    std::ranges::sort(colours);
-    auto best = colours.begin();
+    // All are 0 in between: to clear what was counted takes less than to clear them all.
+    thread_local std::vector<std::ptrdiff_t> counts(kCoarseColours);
+    std::size_t best = 0;
     std::ptrdiff_t most = 0;
-    for (auto start = colours.begin(); start != colours.end();) {
-        const auto end = std::find_if(
-            start, colours.end(), [&](const auto& colour) { return colour.first != start->first; });
-        if (end - start > most) {
-            most = end - start;
-            best = start;
+    forEachRun(picture, area, [&](QRgb colour, std::ptrdiff_t length) {
+        const std::size_t here = coarse(colour);
+        const std::ptrdiff_t count = counts[here] += length;
+        // Of those that are as common the first, whatever their order in the picture.
+        if (count > most || (count == most && here < best)) {
+            most = count;
+            best = here;
         }
-        start = end;
-    }
+    });
+    std::vector<QRgb> ofBest;
+    ofBest.reserve(static_cast<std::size_t>(most));
+    forEachRun(picture, area, [&](QRgb colour, std::ptrdiff_t length) {
+        const std::size_t here = coarse(colour);
+        counts[here] = 0;
+        if (here == best)
+            ofBest.insert(ofBest.end(), static_cast<std::size_t>(length), colour);
+    });
+    if (ofBest.empty())
+        return 0;
     // Of those that are one but for the lowest bits, the middle one.
-    return most == 0 ? 0 : (best + most / 2)->second;
+    const auto middle = ofBest.begin() + static_cast<std::ptrdiff_t>(ofBest.size() / 2);
+    std::ranges::nth_element(ofBest, middle);
+    return *middle;
 }
 
 /// The part of an area that has about this colour, 0 to 1.
