@@ -94,17 +94,6 @@ TextReader::~TextReader()
     m_pool.waitForDone();
 }
 
-QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
-{
-    const QList<QRect> lines = inReadingOrder(TextLineFinder::find(picture));
-    QList<Piece> pieces;
-    for (qsizetype line = 0; line < lines.size(); ++line) {
-        for (const LineImage& image : imagesOfLine(picture, lines.at(line), lines))
-            pieces.append({image, nullptr, digestOf(image), line});
-    }
-    return pieces;
-}
-
 TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words,
                                           const QString& language)
 {
@@ -117,8 +106,8 @@ TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words,
     return {words, language, length > 0 ? sum / static_cast<double>(length) : 0};
 }
 
-template <typename Work>
-std::vector<char> TextReader::forEach(qsizetype count, int threads, Work work)
+std::vector<char> TextReader::forEach(qsizetype count, int threads,
+                                      const std::function<void(qsizetype)>& work)
 {
     std::atomic<qsizetype> next = 0;
     std::vector<char> isDone(static_cast<std::size_t>(count), 0);
@@ -143,6 +132,20 @@ std::vector<char> TextReader::forEach(qsizetype count, int threads, Work work)
     if (failure)
         std::rethrow_exception(failure);
     return isDone;
+}
+
+QList<TextReader::Piece> TextReader::piecesOf(const QImage& picture)
+{
+    const QList<QRect> lines = inReadingOrder(TextLineFinder::find(picture));
+    std::vector<QList<Piece>> found(static_cast<std::size_t>(lines.size()));
+    forEach(lines.size(), m_pool.maxThreadCount(), [&](qsizetype line) {
+        for (const LineImage& image : imagesOfLine(picture, lines.at(line), lines))
+            found[static_cast<std::size_t>(line)].append({image, nullptr, digestOf(image), line});
+    });
+    QList<Piece> pieces;
+    for (const QList<Piece>& ofLine : found)
+        pieces += ofLine;
+    return pieces;
 }
 
 void TextReader::prepare(QList<Piece>& pieces)
@@ -186,19 +189,27 @@ TextReader::Reading TextReader::readPiece(const Prepared& prepared, const Way& w
     return readingOf(m_recognizer->read(line, way.language, way.correctsLanguage), way.language);
 }
 
-QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
-                                               const IsWanted& isWanted)
+double TextReader::lengthOf(const QImage& line)
 {
-    QList<Reading> readings(pieces.size());
+    return static_cast<double>(line.width()) / line.height();
+}
+
+QByteArray TextReader::keyOf(const Piece& piece, const Way& way)
+{
+    return way.language.toUtf8() + (way.correctsLanguage ? '+' : '-') +
+           QByteArray::number(way.height) + (way.hasRoomAroundStops ? '.' : ' ') +
+           (way.isSharp ? '!' : ' ') + piece.digest;
+}
+
+QList<qsizetype> TextReader::unknownOf(const QList<Piece>& pieces, const Way& way,
+                                       const IsWanted& isWanted)
+{
     QList<qsizetype> unknown;
     QSet<QByteArray> isBegun;
-    const QByteArray kind = way.language.toUtf8() + (way.correctsLanguage ? '+' : '-') +
-                            QByteArray::number(way.height) + (way.hasRoomAroundStops ? '.' : ' ') +
-                            (way.isSharp ? '!' : ' ');
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (!isWanted(place) || !pieces.at(place).prepared)
             continue;
-        const QByteArray key = kind + pieces.at(place).digest;
+        const QByteArray key = keyOf(pieces.at(place), way);
         if (m_current.contains(key) || isBegun.contains(key))
             continue;
         if (const auto known = m_known.constFind(key); known != m_known.cend()) {
@@ -208,20 +219,30 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
             unknown.append(place);
         }
     }
-    readings.detach();
+    std::ranges::stable_sort(unknown, std::greater(), [&](qsizetype place) {
+        return lengthOf(pieces.at(place).image.whole);
+    });
+    return unknown;
+}
+
+QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
+                                               const IsWanted& isWanted)
+{
+    const QList<qsizetype> unknown = unknownOf(pieces, way, isWanted);
+    std::vector<Reading> found(static_cast<std::size_t>(unknown.size()));
     const int threads = way.isOnOneThread ? 1 : m_pool.maxThreadCount();
     const std::vector<char> isRead = forEach(unknown.size(), threads, [&](qsizetype at) {
-        const qsizetype place = unknown.at(at);
-        readings[place] = readPiece(*pieces.at(place).prepared, way);
+        found[static_cast<std::size_t>(at)] = readPiece(*pieces.at(unknown.at(at)).prepared, way);
     });
-    for (qsizetype at = 0; at < unknown.size(); ++at) {
-        const qsizetype place = unknown.at(at);
-        if (isRead[static_cast<std::size_t>(at)])
-            m_current.insert(kind + pieces.at(place).digest, readings.at(place));
+    for (std::size_t at = 0; at < found.size(); ++at) {
+        const Piece& piece = pieces.at(unknown.at(static_cast<qsizetype>(at)));
+        if (isRead[at])
+            m_current.insert(keyOf(piece, way), found[at]);
     }
+    QList<Reading> readings(pieces.size());
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (isWanted(place))
-            readings[place] = m_current.value(kind + pieces.at(place).digest);
+            readings[place] = m_current.value(keyOf(pieces.at(place), way));
     }
     return readings;
 }
@@ -254,8 +275,8 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
     if (m_wantsRest.exchange(false))
         forget();
     m_current.clear();
-    QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
     m_began = processorTime();
+    QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
     prepare(pieces);
     const QList<Reading> readings = readInAll(pieces, options);
     m_known = std::exchange(m_current, {});

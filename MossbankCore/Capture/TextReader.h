@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -97,12 +98,21 @@ private:
     using IsWanted = std::function<bool(qsizetype)>;
     using AllPrepared = QHash<QByteArray, std::shared_ptr<const Prepared>>;
 
-    static QList<Piece> piecesOf(const QImage& picture);
+    QList<Piece> piecesOf(const QImage& picture);
     void prepare(QList<Piece>& pieces);
     /// Calls `work` for each number below `count`, on so many threads, until the picture is given
     /// up. Returns which numbers it was called for.
-    template <typename Work>
-    std::vector<char> forEach(qsizetype count, int threads, Work work);
+    std::vector<char> forEach(qsizetype count, int threads,
+                              const std::function<void(qsizetype)>& work);
+    /// What is not known yet of a picture as it is read in a way, each once. The widest come first,
+    /// so that at the end no thread waits long for another.
+    QList<qsizetype> unknownOf(const QList<Piece>& pieces, const Way& way,
+                               const IsWanted& isWanted);
+    /// Reads all of a picture, and what stays in doubt at once also in another language: no thread
+    /// waits for others in between. A long line that is read alone is not waited for either, to see
+    /// whether it stays in doubt. Returns what reading in the other language failed with, if it
+    /// did. No other language where `other` is empty.
+    std::exception_ptr readAhead(const QList<Piece>& pieces, const Way& way, const QString& other);
     /// What each piece says, as far as `isWanted` asks for it.
     QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, const IsWanted& isWanted);
     static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
@@ -122,6 +132,10 @@ private:
     /// Puts right what cannot be as it was read, by how the letters look. `way`: in which all have
     /// been read first.
     void correctLetters(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
+    /// Of a piece in that way; for all that look the same.
+    static QByteArray keyOf(const Piece& piece, const Way& way);
+    /// In heights of itself, which are all made one.
+    static double lengthOf(const QImage& line);
     /// At most so many of the pieces whose reading is less sure.
     static QSet<qsizetype> longestBelow(double confidence, const QList<Reading>& readings,
                                         const QList<Piece>& pieces, qsizetype most);

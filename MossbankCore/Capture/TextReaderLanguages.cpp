@@ -6,8 +6,12 @@
 #include "MossbankCore/Support/Failure.h"
 
 #include <algorithm>
+#include <atomic>
+#include <exception>
 #include <functional>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace mossbank {
 
@@ -24,6 +28,10 @@ constexpr double kUnsure = 80;
 constexpr double kDoubtful = 88;
 /// Below it also, near lines of that language.
 constexpr double kSure = 95.5;
+
+/// In heights. So long a line takes so long that whoever waits for a picture on which it alone has
+/// changed would notice; a shorter one is not worth another thread's work that may be in vain.
+constexpr double kLongAlone = 28;
 
 /// Whether there is a letter that English does not have.
 bool hasOtherLetters(const QList<RecognizedWord>& words)
@@ -46,12 +54,57 @@ QList<qsizetype> nextTo(qsizetype place, const QList<qsizetype>& places, qsizety
 
 } // namespace
 
+std::exception_ptr TextReader::readAhead(const QList<Piece>& pieces, const Way& way,
+                                         const QString& other)
+{
+    Way otherWay = way;
+    otherWay.language = other;
+    const QList<qsizetype> unknown = unknownOf(pieces, way, [](qsizetype) { return true; });
+    std::vector<std::optional<Reading>> found(static_cast<std::size_t>(unknown.size()));
+    std::vector<std::optional<Reading>> others(found.size());
+    std::atomic<bool> isOver = other.isEmpty();
+    std::exception_ptr failure;
+    const auto readInOther = [&](qsizetype at) {
+        if (isOver)
+            return;
+        try {
+            others[static_cast<std::size_t>(at)] =
+                readPiece(*pieces.at(unknown.at(at)).prepared, otherWay);
+        } catch (const Failure&) {
+            if (!isOver.exchange(true))
+                failure = std::current_exception();
+        }
+    };
+    const int threads = m_pool.maxThreadCount();
+    const bool isLongAlone = threads > 1 && unknown.size() == 1 &&
+                             lengthOf(pieces.at(unknown.first()).image.whole) >= kLongAlone;
+    forEach(isLongAlone ? 2 : unknown.size(), threads, [&](qsizetype at) {
+        if (at == unknown.size())
+            return readInOther(0);
+        const Reading reading = readPiece(*pieces.at(unknown.at(at)).prepared, way);
+        found[static_cast<std::size_t>(at)] = reading;
+        if (reading.confidence < kDoubtful && !isLongAlone)
+            readInOther(at);
+    });
+    for (std::size_t at = 0; at < found.size(); ++at) {
+        const Piece& piece = pieces.at(unknown.at(static_cast<qsizetype>(at)));
+        if (found[at])
+            m_current.insert(keyOf(piece, way), *found[at]);
+        if (others[at])
+            m_current.insert(keyOf(piece, otherWay), *others[at]);
+    }
+    return failure;
+}
+
 QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, const Options& options)
 {
     const QStringList named = options.languages.value_or(QStringList());
     LineLanguages languages = m_recognizer->languages(named);
     const QString first = languages.expected.takeFirst();
     Way way = {first, options.correctsLanguage, kReadHeight};
+    const QString second = languages.expected.value(0);
+    const bool isLeftOut = named.isEmpty() && m_leftOut.contains(second);
+    const std::exception_ptr failure = readAhead(pieces, way, isLeftOut ? QString() : second);
     QList<Reading> readings = readAll(pieces, way, [](qsizetype) { return true; });
     // What was asked for and cannot be done is told. Of what is only installed a damaged model must
     // not be the end of all reading.
@@ -67,6 +120,8 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
             m_leftOut.insert(language);
         }
     };
+    if (failure)
+        readIn(second, [&] { std::rethrow_exception(failure); });
     for (const QString& language : std::as_const(languages.expected))
         readIn(language, [&] { improve(readings, pieces, way, pieces.size()); });
     // Each takes engines that are slow to load and large. With more of them nobody can tell which
