@@ -73,9 +73,11 @@ std::unique_ptr<Engine> load(const EngineKind& kind)
     auto engine = std::make_unique<Engine>();
     engine->kind = kind;
     // What is handed over is a line. Where small letters touch, few outlines are left that look
-    // like letters, and the whole of it would be dropped as dirt on the page.
-    std::vector<std::string> names = {"debug_file", "textord_noise_rejrows"};
-    std::vector<std::string> values = {"/dev/null", "0"};
+    // like letters, and the whole of it would be dropped as dirt on the page. Whether letters are
+    // all equally wide would be found out to tell words apart, which the network does without.
+    std::vector<std::string> names = {"debug_file", "textord_noise_rejrows",
+                                      "textord_disable_pitch_test"};
+    std::vector<std::string> values = {"/dev/null", "0", "1"};
     if (!kind.correctsLanguage) {
         names.insert(names.end(), {"load_system_dawg", "load_freq_dawg"});
         values.insert(values.end(), {"0", "0"});
