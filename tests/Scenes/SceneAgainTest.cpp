@@ -87,8 +87,8 @@ void SceneAgainTest::initTestCase()
 void SceneAgainTest::whatChangedReadsAsInAFreshReading_data()
 {
     QTest::addColumn<Layout>("layout");
-    for (const Layout layout : {Layout::Terminals, Layout::Code, Layout::Dashboard, Layout::Sheet,
-                                Layout::Chat, Layout::TurkishAndEnglish})
+    for (const Layout layout : {Layout::Article, Layout::Terminals, Layout::Code, Layout::Dashboard,
+                                Layout::Sheet, Layout::Chat, Layout::TurkishAndEnglish})
         QTest::addRow("%s", qPrintable(layoutName(layout))) << layout;
 }
 
