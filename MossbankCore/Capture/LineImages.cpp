@@ -5,6 +5,7 @@
 #include "MossbankCore/Capture/LineInk.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 #include <vector>
 
@@ -92,6 +93,36 @@ LineImage copied(const LineImage& image, const QRect& area)
     return {.whole = image.whole.copy(common), .thirds = image.thirds.copy(wide)};
 }
 
+/// Whether what stands before some letters is none of them: a box to be checked, or the side of a
+/// field, which no letter reaches as far out above and below as.
+bool isBoxOrSide(const LineInk& ink, const QRect& first, const QRect& letters)
+{
+    constexpr int kSmallest = 9;
+    const int away = letters.left() - first.right() - 1;
+    const bool isSquare = std::abs(first.width() - first.height()) <= 1;
+    if (isSquare && first.height() >= kSmallest && 4 * away >= first.height())
+        return ink.isEmptyBox(first);
+    const int out = std::min(letters.top() - first.top(), first.bottom() - letters.bottom());
+    return first.height() > 3 * first.width() && 4 * out > letters.height();
+}
+
+/// Removes boxes and sides of fields that stand before the words.
+void removeBoxes(LineInk& ink, int gap)
+{
+    constexpr int kApart = 4;
+    const std::vector<bool> hasLetters = columnsWithLetters(ink);
+    const std::vector<Columns> parts = stretches(ink, hasLetters, kApart);
+    for (const Columns& columns : stretches(ink, hasLetters, gap)) {
+        const auto first = std::ranges::find(parts, columns.from, &Columns::from);
+        if (first == parts.end() || first->to == columns.to)
+            continue;
+        const int behind = (first + 1)->from;
+        if (isBoxOrSide(ink, ink.lettersWithin(first->from, first->to),
+                        ink.lettersWithin(behind, columns.to)))
+            ink.remove(columns.from, behind);
+    }
+}
+
 void addImages(const QImage& picture, const LinePart& part, bool isFirst, bool isLast,
                const QList<QRect>& lines, QList<LineImage>& images)
 {
@@ -108,6 +139,7 @@ void addImages(const QImage& picture, const LinePart& part, bool isFirst, bool i
     const int gap = part.area.height() + 2;
     for (const Columns& columns : stretches(ink, columnsWithLetters(ink), gap))
         ink.removeFrame(columns.from, columns.to);
+    removeBoxes(ink, gap);
     const std::vector<bool> hasLetters = columnsWithLetters(ink);
     const LineImage image = stretched(ink, hasLetters);
     for (const Columns& columns : stretches(ink, hasLetters, gap)) {

@@ -127,29 +127,54 @@ void LineInk::removeWhatTouchesTheBorder()
     takeWhatTouches(std::move(taken));
 }
 
+std::array<QRect, 4> LineInk::sidesOf(const QRect& area)
+{
+    constexpr int kThinnest = 2;
+    constexpr int kPart = 12;
+    const int thick = std::max(kThinnest, area.height() / kPart);
+    const QRect above(area.left(), area.top(), area.width(), thick);
+    const QRect beside(area.left(), area.top(), thick, area.height());
+    return {above, above.translated(0, area.height() - thick), beside,
+            beside.translated(area.width() - thick, 0)};
+}
+
 void LineInk::removeFrame(int from, int to)
 {
     constexpr int kLowest = 16;
-    constexpr int kThinnest = 2;
-    constexpr int kPart = 12;
     const QRect all = lettersWithin(from, to);
     if (all.height() < kLowest || all.width() < kLowest)
         return;
-    const int thick = std::max(kThinnest, all.height() / kPart);
-    const QRect above(all.left(), all.top(), all.width(), thick);
-    const QRect beside(all.left(), all.top(), thick, all.height());
-    const QRect below = above.translated(0, all.height() - thick);
-    const QRect behind = beside.translated(all.width() - thick, 0);
-    if (!isLine(above) || !isLine(below) || !isLine(beside) || !isLine(behind))
+    const std::array<QRect, 4> sides = sidesOf(all);
+    if (!std::ranges::all_of(sides, [this](const QRect& side) { return isLine(side); }))
         return;
     std::vector<Run> taken;
-    for (const QRect& side : {above, below, beside, behind}) {
+    for (const QRect& side : sides) {
         for (int y = side.top(); y <= side.bottom(); ++y) {
             for (int x = side.left(); x <= side.right(); ++x)
                 take(x, y, taken);
         }
     }
     takeWhatTouches(std::move(taken));
+}
+
+bool LineInk::isEmptyBox(const QRect& area) const
+{
+    constexpr int kCorner = 3; // of which the sides' ends may be rounded off
+    const QRect within = area.adjusted(kCorner, kCorner, -kCorner, -kCorner);
+    for (int y = within.top(); y <= within.bottom(); ++y) {
+        for (int x = within.left(); x <= within.right(); ++x) {
+            if (at(x, y) > kInk)
+                return false;
+        }
+    }
+    return within.isValid() &&
+           std::ranges::all_of(sidesOf(area), [this](const QRect& side) { return isLine(side); });
+}
+
+void LineInk::remove(int from, int to)
+{
+    for (int y = 0; y < height(); ++y)
+        std::fill_n(&at(from, y), to - from, 0);
 }
 
 bool LineInk::isBlock(const QRect& letters) const

@@ -61,6 +61,12 @@ public:
     /// sides, too thin for the letter that they would be.
     void removeFrame(int from, int to);
 
+    /// Whether four straight sides lie along the sides of a rectangle, and nothing within them.
+    bool isEmptyBox(const QRect& area) const;
+
+    /// Removes what is between two columns.
+    void remove(int from, int to);
+
     /// Whether there is ink nearly everywhere, and more of it than a stem has: the picture on an
     /// icon, not a letter.
     bool isBlock(const QRect& letters) const;
@@ -110,6 +116,9 @@ private:
 
     /// Removes also what goes on from there above and below.
     void takeWhatTouches(std::vector<Run> taken);
+
+    /// The sides of a frame along those of a rectangle: above, below, on the left, on the right.
+    static std::array<QRect, 4> sidesOf(const QRect& area);
 
     /// Whether a side of a frame goes through there from end to end.
     bool isLine(const QRect& side) const;

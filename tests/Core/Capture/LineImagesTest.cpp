@@ -215,6 +215,43 @@ private Q_SLOTS:
         QVERIFY(darkest(images.first()) > 50);
     }
 
+    void aBoxBeforeTheWordsIsNoLetter_data()
+    {
+        QTest::addColumn<QRect>("box");  // from where the words begin
+        QTest::addColumn<QRect>("hole"); // within it
+        QTest::addColumn<int>("round");  // of its corners
+        QTest::addColumn<bool>("isGone");
+        const QRect box(-20, -1, 14, 14);
+        QTest::newRow("a box") << box << QRect(1, 1, 12, 12) << 0 << true;
+        QTest::newRow("a rounded box") << box << QRect(1, 1, 12, 12) << 1 << true;
+        QTest::newRow("a box close by")
+            << box.translated(5, 0) << QRect(1, 1, 12, 12) << 0 << false;
+        QTest::newRow("open below") << box << QRect(1, 1, 12, 13) << 0 << false;
+        QTest::newRow("a round letter") << box << QRect(2, 2, 10, 10) << 3 << false;
+        QTest::newRow("a side of a field") << QRect(-10, -9, 1, 30) << QRect() << 0 << true;
+        QTest::newRow("a stem") << QRect(-10, -3, 1, 18) << QRect() << 0 << false;
+    }
+    void aBoxBeforeTheWordsIsNoLetter()
+    {
+        QFETCH(QRect, box);
+        QFETCH(QRect, hole);
+        QFETCH(int, round);
+        QFETCH(bool, isGone);
+        QImage picture = plain(kSize);
+        const QRect words = write(picture, kPlace, {4, 3});
+        box.translate(kPlace);
+        fill(picture, box, kBlack);
+        fill(picture, hole.translated(box.topLeft()), kWhite);
+        for (const QPoint& corner : {box.topLeft(), QPoint(box.right() - round + 1, box.top()),
+                                     QPoint(box.left(), box.bottom() - round + 1),
+                                     QPoint(box.right() - round + 1, box.bottom() - round + 1)})
+            fill(picture, {corner, QSize(round, round)}, kWhite);
+        const QRect line = words | box;
+        const QList<QImage> images = wholeImages(picture, line, {line});
+        QCOMPARE(images.size(), 1);
+        QCOMPARE(images.first().width() == plainImages().first().width(), isGone);
+    }
+
     void aWideGapPartsTheLine()
     {
         QImage picture = plain(kSize);
