@@ -26,12 +26,4 @@ public:
     virtual QCoro::Task<> refresh() = 0;
 };
 
-/// Nothing hangs on a save.
-class NothingAfterSave final : public AfterSave {
-public:
-    void readForMeaning(const Memory&) override {}
-    QCoro::Task<> applyRetention() override { co_return; }
-    QCoro::Task<> refresh() override { co_return; }
-};
-
 } // namespace mossbank

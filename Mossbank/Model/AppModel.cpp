@@ -59,7 +59,9 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
                                 .store = m_store.get()})
     , m_pauses(surroundings, m_timedPause, m_recorder)
     , m_exclusions(surroundings, m_recorder)
+    , m_housekeeping(surroundings, m_recorder, m_store.get())
 {
+    m_afterSave.follow(m_housekeeping);
     connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);
@@ -75,6 +77,7 @@ QStringList AppModel::displayNames() const
 void AppModel::finishedLaunching()
 {
     m_exclusions.watchActiveApps();
+    m_startingUp = Job::start(&AppModel::startUp, this);
     // It lasts for a session of the desktop; the choice, once made, lasts for good.
     if (m_preferences.hasChosenAddresses())
         followAddresses();
@@ -82,6 +85,13 @@ void AppModel::finishedLaunching()
         return;
     if (m_preferences.recordsAtLaunch())
         m_recorder.startWithoutAsking();
+}
+
+QCoro::Task<> AppModel::startUp(Cancellation cancellation)
+{
+    co_await m_housekeeping.tidyImages();
+    if (!cancellation.isRequested())
+        co_await m_housekeeping.sealScreenshotsFromBeforeEncryption(cancellation);
 }
 
 void AppModel::followAddresses()

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Mossbank/Model/AfterSave.h"
+#include "Mossbank/Model/AfterEachSave.h"
 #include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/Exclusions.h"
+#include "Mossbank/Model/Housekeeping.h"
 #include "Mossbank/Model/Pauses.h"
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Model/TimedPause.h"
@@ -53,6 +54,7 @@ public:
     Pauses& pauses() { return m_pauses; }
     const TimedPause& timedPause() const { return m_timedPause; }
     Exclusions& exclusions() { return m_exclusions; }
+    Housekeeping& housekeeping() { return m_housekeeping; }
     /// What the user calls the displays, the main one first.
     QStringList displayNames() const;
     /// Absent when the library could not be opened.
@@ -60,8 +62,8 @@ public:
     /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.
     const std::optional<ImageVault>& vault() const { return m_vault; }
 
-    /// What is done once everything is up: a pause of the last run goes on, or else recording
-    /// starts if the user asked for that.
+    /// What is done once everything is up: the library is put in order in the background; a pause
+    /// of the last run goes on, or else recording starts if the user asked for that.
     void finishedLaunching();
 
     /// Stops recording. `readyToQuit` follows when what was being saved is saved, or after ten
@@ -73,6 +75,7 @@ Q_SIGNALS:
 
 private:
     void followAddresses();
+    QCoro::Task<> startUp(Cancellation cancellation);
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
     Clock& m_clock;
@@ -83,11 +86,13 @@ private:
     std::optional<ImageVault> m_vault;
     BrowserAddress m_addresses;
     TimedPause m_timedPause;
-    NothingAfterSave m_afterSave;
+    AfterEachSave m_afterSave;
     Recorder m_recorder;
     Pauses m_pauses;
     Exclusions m_exclusions;
-    /// Last: cancelled before anything above goes.
+    Housekeeping m_housekeeping;
+    /// Last: they are cancelled before anything above goes.
+    Job m_startingUp;
     Job m_quitting;
 };
 

@@ -17,6 +17,7 @@ using namespace Qt::StringLiterals;
 
 // The names under which the choices are stored.
 const QString kInterval = u"interval"_s;
+const QString kRetentionDays = u"retentionDays"_s;
 const QString kImageQuality = u"imageQuality"_s;
 const QString kSkipsUnchangedScreens = u"skipsUnchangedScreens"_s;
 const QString kChangeMode = u"changeMode"_s;
@@ -43,6 +44,7 @@ Preferences::Preferences(const QString& path, const QStringList& passwordManager
     , m_isReadable(m_settings.status() == QSettings::NoError && !QFileInfo(path).isDir() &&
                    (!QFileInfo::exists(path) || QFileInfo(path).isReadable()))
     , m_interval(number(kInterval, 30.0))
+    , m_retentionDays(wholeNumber(kRetentionDays, 30))
     , m_imageQuality(number(kImageQuality, 0.78))
     , m_skipsUnchangedScreens(flag(kSkipsUnchangedScreens, true))
     , m_changeMode(word(kChangeMode, u"flicker"_s))
@@ -66,6 +68,13 @@ void Preferences::setInterval(double seconds)
     m_interval = seconds;
     m_settings.setValue(kInterval, seconds);
     Q_EMIT intervalChanged();
+}
+
+void Preferences::setRetentionDays(int days)
+{
+    m_retentionDays = days;
+    m_settings.setValue(kRetentionDays, days);
+    Q_EMIT retentionDaysChanged();
 }
 
 void Preferences::setImageQuality(double quality)
@@ -167,6 +176,13 @@ double Preferences::number(const QString& key, double fallback) const
     bool isNumber = false;
     const double stored = m_settings.value(key).toDouble(&isNumber);
     return isNumber && std::isfinite(stored) ? stored : fallback;
+}
+
+int Preferences::wholeNumber(const QString& key, int fallback) const
+{
+    bool isNumber = false;
+    const int stored = m_settings.value(key).toInt(&isNumber);
+    return isNumber ? stored : fallback;
 }
 
 bool Preferences::flag(const QString& key, bool fallback) const

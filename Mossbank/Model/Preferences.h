@@ -43,6 +43,10 @@ public:
     double interval() const { return m_interval; }
     void setInterval(double seconds);
 
+    /// Days that screenshots are kept. 0 or less: for ever.
+    int retentionDays() const { return m_retentionDays; }
+    void setRetentionDays(int days);
+
     /// Quality of the pictures, from 0 to 1.
     double imageQuality() const { return m_imageQuality; }
     void setImageQuality(double quality);
@@ -92,6 +96,7 @@ public:
 
 Q_SIGNALS:
     void intervalChanged();
+    void retentionDaysChanged();
     void imageQualityChanged();
     void skipsUnchangedScreensChanged();
     void changeModeChanged();
@@ -104,6 +109,7 @@ Q_SIGNALS:
 
 private:
     double number(const QString& key, double fallback) const;
+    int wholeNumber(const QString& key, int fallback) const;
     bool flag(const QString& key, bool fallback) const;
     QString word(const QString& key, const QString& fallback) const;
     QStringList list(const QString& key, const QStringList& fallback) const;
@@ -111,6 +117,7 @@ private:
     QSettings m_settings;
     bool m_isReadable;
     double m_interval;
+    int m_retentionDays;
     double m_imageQuality;
     bool m_skipsUnchangedScreens;
     QString m_changeMode;

@@ -53,6 +53,12 @@ void Recorder::toggleRecording()
     tellChanges();
 }
 
+void Recorder::forgetLastScreen()
+{
+    m_seen.lastScreen.reset();
+    m_seen.lastScreenSavedAt = Date::distantPast();
+}
+
 void Recorder::stop()
 {
     endRecording();

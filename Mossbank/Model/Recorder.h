@@ -81,6 +81,8 @@ public:
     /// Starts recording if that is allowed already, and never has the system ask: for every start
     /// that the user did not press a button for.
     void startWithoutAsking();
+    /// The next picture is saved whatever the last one showed, which is no more in the library.
+    void forgetLastScreen();
     /// One pass, now, out of turn. Nothing while recording is off or another pass runs.
     void captureNow();
     /// Opens the system's settings of who may see the screen.

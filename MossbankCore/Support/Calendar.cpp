@@ -90,6 +90,16 @@ std::optional<Date> Calendar::next(int hour, int minute, Date date) const
     }
 }
 
+std::optional<Date> Calendar::daysBefore(int days, Date date) const
+{
+    const Date about = date - static_cast<double>(days) * static_cast<double>(kSecondsADay);
+    if (!isWithinReach(date) || !isWithinReach(about))
+        return std::nullopt;
+    const qint64 second = wholeSeconds(date);
+    const qint64 shown = second + offsetAt(second) - days * kSecondsADay;
+    return fromWholeSeconds(firstShowing(shown)) + (date - fromWholeSeconds(second));
+}
+
 QString Calendar::shortTime(Date date) const
 {
     return m_locale.toString(local(date).time(), QLocale::ShortFormat);

@@ -46,6 +46,11 @@ public:
     /// date beyond the calendar's reach.
     std::optional<Date> next(int hour, int minute, Date date) const;
 
+    /// The moment so many days earlier at which the clocks show the same time: days of the
+    /// calendar, not of 24 hours. Where they leave that time out, the moment at which they go on;
+    /// where they show it twice, the first. Absent for a date beyond the calendar's reach.
+    std::optional<Date> daysBefore(int days, Date date) const;
+
     /// The time of day as the locale writes it briefly ("14:05", "2:05 PM").
     QString shortTime(Date date) const;
 

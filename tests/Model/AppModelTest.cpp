@@ -62,6 +62,50 @@ private Q_SLOTS:
         QVERIFY(!model.recorder().errorMessage());
     }
 
+    void theLibraryIsPutInOrderAtTheStart()
+    {
+        RecorderRig rig(false);
+        FakeKeychain keychain;
+        keychain.failures = {{1, {2, u"The keyring is locked."_s}}};
+        {
+            AppModel before(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
+            QVERIFY(!ImageVault::isSealed(onlyPictureOf(before)));
+        }
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
+        const QString cutShort = rig.libraryRoot() + u"/%1/A.jpg"_s;
+        for (const QString& place : {u"Images"_s, u"Pending"_s}) {
+            QFile file(cutShort.arg(place));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("x");
+            file.flush();
+            QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'600'000'000),
+                                     QFile::FileModificationTime));
+        }
+        model.finishedLaunching();
+        QTRY_COMPARE(rig.clock.sleepers(), std::size_t(1)); // between two batches
+        rig.clock.advance(0.2);
+        QTRY_COMPARE(model.recorder().status(), u"Encrypted 1 screenshot saved earlier"_s);
+        QVERIFY(!QFile::exists(cutShort.arg(u"Images"_s)));
+    }
+
+    void aSaveRemovesWhatIsTooOld()
+    {
+        RecorderRig rig(false);
+        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        onlyPictureOf(model);
+        model.recorder().stop();
+        const QString first = model.store()->fetch({}).result().at(0).id;
+        rig.clock.advance(31 * 86'400.0);
+        model.finishedLaunching();
+        QCoreApplication::processEvents();
+        QCOMPARE(model.store()->fetch({}).result().size(), 1);
+        rig.drawBlock({0, 0, 200, 150});
+        model.recorder().toggleRecording();
+        QTRY_VERIFY(!model.store()->fetch({}).result().isEmpty() &&
+                    model.store()->fetch({}).result().at(0).id != first);
+        QTRY_COMPARE(model.store()->fetch({}).result().size(), 1);
+    }
+
     void whoChoosesAddressesHasThemSwitchedOn()
     {
         RecorderRig rig(false);

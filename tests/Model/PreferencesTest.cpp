@@ -24,6 +24,7 @@ class PreferencesTest : public QObject {
     static void compareWithDefaults(const Preferences& preferences)
     {
         QCOMPARE(preferences.interval(), 30.0);
+        QCOMPARE(preferences.retentionDays(), 30);
         QCOMPARE(preferences.imageQuality(), 0.78);
         QCOMPARE(preferences.skipsUnchangedScreens(), true);
         QCOMPARE(preferences.changeMode(), u"flicker"_s);
@@ -63,6 +64,7 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const Preferences preferences(write(folder, R"([General]
 interval=often
+retentionDays=1.5
 imageQuality=nan
 skipsUnchangedScreens=perhaps
 capturesOnAppSwitch=

@@ -35,6 +35,9 @@ private Q_SLOTS:
 
     void aDayGivenByItsNumbersStartsAtItsFirstMoment_data();
     void aDayGivenByItsNumbersStartsAtItsFirstMoment();
+    void daysBeforeAreDaysOfTheCalendar_data();
+    void daysBeforeAreDaysOfTheCalendar();
+    void daysBeforeHaveTheReachOfTheCalendar();
     void aDayThatIsNotInTheYearHasNoStart_data();
     void aDayThatIsNotInTheYearHasNoStart();
     void theNextTimeOfDayIsTheFirstThatTheClocksShow_data();
@@ -157,6 +160,52 @@ void CalendarTest::theNextTimeOfDayIsTheFirstThatTheClocksShow()
     QVERIFY(found);
     QCOMPARE(written(*found), next);
     QVERIFY(!calendarOf(u"Europe/Berlin"_s).next(2, 30, {std::numeric_limits<double>::infinity()}));
+}
+
+void CalendarTest::daysBeforeAreDaysOfTheCalendar_data()
+{
+    QTest::addColumn<QString>("zone");
+    QTest::addColumn<QString>("date");
+    QTest::addColumn<int>("days");
+    QTest::addColumn<QString>("before");
+    const QString berlin = u"Europe/Berlin"_s;
+    QTest::newRow("a day") << berlin << u"2024-05-17T10:15:30.250Z"_s << 1
+                           << u"2024-05-16T10:15:30.250Z"_s;
+    QTest::newRow("a leap year") << berlin << u"2024-03-01T12:00:00Z"_s << 365
+                                 << u"2023-03-02T12:00:00.000Z"_s;
+    // Days of 23 and of 25 hours lie between.
+    QTest::newRow("into winter") << berlin << u"2024-04-01T10:00:00Z"_s << 3
+                                 << u"2024-03-29T11:00:00.000Z"_s;
+    QTest::newRow("into summer") << berlin << u"2024-10-28T11:00:00Z"_s << 3
+                                 << u"2024-10-25T10:00:00.000Z"_s;
+    QTest::newRow("a time that was left out")
+        << berlin << u"2024-04-01T00:30:00Z"_s << 1 << u"2024-03-31T01:00:00.000Z"_s;
+    QTest::newRow("a time that was shown twice")
+        << berlin << u"2024-10-28T01:30:00Z"_s << 1 << u"2024-10-27T00:30:00.000Z"_s;
+    QTest::newRow("over a day that was left out")
+        << u"Pacific/Apia"_s << u"2011-12-31T10:00:00Z"_s << 2 << u"2011-12-30T10:00:00.000Z"_s;
+    QTest::newRow("before 1970") << u"UTC"_s << u"1970-01-01T00:00:00Z"_s << 1
+                                 << u"1969-12-31T00:00:00.000Z"_s;
+}
+
+void CalendarTest::daysBeforeAreDaysOfTheCalendar()
+{
+    QFETCH(QString, zone);
+    QFETCH(QString, date);
+    QFETCH(int, days);
+    QFETCH(QString, before);
+    const auto found = calendarOf(zone).daysBefore(days, moment(date));
+    QVERIFY(found);
+    QCOMPARE(written(*found), before);
+}
+
+void CalendarTest::daysBeforeHaveTheReachOfTheCalendar()
+{
+    const Calendar calendar = calendarOf(u"Europe/Berlin"_s);
+    QVERIFY(!calendar.daysBefore(1, {std::numeric_limits<double>::quiet_NaN()}));
+    QVERIFY(
+        !calendar.daysBefore(std::numeric_limits<int>::max(), moment(u"2024-05-17T00:00:00Z"_s)));
+    QVERIFY(calendar.daysBefore(1'000'000, moment(u"2024-05-17T00:00:00Z"_s)));
 }
 
 void CalendarTest::aDayThatIsNotInTheYearHasNoStart_data()
