@@ -20,6 +20,26 @@ constexpr Wording kWordings[] = {
      "Mossbank.",
      "Mossbank is not allowed to see the screen. Allow it in the settings of your desktop, then "
      "start Mossbank again."},
+    {"Still images, without audio. Over an eight-hour day that is at most %1 screenshots and %2 "
+     "GB. "
+     "Most checks find a screen that has not moved and stop there, so a real day is a fraction of "
+     "that. Mossbank pauses when your Mac sleeps, the screen locks or your session becomes "
+     "inactive, and never captures itself.",
+     "Still images, without audio. Over an eight-hour day that is at most %1 screenshots and %2 "
+     "GB. "
+     "Most checks find a screen that has not moved and stop there, so a real day is a fraction of "
+     "that. Mossbank pauses when this computer sleeps, the screen locks or your session becomes "
+     "inactive, and never captures itself."},
+    {"Still images, without audio. Over an eight-hour day that is at most %1 screenshots and %2 "
+     "GB. "
+     "Every check is being saved, because saving only on change is turned off. Mossbank pauses "
+     "when your Mac sleeps, the screen locks or your session becomes inactive, and never captures "
+     "itself.",
+     "Still images, without audio. Over an eight-hour day that is at most %1 screenshots and %2 "
+     "GB. "
+     "Every check is being saved, because saving only on change is turned off. Mossbank pauses "
+     "when this computer sleeps, the screen locks or your session becomes inactive, and never "
+     "captures itself."},
 };
 
 } // namespace
