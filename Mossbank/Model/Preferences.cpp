@@ -28,6 +28,8 @@ const QString kRecordsAtLaunch = u"recordsAtLaunch"_s;
 const QString kResumesAfterAway = u"resumesAfterAway"_s;
 const QString kExcludedBundles = u"excludedBundles"_s;
 const QString kPausedUntil = u"pausedUntil"_s;
+const QString kOpensAtLogin = u"opensAtLogin"_s;
+const QString kOpensAtLoginPath = u"opensAtLoginPath"_s;
 const QString kRecordsAfterRelaunch = u"recordsAfterRelaunch"_s;
 
 /// Password managers and what shows keys. A default and no more: a stored list replaces it whole.
@@ -164,6 +166,26 @@ void Preferences::setPausedUntil(Date date)
 void Preferences::removePausedUntil()
 {
     m_settings.remove(kPausedUntil);
+}
+
+bool Preferences::opensAtLogin() const
+{
+    return flag(kOpensAtLogin, false);
+}
+
+void Preferences::setOpensAtLogin(bool opens)
+{
+    m_settings.setValue(kOpensAtLogin, opens);
+}
+
+QString Preferences::opensAtLoginPath() const
+{
+    return word(kOpensAtLoginPath, {});
+}
+
+void Preferences::setOpensAtLoginPath(const QString& path)
+{
+    m_settings.setValue(kOpensAtLoginPath, path);
 }
 
 void Preferences::removeRecordsAfterRelaunch()

@@ -91,6 +91,13 @@ public:
     void setPausedUntil(Date date);
     void removePausedUntil();
 
+    /// Whether the user wants to be started at login, and where the copy of this program lay that
+    /// was registered for it; empty when none was.
+    bool opensAtLogin() const;
+    void setOpensAtLogin(bool opens);
+    QString opensAtLoginPath() const;
+    void setOpensAtLoginPath(const QString& path);
+
     /// Forgets that recording was on when the program was last told to relaunch.
     void removeRecordsAfterRelaunch();
 

@@ -20,6 +20,9 @@ constexpr Wording kWordings[] = {
      "Mossbank.",
      "Mossbank is not allowed to see the screen. Allow it in the settings of your desktop, then "
      "start Mossbank again."},
+    {"macOS would not change the login item: %1", "Opening at login could not be changed: %1"},
+    {"Allow Mossbank in System Settings → General → Login Items, then it will open at login.",
+     "Allow Mossbank in the settings of your desktop, then it will open at login."},
     {"Still images, without audio. Over an eight-hour day that is at most %1 screenshots and %2 "
      "GB. "
      "Most checks find a screen that has not moved and stop there, so a real day is a fraction of "
