@@ -130,8 +130,7 @@ xcb_window_t PaintedWindows::open(const WindowSpec& spec, int patience)
 void PaintedWindows::close(xcb_window_t window)
 {
     xcb_destroy_window(m_connection, window);
-    // An answer to anything means that this has been done.
-    owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    awaitServer();
 }
 
 bool PaintedWindows::isFramed(xcb_window_t window) const
@@ -139,6 +138,29 @@ bool PaintedWindows::isFramed(xcb_window_t window) const
     const auto tree =
         owned(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr));
     return tree && tree->parent != tree->root;
+}
+
+void PaintedWindows::setNumbers(xcb_window_t window, const QByteArray& property, xcb_atom_t type,
+                                const QList<quint32>& numbers)
+{
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom(property), type, 32,
+                        static_cast<quint32>(numbers.size()), numbers.constData());
+    awaitServer();
+}
+
+void PaintedWindows::setAtoms(xcb_window_t window, const QByteArray& property,
+                              const QByteArrayList& names)
+{
+    QList<quint32> atoms;
+    for (const QByteArray& name : names)
+        atoms.append(atom(name));
+    setNumbers(window, property, XCB_ATOM_ATOM, atoms);
+}
+
+void PaintedWindows::take(const QByteArray& selection, xcb_window_t window)
+{
+    xcb_set_selection_owner(m_connection, window, atom(selection), XCB_CURRENT_TIME);
+    awaitServer();
 }
 
 void PaintedWindows::endEveryOtherClient()
@@ -152,6 +174,12 @@ void PaintedWindows::endEveryOtherClient()
              ++resource)
             xcb_kill_client(m_connection, client * step + resource);
     }
+    awaitServer();
+}
+
+void PaintedWindows::awaitServer()
+{
+    // An answer to anything means that all before it has been done.
     owned(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QByteArrayList>
 #include <QJsonObject>
+#include <QList>
 #include <QRect>
 #include <QRgb>
 #include <QString>
@@ -47,10 +49,18 @@ public:
     void close(xcb_window_t window);
     /// Whether a window manager has put it into a window of its own.
     bool isFramed(xcb_window_t window) const;
+    xcb_window_t root() const { return m_screen ? m_screen->root : xcb_window_t{XCB_NONE}; }
+    /// What window managers say of a window or of the root. `type`: XCB_ATOM_CARDINAL and the like.
+    void setNumbers(xcb_window_t window, const QByteArray& property, xcb_atom_t type,
+                    const QList<quint32>& numbers);
+    void setAtoms(xcb_window_t window, const QByteArray& property, const QByteArrayList& names);
+    /// Takes over what only one client of the server has at a time.
+    void take(const QByteArray& selection, xcb_window_t window);
     /// Has the server end the connections of everybody but this one.
     void endEveryOtherClient();
 
 private:
+    void awaitServer();
     xcb_atom_t atom(const QByteArray& name);
     void setText(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
                  const QByteArray& value);

@@ -30,6 +30,7 @@ constexpr std::array<const char*, static_cast<std::size_t>(Atom::Count)> kAtomNa
     "_NET_CLIENT_LIST",
     "_NET_WM_CM_S", // the number of the screen comes behind it
     "_NET_CURRENT_DESKTOP",
+    "_NET_SUPPORTING_WM_CHECK",
     "_NET_WM_DESKTOP",
     "_NET_WM_NAME",
     "_NET_WM_OPAQUE_REGION",

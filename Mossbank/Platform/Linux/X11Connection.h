@@ -22,6 +22,7 @@ enum class Atom : quint8 {
     NetClientList,
     NetCompositor,
     NetCurrentDesktop,
+    NetSupportingWmCheck,
     NetWmDesktop,
     NetWmName,
     NetWmOpaqueRegion,

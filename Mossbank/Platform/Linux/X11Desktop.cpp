@@ -67,6 +67,8 @@ X11Desktop X11Desktop::read(const X11Connection& connection)
         connection.askProperty(root, connection[Atom::NetClientList], kMaxWindowBytes);
     const auto workspaceAsked =
         connection.askProperty(root, connection[Atom::NetCurrentDesktop], sizeof(quint32));
+    const auto managerAsked =
+        connection.askProperty(root, connection[Atom::NetSupportingWmCheck], sizeof(quint32));
     const auto compositorAsked =
         xcb_get_selection_owner(connection, connection[Atom::NetCompositor]);
     xcb_randr_get_monitors_cookie_t displaysAsked = {};
@@ -85,9 +87,13 @@ X11Desktop X11Desktop::read(const X11Connection& connection)
     if (const auto frame = connection.reply<xcb_get_geometry_reply_t>(frameAsked))
         desktop.frame = QRect(0, 0, frame->width, frame->height);
     desktop.managed = readNumbers(connection.property(managedAsked).get());
-    desktop.workspace = readNumber(connection.property(workspaceAsked).get());
+    const auto workspace = readNumber(connection.property(workspaceAsked).get());
+    const auto manager = readNumber(connection.property(managerAsked).get());
     const auto compositor = connection.reply<xcb_get_selection_owner_reply_t>(compositorAsked);
     desktop.hasCompositor = compositor && compositor->owner != XCB_NONE;
+    if (desktop.hasCompositor && manager &&
+        connection.clientOf(*manager) == connection.clientOf(compositor->owner))
+        desktop.workspace = workspace;
     if (connection.hasRandr()) {
         if (const auto displays = connection.reply<xcb_randr_get_monitors_reply_t>(displaysAsked))
             readDisplays(desktop, displays.get());

@@ -21,6 +21,10 @@ struct X11Desktop {
     QList<xcb_window_t> windows;
     /// The windows that the window manager looks after, also minimised ones.
     QList<xcb_window_t> managed;
+    /// The workspace that shows, where windows of others are mapped all the same: where the window
+    /// manager is the compositor, too, and leaves them out of what it draws. Absent elsewhere.
+    /// There a window of another workspace is not mapped, and what is mapped shows, although the
+    /// one workspace told of may be that of another display.
     std::optional<quint32> workspace;
     /// Whether something draws windows with translucency.
     bool hasCompositor = false;
