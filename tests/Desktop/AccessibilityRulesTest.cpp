@@ -155,6 +155,38 @@ void AccessibilityRulesTest::theWindowInFrontIsFoundUnlessItMayBePrivate_data()
     add("two of the same page", {ordinary, active}, title);
     add("two, none active", {ordinary, ordinary});
     add("another page alone", {window(u"Kingfisher - Chromium"_s, true)});
+    const auto state = [](const QString& words, bool isActive = true) {
+        return window(u"Heron - "_s + words + u" - Chromium"_s, isActive);
+    };
+    const auto secret = [](const QString& words, bool isActive = true) {
+        return window(u"Heron - "_s + words + u" - Chromium (Incognito)"_s, isActive);
+    };
+    for (const QString& words :
+         {u"Audio playing"_s, u"Pinned"_s, u"Part of group Birds"_s, u"Unnamed group"_s,
+          u"High memory usage - 1 GB"_s, u"Permission requested, press F6 to respond"_s,
+          u"Pinned - Part of group Birds - Audio playing"_s}) {
+        const auto addState = [&](const QString& more, const QList<AccessibleWindow>& windows,
+                                  const QString& found = {}) {
+            add(qPrintable(words + more), windows, found);
+        };
+        addState({}, {window({}), state(words)}, state(words).name);
+        addState(u", none active"_s, {state(words, false)});
+        addState(u", another active"_s,
+                 {window(u"Kingfisher - Chromium"_s, true), state(words, false)});
+        addState(u", private"_s, {secret(words)});
+        addState(u", private beside"_s, {active, secret(words, false)});
+        addState(u", private behind one that says to be active"_s, {state(words), secret(words)});
+        addState(u", somebody's"_s, {window(state(words).name + u" - Ada"_s, true)});
+    }
+    const auto longer = state(u"part two"_s);
+    add("a longer title is active", {ordinary, longer});
+    add("a longer title is behind", {active, state(u"part two"_s, false)}, title);
+    add("a title within another", {window(u"Great Heron - about - Chromium"_s), active}, title);
+    add("a title within another alone", {window(u"Great Heron - about - Chromium"_s, true)});
+    add("a longer word alone", {window(u"Herons - Chromium"_s, true)});
+    add("somebody's", {window(title + u" - Ada"_s, true)});
+    add("somebody's beside", {active, window(title + u" - Ada"_s)});
+    add("an application of the same page", {active, window(u"Heron"_s)});
 }
 
 void AccessibilityRulesTest::theWindowInFrontIsFoundUnlessItMayBePrivate()

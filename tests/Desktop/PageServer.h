@@ -7,7 +7,8 @@
 namespace mossbank::test {
 
 /// Serves a page for whatever is asked, on this machine alone. Its title is the first part of the
-/// path: /Kingfisher/a?b has the title "Kingfisher".
+/// path: /Kingfisher/a?b has the title "Kingfisher". /Kingfisher/sounding plays a tone for as long
+/// as it is open.
 class PageServer final : public QTcpServer {
 public:
     PageServer()
@@ -33,7 +34,10 @@ private:
             return;
         const QByteArray path = socket.readAll().split(' ').value(1);
         const QByteArray title = path.split('/').value(1).split('?').value(0);
-        const QByteArray page = "<!doctype html><title>" + title + "</title><p>" + title;
+        QByteArray page = "<!doctype html><title>" + title + "</title><p>" + title;
+        if (path.endsWith("/sounding"))
+            page += "<script>const sound = new AudioContext(), tone = sound.createOscillator();"
+                    "tone.connect(sound.destination); tone.start();</script>";
         socket.write("HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nConnection: close\r\n"
                      "Content-Length: " +
                      QByteArray::number(page.size()) + "\r\n\r\n" + page);

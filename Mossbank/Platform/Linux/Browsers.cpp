@@ -64,6 +64,66 @@ QString plain(QString title)
     return title.remove(QChar(0x200b)).remove(QChar(0x200e)).remove(QChar(0x200f));
 }
 
+/// How an ordinary window's title ends, what is before it being called so by the page. All of the
+/// title where there is no page. Absent when no ordinary window has such a title.
+std::optional<QString> endingOf(const Browser& browser, const QString& title)
+{
+    const bool isFirefox = browser.kin == Kin::Firefox;
+    const QString dash = isFirefox ? u" — "_s : u" - "_s;
+    const QStringList channels =
+        isFirefox ? QStringList{QString()}
+                  : QStringList{QString(), u" Beta"_s, u" Dev"_s, u" Canary"_s, u" Nightly"_s};
+    for (const QString& brand : browser.brands) {
+        for (const QString& channel : channels) {
+            if (title == brand + channel)
+                return title;
+            const QString ending = dash + brand + channel;
+            // "[InPrivate] - Microsoft Edge" is how that one says it.
+            if (title.endsWith(ending) && !(brand == kEdgeBrand && title.endsWith(u']' + ending)))
+                return ending;
+        }
+    }
+    return {};
+}
+
+/// What a window is, by the name that it has for assistive tools, beside one with a known title.
+enum class Likeness : quint8 {
+    Another,
+    /// Its name is that title.
+    Same,
+    /// An ordinary window whose page is called so, and whose tab is pinned, plays a sound or the
+    /// like: Chromium says that between the page and the browser.
+    InSomeState,
+    MayBePrivate,
+};
+
+/// Chromium puts what makes a window private, or somebody else's, behind all the rest.
+Likeness likenessOf(const Browser& browser, const QString& windowName, const QString& windowTitle)
+{
+    const QString name = plain(windowName);
+    const QString title = plain(windowTitle);
+    if (name == title)
+        return Likeness::Same;
+    if (browser.kin != Kin::Chromium) {
+        // An empty page of Firefox is called by its name alone, and WebKit's are called as their
+        // pages are, so that one may be within another by chance.
+        return name.startsWith(title) ? Likeness::MayBePrivate : Likeness::Another;
+    }
+    const QString ending = endingOf(browser, title).value_or(title);
+    const QString page = title.chopped(ending.size());
+    if (page.isEmpty())
+        return name.contains(title) ? Likeness::MayBePrivate : Likeness::Another;
+    if (!name.contains(page))
+        return Likeness::Another;
+    // Something before the title may be said of the window, too.
+    if (!name.endsWith(ending) || (name.endsWith(title) && !name.startsWith(page)))
+        return Likeness::MayBePrivate;
+    const qsizetype stateSize = name.size() - page.size() - ending.size();
+    const bool isInSomeState =
+        stateSize > 0 && name.startsWith(page) && !name.at(page.size()).isLetterOrNumber();
+    return isInSomeState ? Likeness::InSomeState : Likeness::Another;
+}
+
 /// What a word of a command line asks for, without its dashes and what is set by it. Empty when it
 /// is no option. Neither dashes nor capitals make a difference to browsers.
 QByteArray optionIn(const QByteArray& word)
@@ -89,34 +149,16 @@ QString addressKey(const Browser& browser)
 
 bool hasOrdinaryTitle(const Browser& browser, const QString& title)
 {
-    if (browser.kin == Kin::WebKit)
-        return true;
-    QString bare = plain(title);
-    for (const QString& channel : {u" Beta"_s, u" Dev"_s, u" Canary"_s, u" Nightly"_s}) {
-        if (browser.kin == Kin::Chromium && bare.endsWith(channel))
-            bare.chop(channel.size());
-    }
-    const QString dash = browser.kin == Kin::Firefox ? u" — "_s : u" - "_s;
-    return std::ranges::any_of(browser.brands, [&](const QString& brand) {
-        const bool isOne = bare == brand || bare.endsWith(dash + brand);
-        // "[InPrivate] - Microsoft Edge" is how that one says it.
-        return isOne && !(brand == kEdgeBrand && bare.endsWith(u']' + dash + brand));
-    });
+    return browser.kin == Kin::WebKit || endingOf(browser, plain(title)).has_value();
 }
 
 bool mayBePrivate(const Browser& browser, const QList<AccessibleWindow>& windows,
                   const QString& title)
 {
-    if (title.isEmpty())
-        return true;
-    // Where every title ends in the browser's name, none is part of another by chance. But an empty
-    // page of Firefox is called by that name alone, and WebKit's are called as their pages are.
-    const bool isAnywhere = browser.kin == Kin::Chromium;
     // Of two windows with the same title the private one may be the one in front.
-    return std::ranges::any_of(windows, [&](const AccessibleWindow& window) {
-        return window.name != title &&
-               (isAnywhere ? window.name.contains(title) : window.name.startsWith(title));
-    });
+    return title.isEmpty() || std::ranges::any_of(windows, [&](const AccessibleWindow& window) {
+               return likenessOf(browser, window.name, title) == Likeness::MayBePrivate;
+           });
 }
 
 std::optional<AccessibleWindow>
@@ -125,15 +167,21 @@ ordinaryWindow(const Browser& browser, const QList<AccessibleWindow>& windows, c
     if (!hasOrdinaryTitle(browser, title) || mayBePrivate(browser, windows, title))
         return {};
     QList<AccessibleWindow> same;
+    QList<AccessibleWindow> inSomeState;
     for (const AccessibleWindow& window : windows) {
-        if (window.name == title)
+        const Likeness likeness = likenessOf(browser, window.name, title);
+        if (likeness == Likeness::Same)
             same.append(window);
+        else if (likeness == Likeness::InSomeState)
+            inSomeState.append(window);
     }
     const auto isActive = [](const AccessibleWindow& window) {
         return window.isActive;
     };
-    if (std::ranges::count_if(same, isActive) == 1)
-        return *std::ranges::find_if(same, isActive);
+    // What is taken for a state may be more of another page's title, so that it has to be active.
+    const auto& candidates = same.isEmpty() ? inSomeState : same;
+    if (std::ranges::count_if(candidates, isActive) == 1)
+        return *std::ranges::find_if(candidates, isActive);
     // Where another says that it is the one in front, the names are of another moment.
     if (same.size() == 1 && std::ranges::none_of(windows, isActive))
         return same.constFirst();

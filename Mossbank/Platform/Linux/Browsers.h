@@ -31,8 +31,9 @@ QString addressKey(const Browser& browser);
 bool hasOrdinaryTitle(const Browser& browser, const QString& title);
 
 /// Whether the window with this title may be a private one. Chromium says that only to assistive
-/// tools: by a name that is the title and more. It does so for a person's name, too, where several
-/// use it.
+/// tools: by a name that does not end as the title does. It does so for a person's name, too, where
+/// several use it. What it says of the tab, that it is pinned or plays a sound, stands before that
+/// ending.
 bool mayBePrivate(const Browser& browser, const QList<AccessibleWindow>& windows,
                   const QString& title);
 
