@@ -2,23 +2,19 @@
 #pragma once
 
 #include "Mossbank/Platform/Linux/BusConnection.h"
+#include "Mossbank/Platform/Linux/ScreenSaver.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCall>
-#include <QDBusServiceWatcher>
-#include <QMap>
 #include <QObject>
-#include <QString>
+
+#include <memory>
+#include <vector>
 
 namespace mossbank {
 
-/// The screen savers of desktops, which lock the screen. A session has one of them, or none.
-///
-/// Kept current by signals, so asking costs nothing. One that ends while it covers the screen may
-/// be on its way back, so what it said stands for some seconds more.
+/// The screen savers of desktops. A session has one of them, or none.
 ///
 /// Threading: the main thread. The constructor waits for the first answers, a quarter of a second
-/// at most; nothing else waits.
+/// at most; nothing else waits, and asking costs nothing.
 class ScreenSavers : public QObject {
     Q_OBJECT
 
@@ -33,24 +29,9 @@ public:
 Q_SIGNALS:
     void activeChanged();
 
-private Q_SLOTS:
-    void onActiveChanged(bool isActive, const QDBusMessage& message);
-
 private:
-    struct State {
-        bool isThere = false;
-        bool isActive = false;
-    };
-
-    QDBusPendingCall ask(const QString& service);
-    void hear(const QString& service, const QDBusPendingCall& answer);
-    void appear(const QString& service);
-    void disappear(const QString& service);
-    void setActive(const QString& service, bool isActive);
-
     BusConnection m_bus;
-    QDBusServiceWatcher m_watcher;
-    QMap<QString, State> m_states;
+    std::vector<std::unique_ptr<ScreenSaver>> m_savers;
 };
 
 } // namespace mossbank
