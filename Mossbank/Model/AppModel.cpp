@@ -62,6 +62,7 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_housekeeping(surroundings, m_recorder, m_store.get())
 {
     m_afterSave.follow(m_housekeeping);
+    connect(&m_preferences, &Preferences::cannotBeStored, this, &AppModel::tellOfUnstored);
     connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);
@@ -108,6 +109,16 @@ void AppModel::followAddresses()
         m_recorder.setStatus(told);
     else
         m_recorder.setErrorMessage(told);
+}
+
+void AppModel::tellOfUnstored(const QString& reason)
+{
+    QStringList words = {
+        localized("Your choices cannot be saved: %1. They hold until Mossbank ends.").arg(reason)};
+    // What stands there is not settled by this.
+    if (const auto& message = m_recorder.errorMessage())
+        words.prepend(*message);
+    m_recorder.setErrorMessage(words.join(u' '));
 }
 
 void AppModel::prepareToQuit()

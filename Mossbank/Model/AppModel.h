@@ -76,6 +76,7 @@ Q_SIGNALS:
 private:
     void followAddresses();
     QCoro::Task<> startUp(Cancellation cancellation);
+    void tellOfUnstored(const QString& reason);
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
     Clock& m_clock;

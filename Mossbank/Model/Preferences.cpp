@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/Preferences.h"
 
+#include "Mossbank/Model/Texts.h"
 #include "MossbankCore/Support/Calendar.h"
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <cmath>
+#include <utility>
 
 namespace mossbank {
 
@@ -37,6 +40,18 @@ const QStringList kPasswordManagers = {
     u"com.1password.1password"_s,  u"com.agilebits.onepassword7"_s, u"com.apple.Passwords"_s,
     u"com.apple.keychainaccess"_s, u"com.bitwarden.desktop"_s,      u"com.lastpass.LastPass"_s,
     u"com.dashlane.Dashlane"_s};
+
+/// The settings keep to themselves what went wrong, so it is tried once more, up to the point where
+/// the file would be put in place of the one that is there.
+QString whyUnwritable(const QString& path)
+{
+    constexpr int kSomeBytes = 4096;
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(QByteArray(kSomeBytes, '\n')) == kSomeBytes &&
+        file.flush())
+        return localized("%1 cannot be written").arg(path);
+    return file.errorString();
+}
 
 } // namespace
 
@@ -144,6 +159,7 @@ void Preferences::setExcludedBundles(const QStringList& bundleIDs)
 {
     m_excludedBundles = bundleIDs;
     m_settings.setValue(kExcludedBundles, bundleIDs);
+    makeSure();
     Q_EMIT excludedBundlesChanged();
 }
 
@@ -161,6 +177,7 @@ void Preferences::setPausedUntil(Date date)
 {
     const QDateTime moment = Calendar(QTimeZone::utc(), QLocale::c()).local(date);
     m_settings.setValue(kPausedUntil, moment.toString(Qt::ISODateWithMs));
+    makeSure();
 }
 
 void Preferences::removePausedUntil()
@@ -191,6 +208,15 @@ void Preferences::setOpensAtLoginPath(const QString& path)
 void Preferences::removeRecordsAfterRelaunch()
 {
     m_settings.remove(kRecordsAfterRelaunch);
+}
+
+void Preferences::makeSure()
+{
+    m_settings.sync();
+    // What went wrong with a file once, its object says for ever; a fresh one, what is so now.
+    const bool isStored = QSettings(path(), QSettings::IniFormat).status() == QSettings::NoError;
+    if (std::exchange(m_isStored, isStored) && !isStored)
+        Q_EMIT cannotBeStored(whyUnwritable(path()));
 }
 
 double Preferences::number(const QString& key, double fallback) const

@@ -16,6 +16,10 @@ namespace mossbank {
 /// their setters, so that what hangs on a choice is always told of it. A setter tells also when
 /// the value is the one that stood there: what hangs on a choice is redone whenever it is made.
 ///
+/// What must not be captured and until when is on the disk when its setter returns, or the user has
+/// to know that it is not: `cannotBeStored` says so. The choice counts all the same while the
+/// program runs, and is tried again with the next one.
+///
 /// A value that is missing, or is not of its type, counts as its default. No value is held to
 /// bounds in reading: a stored one stands as it is.
 ///
@@ -102,6 +106,8 @@ public:
     void removeRecordsAfterRelaunch();
 
 Q_SIGNALS:
+    /// Why the file could not be written, in words for the user. Not again until it could be.
+    void cannotBeStored(const QString& reason);
     void intervalChanged();
     void retentionDaysChanged();
     void imageQualityChanged();
@@ -115,6 +121,8 @@ Q_SIGNALS:
     void excludedBundlesChanged();
 
 private:
+    /// Has what was set written at once.
+    void makeSure();
     double number(const QString& key, double fallback) const;
     int wholeNumber(const QString& key, int fallback) const;
     bool flag(const QString& key, bool fallback) const;
@@ -123,6 +131,7 @@ private:
 
     QSettings m_settings;
     bool m_isReadable;
+    bool m_isStored = true;
     double m_interval;
     int m_retentionDays;
     double m_imageQuality;
