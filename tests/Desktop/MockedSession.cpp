@@ -73,9 +73,11 @@ bool MockedService::mock(const QString& path, const QString& method, const QVari
     return call(path, kMock, method, arguments);
 }
 
-MockedLogind::MockedLogind(TestBus& systemBus)
-    : m_service(systemBus, QDBusConnection::SystemBus, kLogind, kLogindPath,
-                {u"--system"_s, u"--template"_s, u"logind"_s})
+MockedLogind::MockedLogind(TestBus& systemBus, const QString& parameters)
+    : m_service(
+          systemBus, QDBusConnection::SystemBus, kLogind, kLogindPath,
+          QStringList{u"--system"_s, u"--template"_s, u"logind"_s} +
+              (parameters.isEmpty() ? QStringList() : QStringList{u"--parameters"_s, parameters}))
 {
     m_service.mock(kLogindPath, u"AddSession"_s,
                    {u"c1"_s, u"seat0"_s, quint32{1000}, u"somebody"_s, true});
@@ -101,25 +103,36 @@ bool MockedLogind::knowItAsTheUsersOnly()
 
 bool MockedLogind::setLocked(bool isLocked)
 {
-    return setProperty(u"LockedHint"_s, isLocked);
+    return tell(u"LockedHint"_s, isLocked);
 }
 
 bool MockedLogind::setActive(bool isActive)
 {
-    return setProperty(u"Active"_s, isActive);
+    return tell(u"Active"_s, isActive);
 }
 
-bool MockedLogind::setProperty(const QString& name, bool value)
+bool MockedLogind::tell(const QString& property, const QVariant& value)
 {
     return m_service.mock(kSessionPath, u"UpdateProperties"_s,
-                          {kSession, QVariantMap{{name, value}}});
+                          {kSession, QVariantMap{{property, value}}});
 }
 
 bool MockedLogind::sleep(bool isBeginning)
 {
-    return m_service.mock(kLogindPath, u"EmitSignal"_s,
-                          {kManager, u"PrepareForSleep"_s, u"b"_s,
-                           QVariantList{QVariant::fromValue(QDBusVariant(isBeginning))}});
+    return emitSignal(u"PrepareForSleep"_s, u"b"_s, isBeginning);
+}
+
+bool MockedLogind::knowOfSleep(bool isBeginning)
+{
+    return m_service.mock(kLogindPath, u"UpdateProperties"_s,
+                          {kManager, QVariantMap{{u"PreparingForSleep"_s, isBeginning}}});
+}
+
+bool MockedLogind::emitSignal(const QString& name, const QString& signature, const QVariant& value)
+{
+    return m_service.mock(
+        kLogindPath, u"EmitSignal"_s,
+        {kManager, name, signature, QVariantList{QVariant::fromValue(QDBusVariant(value))}});
 }
 
 MockedScreenSaver::MockedScreenSaver(TestBus& sessionBus)

@@ -44,7 +44,8 @@ private:
 /// A logind that knows the session of this process.
 class MockedLogind {
 public:
-    explicit MockedLogind(TestBus& systemBus);
+    /// `parameters` are those of dbusmock's logind, in JSON.
+    explicit MockedLogind(TestBus& systemBus, const QString& parameters = {});
     ~MockedLogind();
     Q_DISABLE_COPY_MOVE(MockedLogind)
 
@@ -56,12 +57,16 @@ public:
     bool setLocked(bool isLocked);
     bool setActive(bool isActive);
     bool sleep(bool isBeginning);
+    /// What it answers from now on when it is asked whether the machine is about to sleep.
+    bool knowOfSleep(bool isBeginning);
+    /// Says something of the session, of whatever type.
+    bool tell(const QString& property, const QVariant& value);
+    /// The manager tells something, of whatever type.
+    bool emitSignal(const QString& name, const QString& signature, const QVariant& value);
 
     QProcess& process() { return m_service.process(); }
 
 private:
-    bool setProperty(const QString& name, bool value);
-
     MockedService m_service;
 };
 

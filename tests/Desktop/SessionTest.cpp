@@ -345,13 +345,55 @@ private Q_SLOTS:
         QVERIFY(!m_state->isMainDisplayAsleep());
     }
 
+    void aWakeThatIsNotAnsweredForAtFirstIsAskedForAgain()
+    {
+        QVERIFY(startLogind());
+        watch();
+        QVERIFY(m_logind->sleep(true));
+        QTRY_COMPARE(m_told, QStringList{kSleep});
+        m_logind.reset();
+        // A word in place of yes or no.
+        QVERIFY(startLogind(uR"({"PreparingForSleep": "perhaps"})"_s));
+        QTRY_VERIFY(m_events->availability().isAvailable);
+        QTest::qWait(kLongEnough);
+        QVERIFY2(m_state->isMainDisplayAsleep(), "nobody has said otherwise");
+        QVERIFY(m_logind->knowOfSleep(false));
+        QTRY_COMPARE_WITH_TIMEOUT(m_told, (QStringList{kSleep, kWake}), 8000);
+        QVERIFY(!m_state->isMainDisplayAsleep());
+    }
+
+    void whatLogindSaysInAnotherTypeIsNotHeard()
+    {
+        QVERIFY(startLogind());
+        QVERIFY(m_logind->tell(u"LockedHint"_s, u"true"_s));
+        QVERIFY(m_logind->tell(u"Active"_s, 0));
+        watch();
+        QVERIFY(m_events->availability().isAvailable);
+        QVERIFY(!m_state->isLocked());
+        QCOMPARE(m_events->isOnConsole(), std::nullopt);
+        QVERIFY(m_logind->tell(u"LockedHint"_s, 1));
+        QVERIFY(m_logind->tell(u"Active"_s, QStringList{u"no"_s}));
+        QVERIFY(m_logind->emitSignal(u"PrepareForSleep"_s, u"s"_s, u"true"_s));
+        QTest::qWait(kLongEnough);
+        QCOMPARE(m_told, QStringList());
+        QVERIFY(!m_state->isLocked());
+        QVERIFY(!m_state->isMainDisplayAsleep());
+        QCOMPARE(m_events->isOnConsole(), std::nullopt);
+        QVERIFY(m_logind->setLocked(true));
+        QTRY_COMPARE(m_told, QStringList{kLocked});
+        // What it said before stands.
+        QVERIFY(m_logind->tell(u"LockedHint"_s, u"false"_s));
+        QTest::qWait(kLongEnough);
+        QVERIFY(m_state->isLocked());
+    }
+
 private:
     /// For what must not come to have come.
     static constexpr int kLongEnough = 200;
 
-    bool startLogind()
+    bool startLogind(const QString& parameters = {})
     {
-        m_logind = std::make_unique<MockedLogind>(*m_systemBus);
+        m_logind = std::make_unique<MockedLogind>(*m_systemBus, parameters);
         if (!m_logind->problem().isEmpty())
             qWarning("%s", qPrintable(m_logind->problem()));
         return m_logind->problem().isEmpty();

@@ -58,7 +58,10 @@ LogindSession::LogindSession(QObject* parent)
     constexpr auto kBetweenTries = std::chrono::seconds(5);
     m_untilNextTry.setInterval(kBetweenTries);
     m_untilNextTry.setSingleShot(true);
-    connect(&m_untilNextTry, &QTimer::timeout, this, &LogindSession::find);
+    connect(&m_untilNextTry, &QTimer::timeout, this, [this] {
+        find();
+        askWhetherGoingToSleep();
+    });
     if (!m_bus->isConnected())
         return;
     m_watcher.setConnection(*m_bus);
@@ -107,7 +110,10 @@ void LogindSession::askWhetherGoingToSleep()
             [this](QDBusPendingCallWatcher* told) {
                 told->deleteLater();
                 const QDBusPendingReply<QDBusVariant> isIt = *told;
-                if (m_isGoingToSleep && isIt.isValid() && !isIt.value().variant().toBool())
+                const QVariant isSo = isIt.isValid() ? isIt.value().variant() : QVariant();
+                if (isSo.typeId() != QMetaType::Bool)
+                    tryAgainLater();
+                else if (m_isGoingToSleep && !isSo.toBool())
                     onPrepareForSleep(false);
             });
 }
