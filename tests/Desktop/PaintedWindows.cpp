@@ -37,6 +37,7 @@ QJsonObject WindowSpec::toJson() const
             {u"title"_s, title},
             {u"type"_s, type},
             {u"overridesRedirect"_s, overridesRedirect},
+            {u"isForInputOnly"_s, isForInputOnly},
             {u"tellsProcess"_s, tellsProcess},
             {u"hasBackground"_s, hasBackground},
             {u"isMapped"_s, isMapped},
@@ -53,6 +54,7 @@ WindowSpec WindowSpec::fromJson(const QJsonObject& json)
             .title = json[u"title"].toString(),
             .type = json[u"type"].toString(),
             .overridesRedirect = json[u"overridesRedirect"].toBool(),
+            .isForInputOnly = json[u"isForInputOnly"].toBool(),
             .tellsProcess = json[u"tellsProcess"].toBool(),
             .hasBackground = json[u"hasBackground"].toBool(),
             .isMapped = json[u"isMapped"].toBool(),
@@ -86,13 +88,15 @@ xcb_window_t PaintedWindows::open(const WindowSpec& spec, int patience)
                                                               : quint32{XCB_BACK_PIXMAP_NONE},
                                            spec.overridesRedirect};
     const QRect& frame = spec.frame;
+    const quint32 background = spec.hasBackground ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP;
+    const quint32* const firstValue = values.data() + (spec.isForInputOnly ? 1 : 0);
     xcb_create_window(
         m_connection, XCB_COPY_FROM_PARENT, window, spec.parent ? spec.parent : m_screen->root,
         static_cast<qint16>(frame.x()), static_cast<qint16>(frame.y()),
         static_cast<quint16>(frame.width()), static_cast<quint16>(frame.height()), 0,
-        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-        (spec.hasBackground ? XCB_CW_BACK_PIXEL : XCB_CW_BACK_PIXMAP) | XCB_CW_OVERRIDE_REDIRECT,
-        values.data());
+        spec.isForInputOnly ? XCB_WINDOW_CLASS_INPUT_ONLY : XCB_WINDOW_CLASS_INPUT_OUTPUT,
+        XCB_COPY_FROM_PARENT, (spec.isForInputOnly ? 0 : background) | XCB_CW_OVERRIDE_REDIRECT,
+        firstValue);
     // User's position and size, so that a window manager leaves it where it is.
     const std::array<quint32, 18> hints = {3};
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,

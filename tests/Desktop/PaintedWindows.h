@@ -25,6 +25,8 @@ struct WindowSpec {
     /// "_NET_WM_WINDOW_TYPE_…"; empty: it has none.
     QString type = {};
     bool overridesRedirect = false;
+    /// Nothing of it shows; it only hears the mouse and the keys.
+    bool isForInputOnly = false;
     bool tellsProcess = false;
     /// Without one it keeps what lies where it opens.
     bool hasBackground = true;

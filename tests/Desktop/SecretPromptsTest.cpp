@@ -19,8 +19,15 @@ private Q_SLOTS:
     void aPromptIsKnownByItsClass();
     void aLockerThatAsksNoWindowManagerIsKnown_data();
     void aLockerThatAsksNoWindowManagerIsKnown();
+    void aWindowWithoutAClassThatHidesADisplayIsALocker_data();
+    void aWindowWithoutAClassThatHidesADisplayIsALocker();
+    void aWallpaperBelowWindowsIsNoLocker();
+    void aFullScreenWindowInAFrameIsNoLocker();
+    void ownWindowsAreNoLockers();
 
 private:
+    static constexpr QRect kWhole = {0, 0, 1920, 1080};
+
     void begin() { m_input = std::make_unique<AtspiSecureInput>(accessibility()); }
     void letGo() override { m_input.reset(); }
 
@@ -84,6 +91,78 @@ void SecretPromptsTest::aLockerThatAsksNoWindowManagerIsKnown()
     QVERIFY(settles(*m_input, true));
     QVERIFY(program.close(window));
     QVERIFY(becomes(*m_input, false));
+}
+
+void SecretPromptsTest::aWindowWithoutAClassThatHidesADisplayIsALocker_data()
+{
+    QTest::addColumn<WindowSpec>("spec");
+    QTest::addColumn<bool>("isLocker");
+    const auto add = [](const char* name, const WindowSpec& spec, bool isLocker) {
+        QTest::newRow(name) << spec << isLocker;
+    };
+    add("all of it", {.frame = kWhole, .overridesRedirect = true}, true);
+    add("more than that", {.frame = {-1, -1, 3000, 2000}, .overridesRedirect = true}, true);
+    add("nearly all", {.frame = {0, 0, 1920, 1079}, .overridesRedirect = true}, false);
+    add("with a class", {.frame = kWhole, .windowClass = u"Alpha"_s, .overridesRedirect = true},
+        false);
+    add("for input alone", {.frame = kWhole, .overridesRedirect = true, .isForInputOnly = true},
+        false);
+    add("not mapped", {.frame = kWhole, .overridesRedirect = true, .isMapped = false}, false);
+}
+
+void SecretPromptsTest::aWindowWithoutAClassThatHidesADisplayIsALocker()
+{
+    QFETCH(WindowSpec, spec);
+    QFETCH(bool, isLocker);
+    begin();
+    QVERIFY(becomes(*m_input, false));
+    WindowProgram program;
+    const quint32 window = program.open(spec);
+    QVERIFY(window);
+    QVERIFY(settles(*m_input, isLocker));
+    // A note upon it leaves it what it is.
+    WindowProgram other;
+    QVERIFY(other.open(
+        {.frame = {1500, 40, 350, 90}, .windowClass = u"Beta"_s, .overridesRedirect = true}));
+    QVERIFY(settles(*m_input, isLocker));
+    QVERIFY(program.close(window));
+    QVERIFY(becomes(*m_input, false));
+}
+
+void SecretPromptsTest::aWallpaperBelowWindowsIsNoLocker()
+{
+    WindowProgram wallpaper;
+    QVERIFY(wallpaper.open({.frame = kWhole, .overridesRedirect = true}));
+    WindowProgram program;
+    QVERIFY(program.open(
+        {.frame = {100, 100, 900, 700}, .windowClass = u"Alpha"_s, .overridesRedirect = true}));
+    begin();
+    QVERIFY(settles(*m_input, false));
+}
+
+void SecretPromptsTest::aFullScreenWindowInAFrameIsNoLocker()
+{
+    // As a window manager does it: the frame, one more window of its own, and the program's there.
+    WindowProgram manager;
+    const quint32 frame = manager.open({.frame = kWhole, .overridesRedirect = true});
+    QVERIFY(frame);
+    const quint32 inner =
+        manager.open({.frame = kWhole, .overridesRedirect = true, .parent = frame});
+    QVERIFY(inner);
+    WindowProgram program;
+    const quint32 film =
+        program.open({.frame = kWhole, .overridesRedirect = true, .parent = inner});
+    QVERIFY(film);
+    begin();
+    QVERIFY(settles(*m_input, false));
+}
+
+void SecretPromptsTest::ownWindowsAreNoLockers()
+{
+    PaintedWindows own;
+    QVERIFY(own.open({.frame = kWhole, .overridesRedirect = true}));
+    begin();
+    QVERIFY(settles(*m_input, false));
 }
 
 QTEST_GUILESS_MAIN(SecretPromptsTest)

@@ -88,8 +88,12 @@ void FocusWatch::followOverlays()
     const auto overlays = m_window.overlays();
     m_areOverlaysKnown = overlays.has_value();
     // What was seen stands until it is seen to have gone.
-    if (overlays)
-        m_typing.setCovered(std::ranges::any_of(*overlays, isSecretPrompt));
+    if (overlays) {
+        m_typing.setCovered(std::ranges::any_of(*overlays, [](const X11Overlay& overlay) {
+            // Some lockers do not say what they are.
+            return isSecretPrompt(overlay.windowClass) || overlay.hidesDisplay;
+        }));
+    }
 }
 
 void FocusWatch::followFocus(const QString& service, const QString& path, bool isGained)

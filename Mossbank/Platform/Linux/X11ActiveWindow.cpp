@@ -94,37 +94,23 @@ std::optional<ActiveWindow> X11ActiveWindow::read()
     return window;
 }
 
-std::optional<QList<WindowClass>> X11ActiveWindow::overlays()
+std::optional<QList<X11Overlay>> X11ActiveWindow::overlays()
 {
     if (!m_connection)
         return {};
     const X11Connection& connection = *m_connection;
     connection.forgetSilence();
-    const auto tree =
-        connection.reply<xcb_query_tree_reply_t>(xcb_query_tree(connection, connection.root()));
-    if (!tree)
+    QList<X11Overlay> overlays;
+    try {
+        overlays = readOverlays(connection);
+    } catch (const Failure&) {
         return {};
-    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
-    const std::vector<xcb_window_t> windows(first,
-                                            first + xcb_query_tree_children_length(tree.get()));
-    std::vector<xcb_get_window_attributes_cookie_t> attributes;
-    std::vector<xcb_get_property_cookie_t> named;
-    for (const xcb_window_t window : windows) {
-        attributes.push_back(xcb_get_window_attributes(connection, window));
-        named.push_back(connection.askProperty(window, XCB_ATOM_WM_CLASS, kMaxClassBytes));
-    }
-    QList<WindowClass> classes;
-    for (std::size_t index = 0; index < windows.size(); ++index) {
-        const auto how = connection.reply<xcb_get_window_attributes_reply_t>(attributes.at(index));
-        const auto name = connection.property(named.at(index));
-        if (how && how->override_redirect && how->map_state == XCB_MAP_STATE_VIEWABLE)
-            classes.append(readClass(name.get()));
     }
     QTimer::singleShot(0, this, &X11ActiveWindow::readEvents);
     // One that did not answer may be a locker; one that has gone answers that it has.
     if (connection.isSilent() || connection.isBroken())
         return {};
-    return classes;
+    return overlays;
 }
 
 void X11ActiveWindow::readEvents()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Mossbank/Platform/Linux/X11Overlays.h"
 #include "Mossbank/Platform/Linux/X11Owners.h"
 
 #include <QObject>
@@ -44,7 +45,7 @@ public:
     std::optional<ActiveWindow> read();
     /// The windows that are on top without asking the window manager, as those of lockers are.
     /// Absent when the server does not tell.
-    std::optional<QList<WindowClass>> overlays();
+    std::optional<QList<X11Overlay>> overlays();
 
 Q_SIGNALS:
     /// Another window is active, or the server is not to be asked any more or is so again.
