@@ -3,6 +3,7 @@
 // What is decided about what programs tell, without any program.
 #include "Mossbank/Platform/Linux/AccessiblePrograms.h"
 #include "Mossbank/Platform/Linux/Browsers.h"
+#include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/SecretPrompts.h"
 #include "Mossbank/Platform/Linux/SecretTyping.h"
 #include "Mossbank/Platform/Linux/SilentPrograms.h"
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void whatIsAskedCountsAsSecretForAShortWhile();
     void onePromptIsEnough();
     void theWindowsThatMayBeInFrontAreLookedThrough();
+    void whatKeepsPasswordsIsExcludedFromTheStart();
 };
 
 void AccessibilityRulesTest::aBrowserIsKnownByItsDesktopFile_data()
@@ -349,6 +351,24 @@ void AccessibilityRulesTest::theWindowsThatMayBeInFrontAreLookedThrough()
     QCOMPARE(windowsInFront({one, other}, u"Dipper"_s), (QList{one, other}));
     const auto secret = window(u"Heron (Incognito)"_s);
     QCOMPARE(windowsInFront({secret, other}, u"Heron"_s), QList{secret});
+}
+
+void AccessibilityRulesTest::whatKeepsPasswordsIsExcludedFromTheStart()
+{
+    const QStringList expected = {u"org.keepassxc.KeePassXC"_s,
+                                  u"keepassxc"_s,
+                                  u"1password"_s,
+                                  u"com.onepassword.OnePassword"_s,
+                                  u"bitwarden"_s,
+                                  u"org.gnome.World.Secrets"_s,
+                                  u"secrets"_s,
+                                  u"org.gnome.seahorse.Application"_s,
+                                  u"seahorse"_s,
+                                  u"org.kde.kwalletmanager5"_s,
+                                  u"kwalletmanager5"_s,
+                                  u"org.kde.kwalletmanager"_s,
+                                  u"kwalletmanager"_s};
+    QCOMPARE(passwordManagersOfLinux(), expected);
 }
 
 QTEST_GUILESS_MAIN(AccessibilityRulesTest)

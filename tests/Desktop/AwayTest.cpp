@@ -151,6 +151,23 @@ private Q_SLOTS:
         QCOMPARE(m_mossbank->stop(SIGINT), 0);
     }
 
+    void aLogindThatGoesAndComesBackStopsItAtTheNextLock()
+    {
+        QVERIFY(startRecording({}));
+        m_logind.reset();
+        QTest::qWait(2000);
+        QVERIFY2(!m_mossbank->terminal().contains(u"Paused"_s), qPrintable(m_mossbank->terminal()));
+        m_logind = std::make_unique<MockedLogind>(*m_systemBus);
+        QVERIFY2(m_logind->problem().isEmpty(), qPrintable(m_logind->problem()));
+        QVERIFY(m_logind->setLocked(true));
+        QVERIFY2(m_mossbank->waitFor(u"Paused when the screen locked"_s),
+                 qPrintable(m_mossbank->terminal()));
+        QVERIFY(m_logind->setLocked(false));
+        QVERIFY2(m_mossbank->waitFor(u"Waiting for your next screen"_s, 2),
+                 qPrintable(m_mossbank->terminal()));
+        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+    }
+
     void servicesThatGoLeaveTheRecordingAlone()
     {
         QVERIFY(startRecording({}));

@@ -28,9 +28,9 @@ public:
 
     QFuture<AddressAnswer> ask(const QString& bundleID) override
     {
+        asked.append(bundleID);
         if (!canAsk(bundleID))
             return QtFuture::makeReadyFuture(AddressAnswer::failed());
-        asked.append(bundleID);
         if (!failure.isEmpty())
             return QtFuture::makeExceptionalFuture<AddressAnswer>(Failure(failure));
         if (!holdsAnswers)

@@ -69,6 +69,12 @@ private Q_SLOTS:
         QVERIFY(!recorder().isRecording());
         QVERIFY(!recorder().stoppedForAway());
         QCOMPARE(recorder().status(), status);
+        for (const char* event : {"unlock", "wake", "active"})
+            happens(QString::fromLatin1(event));
+        QVERIFY(!recorder().isRecording());
+        start();
+        nextPass();
+        QVERIFY2(recorder().isRecording(), "the user's hand starts it");
     }
 
     void whoNoLongerWantsItBackStaysUnrecorded()

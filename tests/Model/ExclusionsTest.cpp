@@ -113,6 +113,29 @@ private Q_SLOTS:
                  std::optional(ActiveApp{RecorderRig::kEditor.bundleID, u"Editor"_s}));
     }
 
+    void anUnknownWindowInFrontHasTheLastOneExcluded()
+    {
+        m_rig->front.setCurrent(Application{QString(), u"Somebody"_s});
+        m_model->exclusions().excludeFrontmostApp();
+        QCOMPARE(excluded().last(), RecorderRig::kEditor.bundleID);
+        QCOMPARE(status(), u"Excluded Editor — no new screenshots of it"_s);
+    }
+
+    void whatIsSavedAlreadyStays()
+    {
+        m_model->recorder().toggleRecording();
+        QTRY_COMPARE(m_model->store()->fetch({.limit = 10}).result().size(), 1);
+        QTRY_VERIFY(!m_model->recorder().isCapturing());
+        m_model->recorder().stop();
+        m_model->exclusions().excludeFrontmostApp();
+        QCOMPARE(excluded().last(), RecorderRig::kEditor.bundleID);
+        QTest::qWait(50);
+        const auto saved = m_model->store()->fetch({.limit = 10}).result();
+        QCOMPARE(saved.size(), 1);
+        QCOMPARE(saved.first().appName, u"Editor"_s);
+        QVERIFY(QFile::exists(m_rig->libraryRoot() + u"/Images/"_s + saved.first().filename));
+    }
+
     void aPassUnderWayIsDropped()
     {
         m_rig->screen.holdsPicture = true;

@@ -41,6 +41,25 @@ private Q_SLOTS:
         QCOMPARE(PauseLength(PauseLength::OneHour).deadline(from, calendar), from + 3600);
     }
 
+    void aChangeOfTheClocksMakesThemNoLonger_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::newRow("to summer") << u"2024-03-31T00:50:00"_s;
+        QTest::newRow("to winter") << u"2024-10-27T00:50:00"_s;
+    }
+    void aChangeOfTheClocksMakesThemNoLonger()
+    {
+        QFETCH(QString, from);
+        const QTimeZone berlin("Europe/Berlin");
+        QVERIFY(berlin.isValid());
+        const Calendar calendar(berlin, QLocale::c());
+        const Date start = moment(from, QTimeZone::utc());
+        QVERIFY(berlin.offsetFromUtc(calendar.local(start)) !=
+                berlin.offsetFromUtc(calendar.local(start + 900)));
+        QCOMPARE(PauseLength(PauseLength::FifteenMinutes).deadline(start, calendar), start + 900);
+        QCOMPARE(PauseLength(PauseLength::OneHour).deadline(start, calendar), start + 3600);
+    }
+
     void theMorningIsTheNextEightOClock_data()
     {
         QTest::addColumn<QString>("zone");
