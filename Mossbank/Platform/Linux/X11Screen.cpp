@@ -49,6 +49,8 @@ X11Screen::X11Screen(std::shared_ptr<ApplicationCatalog> catalog, OwnProgram own
     , m_queue(u"Screen"_s)
 {
     m_age.start();
+    QObject::connect(&m_watch, &X11WindowWatch::changed, &m_watch, [this] { noteWindows(); });
+    noteWindows();
 }
 
 X11Screen::~X11Screen()
@@ -76,6 +78,23 @@ QStringList X11Screen::displayNames() const
 QFuture<ScreenContent> X11Screen::content()
 {
     return look([this] { return readContent(); });
+}
+
+// A pass that ends before it asks for the windows, as with an excluded application in front, would
+// otherwise leave nobody who knows where that application's window was.
+void X11Screen::noteWindows()
+{
+    // Nobody waits for it. What fails here is told to whoever asks next.
+    look([this] {
+        QList<X11Window> windows;
+        {
+            const ServerGrab grab(*m_connection);
+            m_drawn->ask();
+            windows =
+                readWindows(*m_connection, X11Desktop::read(*m_connection), X11Scope::Viewable);
+        }
+        lookForGhosts(windows);
+    });
 }
 
 QFuture<QImage> X11Screen::picture(PictureRequest request)

@@ -5,6 +5,7 @@
 #include "Mossbank/Platform/Linux/OwnProgram.h"
 #include "Mossbank/Platform/Linux/ScreenGhosts.h"
 #include "Mossbank/Platform/Linux/ShmPool.h"
+#include "Mossbank/Platform/Linux/X11WindowWatch.h"
 #include "Mossbank/Platform/Linux/X11Windows.h"
 #include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Support/SerialQueue.h"
@@ -42,6 +43,9 @@ public:
     QFuture<QImage> picture(PictureRequest request) override;
 
 private:
+    /// Looks at the windows and keeps what it sees, so that what one leaves behind is known when it
+    /// goes, also where nobody asked while it was there.
+    void noteWindows();
     template <typename Look>
     auto look(Look look);
     void connectAnew();
@@ -66,6 +70,8 @@ private:
     ScreenGhosts m_ghosts;
     QElapsedTimer m_age;
     SerialQueue m_queue;
+    /// Last: it has windows noted by all of the above.
+    X11WindowWatch m_watch;
 };
 
 } // namespace mossbank
