@@ -18,6 +18,10 @@
 #include <QGuiApplication>
 #include <QThreadPool>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <memory>
 
 using namespace mossbank;
@@ -81,6 +85,17 @@ int run(const Platform& platform, const QString& library)
     return QCoreApplication::exec();
 }
 
+/// A program that is started without them would have its lines written into whatever it opens
+/// first.
+void openStandardFiles()
+{
+    for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest number that is free, which is this one.
+        if (::fcntl(file, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) < 0)
+            std::abort();
+    }
+}
+
 /// Where there can be no windows, one that can still say so.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool hasWindows)
 {
@@ -92,18 +107,8 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
     return application;
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int start(const Availability& windows)
 {
-    const Availability windows = windowsAvailability();
-    const auto application = makeApplication(argc, argv, windows.isAvailable);
-    QCoreApplication::setApplicationName(u"Mossbank"_s);
-    QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
-    LinuxWording wording;
-    QCoreApplication::installTranslator(&wording);
-    parseCommandLine(*application);
-
     const QString library = LibraryLocation::library();
     SingleInstance instance(library);
     if (!instance.isFirst()) {
@@ -123,4 +128,22 @@ int main(int argc, char* argv[])
     // A reading may be under way still; it uses the platform's recogniser.
     QThreadPool::globalInstance()->waitForDone();
     return status;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    openStandardFiles();
+    const Availability windows = windowsAvailability();
+    const auto application = makeApplication(argc, argv, windows.isAvailable);
+    QCoreApplication::setApplicationName(u"Mossbank"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
+    LinuxWording wording;
+    QCoreApplication::installTranslator(&wording);
+    parseCommandLine(*application);
+    const int status = start(windows);
+    // Everything of this program is closed. Qt would take leave of the X server now, and wait for
+    // one that has stopped answering for as long as that takes.
+    std::_Exit(status);
 }

@@ -3,7 +3,10 @@
 
 #include "Mossbank/Model/Recorder.h"
 
-#include <cstdio>
+#include <poll.h>
+#include <unistd.h>
+
+#include <climits>
 #include <utility>
 
 namespace mossbank {
@@ -12,11 +15,26 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-void write(std::FILE* stream, const QString& line)
+/// What others say may hold signs that a terminal acts on.
+QString withoutControls(QString line)
 {
-    const QByteArray bytes = line.toLocal8Bit() + '\n';
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    for (QChar& sign : line) {
+        if (sign.category() == QChar::Other_Control)
+            sign = QChar::ReplacementCharacter;
+    }
+    return line;
+}
+
+/// Nothing where nobody takes it: a stopped terminal or a full pipe must not stop the recording.
+void write(int file, const QString& line)
+{
+    pollfd place = {file, POLLOUT, 0};
+    if (::poll(&place, 1, 0) != 1 || (place.revents & POLLOUT) == 0)
+        return;
+    // A pipe that has room takes so many at once.
+    const QByteArray bytes = withoutControls(line).toLocal8Bit().left(PIPE_BUF - 1) + '\n';
+    [[maybe_unused]] const auto written =
+        ::write(file, bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
 } // namespace
@@ -40,12 +58,12 @@ void TerminalStatus::show() const
 
 void TerminalStatus::say(const QString& line)
 {
-    write(stdout, line);
+    write(STDOUT_FILENO, line);
 }
 
 void TerminalStatus::complain(const QString& line)
 {
-    write(stderr, line);
+    write(STDERR_FILENO, line);
 }
 
 void TerminalStatus::showStatus() const

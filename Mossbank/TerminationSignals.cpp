@@ -32,6 +32,13 @@ void handle(int signal, void (*handler)(int))
     ::sigaction(signal, &action, nullptr);
 }
 
+/// Whoever started the program wants it to outlive this: nohup, or a shell in the background.
+bool isIgnored(int signal)
+{
+    struct sigaction action = {};
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 } // namespace
 
 TerminationSignals::TerminationSignals(QObject* parent)
@@ -47,16 +54,22 @@ TerminationSignals::TerminationSignals(QObject* parent)
         Q_EMIT received();
     });
     writeEnd = m_pipe[1];
-    for (const int signal : kSignals)
-        handle(signal, note);
+    for (const int signal : kSignals) {
+        if (!isIgnored(signal))
+            handle(signal, note);
+    }
     // Who reads what is shown may stop reading; that is no reason to stop recording.
     std::signal(SIGPIPE, SIG_IGN);
+    // A file that may grow no more is a failure like a full disk, and told like one.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 TerminationSignals::~TerminationSignals()
 {
-    for (const int signal : kSignals)
-        handle(signal, SIG_DFL);
+    for (const int signal : kSignals) {
+        if (!isIgnored(signal))
+            handle(signal, SIG_DFL);
+    }
     writeEnd = -1;
     m_notifier.reset();
     ::close(m_pipe[0]);
