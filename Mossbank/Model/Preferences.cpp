@@ -263,8 +263,15 @@ QStringList Preferences::list(const QString& key, const QStringList& fallback) c
         return {};
     if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
         return fallback;
-    QStringList items = stored.toStringList();
-    items.removeAll(QString());
+    QStringList items;
+    for (QString item : stored.toStringList()) {
+        item = item.trimmed();
+        // Written by hand, it may be the name of the desktop file itself.
+        if (item.endsWith(u".desktop"))
+            item.chop(QStringView(u".desktop").size());
+        if (!item.isEmpty())
+            items.append(item);
+    }
     return items;
 }
 

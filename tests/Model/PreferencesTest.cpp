@@ -104,6 +104,10 @@ excludedBundles=@Size(3 4)
         QTest::newRow("one") << QByteArray("excludedBundles=a.b") << QStringList{u"a.b"_s};
         QTest::newRow("two") << QByteArray("excludedBundles=a.b, c.d")
                              << QStringList{u"a.b"_s, u"c.d"_s};
+        QTest::newRow("blanks in quotes")
+            << QByteArray("excludedBundles=\" a.b\", \"c.d \"") << QStringList{u"a.b"_s, u"c.d"_s};
+        QTest::newRow("the names of desktop files")
+            << QByteArray("excludedBundles=a.b.desktop, c.d") << QStringList{u"a.b"_s, u"c.d"_s};
         QTest::newRow("a comma too many")
             << QByteArray("excludedBundles=a.b, ,c.d") << QStringList{u"a.b"_s, u"c.d"_s};
     }
