@@ -72,12 +72,10 @@ std::unique_ptr<Engine> load(const EngineKind& kind)
 {
     auto engine = std::make_unique<Engine>();
     engine->kind = kind;
-    // What is handed over is a line. Where small letters touch, few outlines are left that look
-    // like letters, and the whole of it would be dropped as dirt on the page. Whether letters are
-    // all equally wide would be found out to tell words apart, which the network does without.
-    std::vector<std::string> names = {"debug_file", "textord_noise_rejrows",
-                                      "textord_disable_pitch_test"};
-    std::vector<std::string> values = {"/dev/null", "0", "1"};
+    // Whether letters are all equally wide would be found out to tell words apart, which the
+    // network does without.
+    std::vector<std::string> names = {"debug_file", "textord_disable_pitch_test"};
+    std::vector<std::string> values = {"/dev/null", "1"};
     if (!kind.correctsLanguage) {
         names.insert(names.end(), {"load_system_dawg", "load_freq_dawg"});
         values.insert(values.end(), {"0", "0"});
@@ -106,6 +104,12 @@ QList<RecognizedWord> wordsOf(tesseract::TessBaseAPI& api)
 QList<RecognizedWord> read(Engine& engine, const QImage& line)
 {
     engine.api.SetPageSegMode(tesseract::PSM_SINGLE_LINE);
+    // What is handed over is a line. Where small letters touch, few outlines are left that look
+    // like letters, and the whole of it would be dropped as dirt on the page. What is short may be
+    // an icon.
+    constexpr int kLong = 4;
+    const bool isLong = line.width() > kLong * line.height();
+    engine.api.SetVariable("textord_noise_rejrows", isLong ? "0" : "1");
     engine.api.SetImage(line.constBits(), line.width(), line.height(), 1,
                         static_cast<int>(line.bytesPerLine()));
     engine.api.SetSourceResolution(kDotsPerInch);
