@@ -59,27 +59,27 @@ LineImage stretched(const LineInk& ink, const std::vector<bool>& hasLetters)
         images.thirds = QImage(kChannels * ink.width(), ink.height(), QImage::Format_Grayscale8);
         images.thirds.fill(kWhite);
     }
-    const auto darken = [](uchar& pixel, int shade, int contrast) {
-        pixel = static_cast<uchar>(
-            std::min<int>(pixel, kWhite - std::min(kWhite, shade * kWhite / contrast)));
+    const auto draw = [&](QImage& image, const Columns& at, int step, int third,
+                          const LineInk::Shade& shade) {
+        const int contrast = ink.contrast(at.from, at.to, shade);
+        for (int y = 0; y < ink.height(); ++y) {
+            uchar* const row = image.scanLine(y);
+            for (int x = at.from; x < at.to; ++x) {
+                uchar& pixel = row[step * x + third];
+                const int dark = std::min(kWhite, shade(x, y) * kWhite / contrast);
+                pixel = static_cast<uchar>(std::min<int>(pixel, kWhite - dark));
+            }
+        }
     };
     for (const Columns& word : stretches(ink, hasLetters, std::max(3, ink.height() / 8))) {
-        const int from = std::max(0, word.from - kMargin);
-        const int to = std::min(ink.width(), word.to + kMargin);
-        const int contrast = ink.contrast(from, to);
-        for (int y = 0; y < ink.height(); ++y) {
-            uchar* const row = images.whole.scanLine(y);
-            for (int x = from; x < to; ++x)
-                darken(row[x], ink.shade(x, y), contrast);
-        }
+        const Columns at = {std::max(0, word.from - kMargin),
+                            std::min(ink.width(), word.to + kMargin)};
+        draw(images.whole, at, 1, 0,
+             [&](int x, int y) { return thirds ? ink.shade(x, y) : ink.at(x, y); });
         for (int third = 0; thirds && third < kChannels; ++third) {
             const int channel = (*thirds)[static_cast<std::size_t>(third)];
-            const int most = ink.contrastOf(channel, from, to);
-            for (int y = 0; y < ink.height(); ++y) {
-                uchar* const row = images.thirds.scanLine(y);
-                for (int x = from; x < to; ++x)
-                    darken(row[kChannels * x + third], ink.shadeOf(channel, x, y), most);
-            }
+            draw(images.thirds, at, kChannels, third,
+                 [&](int x, int y) { return ink.shadeOf(channel, x, y); });
         }
     }
     return images;

@@ -224,18 +224,7 @@ int LineInk::shadeOf(int channel, int x, int y) const
     return at(x, y) == 0 ? 0 : channelsAt(x, y)[static_cast<std::size_t>(channel)];
 }
 
-int LineInk::contrast(int from, int to) const
-{
-    return contrastOf(from, to, [this](int x, int y) { return shade(x, y); });
-}
-
-int LineInk::contrastOf(int channel, int from, int to) const
-{
-    return contrastOf(from, to, [=, this](int x, int y) { return shadeOf(channel, x, y); });
-}
-
-template <typename Shade>
-int LineInk::contrastOf(int from, int to, Shade shade) const
+int LineInk::contrast(int from, int to, const Shade& shade) const
 {
     std::vector<int> values;
     std::vector<int> shades;
@@ -261,8 +250,10 @@ std::optional<Thirds> LineInk::thirds() const
     if (std::ranges::none_of(m_channels, hasFringe))
         return {};
     std::array<int, kChannels> contrasts = {};
-    for (int channel = 0; channel < kChannels; ++channel)
-        contrasts[static_cast<std::size_t>(channel)] = contrastOf(channel, 0, width());
+    for (int channel = 0; channel < kChannels; ++channel) {
+        contrasts[static_cast<std::size_t>(channel)] =
+            contrast(0, width(), [=, this](int x, int y) { return shadeOf(channel, x, y); });
+    }
     // How much goes up and down along the rows when the thirds are in this order.
     const auto roughness = [&](const Thirds& order) {
         constexpr int kWhole = 256;

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -75,20 +76,18 @@ public:
     /// The rows with letters between two columns, `from` included and `to` not.
     QRect lettersWithin(int from, int to) const;
 
-    /// How dark a pixel of a letter is to be drawn, in the units of `contrast`. As far as all
-    /// channels together are from the background: letters drawn in thirds of a pixel have fringes
-    /// that only one of them is far from, and the furthest would make all strokes thick.
-    int shade(int x, int y) const;
-
-    /// The shade that nearly all of the letters between two columns keep below.
-    int contrast(int from, int to) const;
-
     /// Absent where letters are drawn in whole pixels.
     std::optional<Thirds> thirds() const;
-    /// How far a channel is from the background, and what nearly all of the letters between two
-    /// columns keep below there.
+    /// How far a channel of a pixel of a letter is from the background, 0 elsewhere.
     int shadeOf(int channel, int x, int y) const;
-    int contrastOf(int channel, int from, int to) const;
+    /// The same of all channels together. Letters drawn in thirds have fringes that only one of
+    /// them is far from, and the furthest, which `at` tells, would make all strokes thick.
+    int shade(int x, int y) const;
+
+    /// Of a pixel, how dark it is to be drawn.
+    using Shade = std::function<int(int, int)>;
+    /// What nearly all of the letters between two columns keep below.
+    int contrast(int from, int to, const Shade& shade) const;
 
 private:
     /// Ink side by side in a row on one side of the background.
@@ -108,8 +107,6 @@ private:
         return m_channels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width()) +
                           static_cast<std::size_t>(x)];
     }
-    template <typename Shade>
-    int contrastOf(int from, int to, Shade shade) const;
     Run runAt(int x, int y) const;
     /// Removes the ink there with all that is beside it in its row.
     void take(int x, int y, std::vector<Run>& taken);
