@@ -32,11 +32,13 @@ void handle(int signal, void (*handler)(int))
     ::sigaction(signal, &action, nullptr);
 }
 
-/// Whoever started the program wants it to outlive this: nohup, or a shell in the background.
-bool isIgnored(int signal)
+/// Whether the program is to outlive its terminal: nohup says so. A script that starts something in
+/// the background has it ignore SIGINT, and still means it when it sends one.
+bool isToOutlive(int signal)
 {
     struct sigaction action = {};
-    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+    return signal == SIGHUP && ::sigaction(signal, nullptr, &action) == 0 &&
+           action.sa_handler == SIG_IGN;
 }
 
 } // namespace
@@ -55,7 +57,7 @@ TerminationSignals::TerminationSignals(QObject* parent)
     });
     writeEnd = m_pipe[1];
     for (const int signal : kSignals) {
-        if (!isIgnored(signal))
+        if (!isToOutlive(signal))
             handle(signal, note);
     }
     // Who reads what is shown may stop reading; that is no reason to stop recording.
@@ -67,7 +69,7 @@ TerminationSignals::TerminationSignals(QObject* parent)
 TerminationSignals::~TerminationSignals()
 {
     for (const int signal : kSignals) {
-        if (!isIgnored(signal))
+        if (!isToOutlive(signal))
             handle(signal, SIG_DFL);
     }
     writeEnd = -1;
