@@ -81,12 +81,17 @@ bool isNoise(const QList<RecognizedWord>& words)
 } // namespace
 
 TextReader::TextReader(std::unique_ptr<LineRecognizer> recognizer,
-                       std::chrono::milliseconds patience)
+                       std::chrono::milliseconds patience, int threads)
     : m_recognizer(std::move(recognizer))
     , m_patience(patience)
 {
-    // More would be quicker, and take from the user's own work. Each needs engines beside.
-    m_pool.setMaxThreadCount(std::clamp(QThread::idealThreadCount(), 1, 2));
+    m_pool.setMaxThreadCount(threads);
+}
+
+// More would be quicker, and take from the user's own work. Each needs engines beside.
+int TextReader::usualThreads()
+{
+    return std::clamp(QThread::idealThreadCount(), 1, 2);
 }
 
 TextReader::~TextReader()

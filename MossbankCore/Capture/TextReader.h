@@ -44,9 +44,14 @@ class TextReader final : public TextRecognizer {
 public:
     /// `patience`: the processor time that the lines of a picture may take. What looks like text
     /// all over could take minutes; on a busy machine any picture may, and is read all the same.
+    /// `threads`: how many lines are read at once.
     explicit TextReader(std::unique_ptr<LineRecognizer> recognizer,
-                        std::chrono::milliseconds patience = std::chrono::seconds(30));
+                        std::chrono::milliseconds patience = std::chrono::seconds(30),
+                        int threads = usualThreads());
     ~TextReader() override;
+
+    /// Two where there are as many processors.
+    static int usualThreads();
 
     /// A line of text each, its words with one space between. Of a picture that takes longer than
     /// it may, what has been read by then. A language that was not asked for and cannot be read in

@@ -12,11 +12,12 @@ namespace mossbank {
 /// What a test of the reader has: a reader whose recogniser of lines is a fake.
 class ReaderOfFakeLines {
 protected:
-    void makeReader(std::chrono::milliseconds patience = std::chrono::minutes(1))
+    void makeReader(std::chrono::milliseconds patience = std::chrono::minutes(1),
+                    int threads = TextReader::usualThreads())
     {
         auto fake = std::make_unique<FakeLineRecognizer>();
         m_fake = fake.get();
-        m_reader = std::make_unique<TextReader>(std::move(fake), patience);
+        m_reader = std::make_unique<TextReader>(std::move(fake), patience, threads);
     }
 
     QStringList read(const QImage& picture) { return m_reader->recognize(picture, {}); }
