@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/Preferences.h"
 
-#include "Mossbank/Model/Texts.h"
 #include "MossbankCore/Support/Calendar.h"
 
 #include <QDateTime>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
-
-#include <cmath>
-#include <utility>
 
 namespace mossbank {
 
@@ -24,11 +18,18 @@ const QString kRetentionDays = u"retentionDays"_s;
 const QString kImageQuality = u"imageQuality"_s;
 const QString kSkipsUnchangedScreens = u"skipsUnchangedScreens"_s;
 const QString kChangeMode = u"changeMode"_s;
+const QString kAppearanceMode = u"appearanceMode"_s;
 const QString kCapturesOnAppSwitch = u"capturesOnAppSwitch"_s;
 const QString kUnchangedRefreshMinutes = u"unchangedRefreshMinutes"_s;
+const QString kHasSeenSearchHint = u"hasSeenSearchHint"_s;
 const QString kSavesAddresses = u"savesAddresses"_s;
 const QString kRecordsAtLaunch = u"recordsAtLaunch"_s;
 const QString kResumesAfterAway = u"resumesAfterAway"_s;
+const QString kAnswerEngine = u"answerEngine"_s;
+const QString kSearchesByMeaning = u"searchesByMeaning"_s;
+const QString kEmbeddingModel = u"embeddingModel"_s;
+const QString kOllamaModel = u"ollamaModel"_s;
+const QString kLens = u"lens"_s;
 const QString kExcludedBundles = u"excludedBundles"_s;
 const QString kPausedUntil = u"pausedUntil"_s;
 const QString kOpensAtLogin = u"opensAtLogin"_s;
@@ -41,36 +42,41 @@ const QStringList kPasswordManagers = {
     u"com.apple.keychainaccess"_s, u"com.bitwarden.desktop"_s,      u"com.lastpass.LastPass"_s,
     u"com.dashlane.Dashlane"_s};
 
-/// The settings keep to themselves what went wrong, so it is tried once more, up to the point where
-/// the file would be put in place of the one that is there.
-QString whyUnwritable(const QString& path)
-{
-    constexpr int kSomeBytes = 4096;
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(QByteArray(kSomeBytes, '\n')) == kSomeBytes &&
-        file.flush())
-        return localized("%1 cannot be written").arg(path);
-    return file.errorString();
-}
-
 } // namespace
 
 Preferences::Preferences(const QString& path, const QStringList& passwordManagers, QObject* parent)
+    : Preferences(std::optional(path), Sample(), passwordManagers, parent)
+{
+}
+
+Preferences::Preferences(const Sample& sample, const QStringList& passwordManagers, QObject* parent)
+    : Preferences(std::nullopt, sample, passwordManagers, parent)
+{
+}
+
+Preferences::Preferences(const std::optional<QString>& path, const Sample& sample,
+                         const QStringList& passwordManagers, QObject* parent)
     : QObject(parent)
-    , m_settings(path, QSettings::IniFormat)
-    , m_isReadable(m_settings.status() == QSettings::NoError && !QFileInfo(path).isDir() &&
-                   (!QFileInfo::exists(path) || QFileInfo(path).isReadable()))
-    , m_interval(number(kInterval, 30.0))
-    , m_retentionDays(wholeNumber(kRetentionDays, 30))
-    , m_imageQuality(number(kImageQuality, 0.78))
-    , m_skipsUnchangedScreens(flag(kSkipsUnchangedScreens, true))
-    , m_changeMode(word(kChangeMode, u"flicker"_s))
-    , m_capturesOnAppSwitch(flag(kCapturesOnAppSwitch, true))
-    , m_unchangedRefreshMinutes(number(kUnchangedRefreshMinutes, 15.0))
-    , m_savesAddresses(flag(kSavesAddresses, true))
-    , m_recordsAtLaunch(flag(kRecordsAtLaunch, false))
-    , m_resumesAfterAway(flag(kResumesAfterAway, true))
-    , m_excludedBundles(list(kExcludedBundles, kPasswordManagers + passwordManagers))
+    , m_file(path)
+    , m_isDemo(!path)
+    , m_interval(m_file.number(kInterval, 30.0))
+    , m_retentionDays(m_file.wholeNumber(kRetentionDays, 30))
+    , m_imageQuality(m_file.number(kImageQuality, 0.78))
+    , m_skipsUnchangedScreens(m_file.flag(kSkipsUnchangedScreens, true))
+    , m_changeMode(m_file.word(kChangeMode, u"flicker"_s))
+    , m_appearanceMode(m_file.word(kAppearanceMode, u"system"_s))
+    , m_capturesOnAppSwitch(m_file.flag(kCapturesOnAppSwitch, !m_isDemo))
+    , m_unchangedRefreshMinutes(m_file.number(kUnchangedRefreshMinutes, 15.0))
+    , m_hasSeenSearchHint(m_file.flag(kHasSeenSearchHint, m_isDemo))
+    , m_savesAddresses(m_file.flag(kSavesAddresses, !m_isDemo))
+    , m_recordsAtLaunch(m_file.flag(kRecordsAtLaunch, false))
+    , m_resumesAfterAway(m_file.flag(kResumesAfterAway, true))
+    , m_answerEngine(m_file.word(kAnswerEngine, sample.answerEngine))
+    , m_searchesByMeaning(m_file.flag(kSearchesByMeaning, !sample.embeddingModel.isEmpty()))
+    , m_embeddingModel(m_file.word(kEmbeddingModel, sample.embeddingModel))
+    , m_ollamaModel(m_file.word(kOllamaModel, {}))
+    , m_lens(m_file.word(kLens, u"moments"_s))
+    , m_excludedBundles(bundleIDs(kPasswordManagers + passwordManagers))
 {
 }
 
@@ -80,199 +86,205 @@ QString Preferences::userPath()
            u"/Mossbank/Mossbank.ini"_s;
 }
 
+template <typename T>
+void Preferences::choose(T Preferences::*choice, const T& value, const QString& key,
+                         void (Preferences::*changed)())
+{
+    this->*choice = value;
+    m_file.store(key, value);
+    Q_EMIT(this->*changed)();
+}
+
 void Preferences::setInterval(double seconds)
 {
-    m_interval = seconds;
-    m_settings.setValue(kInterval, seconds);
-    Q_EMIT intervalChanged();
+    choose(&Preferences::m_interval, seconds, kInterval, &Preferences::intervalChanged);
 }
 
 void Preferences::setRetentionDays(int days)
 {
-    m_retentionDays = days;
-    m_settings.setValue(kRetentionDays, days);
-    Q_EMIT retentionDaysChanged();
+    choose(&Preferences::m_retentionDays, days, kRetentionDays, &Preferences::retentionDaysChanged);
 }
 
 void Preferences::setImageQuality(double quality)
 {
-    m_imageQuality = quality;
-    m_settings.setValue(kImageQuality, quality);
-    Q_EMIT imageQualityChanged();
+    choose(&Preferences::m_imageQuality, quality, kImageQuality, &Preferences::imageQualityChanged);
 }
 
 void Preferences::setSkipsUnchangedScreens(bool skips)
 {
-    m_skipsUnchangedScreens = skips;
-    m_settings.setValue(kSkipsUnchangedScreens, skips);
-    Q_EMIT skipsUnchangedScreensChanged();
+    choose(&Preferences::m_skipsUnchangedScreens, skips, kSkipsUnchangedScreens,
+           &Preferences::skipsUnchangedScreensChanged);
 }
 
 void Preferences::setChangeMode(const QString& mode)
 {
-    m_changeMode = mode;
-    m_settings.setValue(kChangeMode, mode);
-    Q_EMIT changeModeChanged();
+    choose(&Preferences::m_changeMode, mode, kChangeMode, &Preferences::changeModeChanged);
+}
+
+void Preferences::setAppearanceMode(const QString& mode)
+{
+    choose(&Preferences::m_appearanceMode, mode, kAppearanceMode,
+           &Preferences::appearanceModeChanged);
 }
 
 void Preferences::setCapturesOnAppSwitch(bool captures)
 {
-    m_capturesOnAppSwitch = captures;
-    m_settings.setValue(kCapturesOnAppSwitch, captures);
-    Q_EMIT capturesOnAppSwitchChanged();
+    choose(&Preferences::m_capturesOnAppSwitch, captures, kCapturesOnAppSwitch,
+           &Preferences::capturesOnAppSwitchChanged);
 }
 
 void Preferences::setUnchangedRefreshMinutes(double minutes)
 {
-    m_unchangedRefreshMinutes = minutes;
-    m_settings.setValue(kUnchangedRefreshMinutes, minutes);
-    Q_EMIT unchangedRefreshMinutesChanged();
+    choose(&Preferences::m_unchangedRefreshMinutes, minutes, kUnchangedRefreshMinutes,
+           &Preferences::unchangedRefreshMinutesChanged);
+}
+
+void Preferences::setHasSeenSearchHint(bool hasSeen)
+{
+    choose(&Preferences::m_hasSeenSearchHint, hasSeen, kHasSeenSearchHint,
+           &Preferences::hasSeenSearchHintChanged);
 }
 
 void Preferences::setSavesAddresses(bool saves)
 {
-    m_savesAddresses = saves;
-    m_settings.setValue(kSavesAddresses, saves);
-    Q_EMIT savesAddressesChanged();
+    choose(&Preferences::m_savesAddresses, saves, kSavesAddresses,
+           &Preferences::savesAddressesChanged);
 }
 
 bool Preferences::hasChosenAddresses() const
 {
-    return m_settings.contains(kSavesAddresses);
+    return m_file.contains(kSavesAddresses);
 }
 
 void Preferences::setRecordsAtLaunch(bool records)
 {
-    m_recordsAtLaunch = records;
-    m_settings.setValue(kRecordsAtLaunch, records);
-    Q_EMIT recordsAtLaunchChanged();
+    choose(&Preferences::m_recordsAtLaunch, records, kRecordsAtLaunch,
+           &Preferences::recordsAtLaunchChanged);
 }
 
 void Preferences::setResumesAfterAway(bool resumes)
 {
-    m_resumesAfterAway = resumes;
-    m_settings.setValue(kResumesAfterAway, resumes);
-    Q_EMIT resumesAfterAwayChanged();
+    choose(&Preferences::m_resumesAfterAway, resumes, kResumesAfterAway,
+           &Preferences::resumesAfterAwayChanged);
+}
+
+void Preferences::setAnswerEngine(const QString& engine)
+{
+    choose(&Preferences::m_answerEngine, engine, kAnswerEngine, &Preferences::answerEngineChanged);
+}
+
+void Preferences::setSearchesByMeaning(bool searches)
+{
+    if (searches != m_searchesByMeaning)
+        choose(&Preferences::m_searchesByMeaning, searches, kSearchesByMeaning,
+               &Preferences::searchesByMeaningChanged);
+}
+
+void Preferences::setEmbeddingModel(const QString& model)
+{
+    if (model != m_embeddingModel)
+        choose(&Preferences::m_embeddingModel, model, kEmbeddingModel,
+               &Preferences::embeddingModelChanged);
+}
+
+void Preferences::setOllamaModel(const QString& model)
+{
+    choose(&Preferences::m_ollamaModel, model, kOllamaModel, &Preferences::ollamaModelChanged);
+}
+
+void Preferences::setLens(const QString& lens)
+{
+    choose(&Preferences::m_lens, lens, kLens, &Preferences::lensChanged);
 }
 
 void Preferences::setExcludedBundles(const QStringList& bundleIDs)
 {
     m_excludedBundles = bundleIDs;
-    m_settings.setValue(kExcludedBundles, bundleIDs);
+    m_file.store(kExcludedBundles, bundleIDs);
     makeSure();
     Q_EMIT excludedBundlesChanged();
 }
 
 std::optional<Date> Preferences::pausedUntil() const
 {
-    const QDateTime stored =
-        QDateTime::fromString(word(kPausedUntil, {}), Qt::ISODateWithMs).toUTC();
+    return date(kPausedUntil);
+}
+
+void Preferences::setPausedUntil(Date date)
+{
+    storeDate(kPausedUntil, date);
+}
+
+void Preferences::removePausedUntil()
+{
+    m_file.remove(kPausedUntil);
+}
+
+bool Preferences::opensAtLogin() const
+{
+    return m_file.flag(kOpensAtLogin, false);
+}
+
+void Preferences::setOpensAtLogin(bool opens)
+{
+    m_file.store(kOpensAtLogin, opens);
+}
+
+QString Preferences::opensAtLoginPath() const
+{
+    return m_file.word(kOpensAtLoginPath, {});
+}
+
+void Preferences::setOpensAtLoginPath(const QString& path)
+{
+    m_file.store(kOpensAtLoginPath, path);
+}
+
+std::optional<Date> Preferences::recordsAfterRelaunch() const
+{
+    return date(kRecordsAfterRelaunch);
+}
+
+void Preferences::setRecordsAfterRelaunch(Date date)
+{
+    storeDate(kRecordsAfterRelaunch, date);
+}
+
+void Preferences::removeRecordsAfterRelaunch()
+{
+    m_file.remove(kRecordsAfterRelaunch);
+}
+
+void Preferences::makeSure()
+{
+    if (const auto reason = m_file.makeSure())
+        Q_EMIT cannotBeStored(*reason);
+}
+
+std::optional<Date> Preferences::date(const QString& key) const
+{
+    const QDateTime stored = QDateTime::fromString(m_file.word(key, {}), Qt::ISODateWithMs).toUTC();
     if (!stored.isValid())
         return std::nullopt;
     constexpr double kMillisecondsASecond = 1000;
     return Date{static_cast<double>(stored.toMSecsSinceEpoch()) / kMillisecondsASecond};
 }
 
-void Preferences::setPausedUntil(Date date)
+void Preferences::storeDate(const QString& key, Date date)
 {
     const QDateTime moment = Calendar(QTimeZone::utc(), QLocale::c()).local(date);
-    m_settings.setValue(kPausedUntil, moment.toString(Qt::ISODateWithMs));
+    m_file.store(key, moment.toString(Qt::ISODateWithMs));
     makeSure();
 }
 
-void Preferences::removePausedUntil()
+QStringList Preferences::bundleIDs(const QStringList& fallback) const
 {
-    m_settings.remove(kPausedUntil);
-}
-
-bool Preferences::opensAtLogin() const
-{
-    return flag(kOpensAtLogin, false);
-}
-
-void Preferences::setOpensAtLogin(bool opens)
-{
-    m_settings.setValue(kOpensAtLogin, opens);
-}
-
-QString Preferences::opensAtLoginPath() const
-{
-    return word(kOpensAtLoginPath, {});
-}
-
-void Preferences::setOpensAtLoginPath(const QString& path)
-{
-    m_settings.setValue(kOpensAtLoginPath, path);
-}
-
-void Preferences::removeRecordsAfterRelaunch()
-{
-    m_settings.remove(kRecordsAfterRelaunch);
-}
-
-void Preferences::makeSure()
-{
-    m_settings.sync();
-    // What went wrong with a file once, its object says for ever; a fresh one, what is so now.
-    const bool isStored = QSettings(path(), QSettings::IniFormat).status() == QSettings::NoError;
-    if (std::exchange(m_isStored, isStored) && !isStored)
-        Q_EMIT cannotBeStored(whyUnwritable(path()));
-}
-
-double Preferences::number(const QString& key, double fallback) const
-{
-    bool isNumber = false;
-    const double stored = m_settings.value(key).toDouble(&isNumber);
-    return isNumber && std::isfinite(stored) ? stored : fallback;
-}
-
-int Preferences::wholeNumber(const QString& key, int fallback) const
-{
-    bool isNumber = false;
-    const int stored = m_settings.value(key).toInt(&isNumber);
-    return isNumber ? stored : fallback;
-}
-
-bool Preferences::flag(const QString& key, bool fallback) const
-{
-    const QVariant value = m_settings.value(key);
-    if (value.typeId() == QMetaType::Bool)
-        return value.toBool();
-    // QVariant takes any text for true.
-    const QString stored = word(key, {}).toLower();
-    if (stored == u"true" || stored == u"1")
-        return true;
-    if (stored == u"false" || stored == u"0")
-        return false;
-    return fallback;
-}
-
-QString Preferences::word(const QString& key, const QString& fallback) const
-{
-    const QVariant stored = m_settings.value(key);
-    return stored.typeId() == QMetaType::QString ? stored.toString() : fallback;
-}
-
-QStringList Preferences::list(const QString& key, const QStringList& fallback) const
-{
-    if (!m_settings.contains(key))
-        return fallback;
-    const QVariant stored = m_settings.value(key);
-    // An empty list is stored as a value that is none, and a list of one as that one.
-    if (!stored.isValid())
-        return {};
-    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
-        return fallback;
-    QStringList items;
-    for (QString item : stored.toStringList()) {
-        item = item.trimmed();
-        // Written by hand, it may be the name of the desktop file itself.
-        if (item.endsWith(u".desktop"))
-            item.chop(QStringView(u".desktop").size());
-        if (!item.isEmpty())
-            items.append(item);
+    QStringList identities;
+    for (const QString& written : m_file.list(kExcludedBundles, fallback)) {
+        if (const QString identity = written.trimmed(); !identity.isEmpty())
+            identities.append(identity);
     }
-    return items;
+    return identities;
 }
 
 } // namespace mossbank

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Mossbank/Model/ChoicesFile.h"
 #include "MossbankCore/Support/Date.h"
 
 #include <QObject>
-#include <QSettings>
 #include <QString>
 #include <QStringList>
 
@@ -23,14 +23,26 @@ namespace mossbank {
 /// A value that is missing, or is not of its type, counts as its default. No value is held to
 /// bounds in reading: a stored one stands as it is.
 ///
+/// With the sample library nothing is read and nothing stored: whoever looks around in it finds the
+/// own choices as they were.
+///
 /// Threading: the main thread.
 class Preferences : public QObject {
     Q_OBJECT
 
 public:
+    /// What a look at the sample library is begun with.
+    struct Sample {
+        QString answerEngine = QStringLiteral("apple");
+        /// Searches by meaning where one is named.
+        QString embeddingModel = {};
+    };
+
     /// Over the INI file at `path`, which need not exist. `passwordManagers`: what is excluded by
     /// default besides what is so on every system.
     explicit Preferences(const QString& path, const QStringList& passwordManagers = {},
+                         QObject* parent = nullptr);
+    explicit Preferences(const Sample& sample, const QStringList& passwordManagers = {},
                          QObject* parent = nullptr);
 
     /// The user's own file.
@@ -38,10 +50,13 @@ public:
 
     /// Whether the file could be read, or is not there. Where it could not, every choice is at its
     /// default, and the user must know.
-    bool isReadable() const { return m_isReadable; }
+    bool isReadable() const { return m_file.isReadable(); }
 
-    /// Where the choices are stored.
-    QString path() const { return m_settings.fileName(); }
+    /// Where the choices are stored. Empty with the sample library.
+    QString path() const { return m_file.path(); }
+
+    /// Whether the library is the sample library, which nothing is ever recorded into.
+    bool isDemo() const { return m_isDemo; }
 
     /// Seconds of rest between two looks at the screen.
     double interval() const { return m_interval; }
@@ -63,6 +78,11 @@ public:
     QString changeMode() const { return m_changeMode; }
     void setChangeMode(const QString& mode);
 
+    /// Whether windows are light or dark: "light", "dark"; any other text means as the desktop has
+    /// it.
+    QString appearanceMode() const { return m_appearanceMode; }
+    void setAppearanceMode(const QString& mode);
+
     /// Whether a switch to another application is looked at as well.
     bool capturesOnAppSwitch() const { return m_capturesOnAppSwitch; }
     void setCapturesOnAppSwitch(bool captures);
@@ -70,6 +90,10 @@ public:
     /// Minutes after which an unchanged screen is saved all the same.
     double unchangedRefreshMinutes() const { return m_unchangedRefreshMinutes; }
     void setUnchangedRefreshMinutes(double minutes);
+
+    /// Whether the user has been told what can be searched for.
+    bool hasSeenSearchHint() const { return m_hasSeenSearchHint; }
+    void setHasSeenSearchHint(bool hasSeen);
 
     /// Whether browsers are asked for the address of the page.
     bool savesAddresses() const { return m_savesAddresses; }
@@ -84,6 +108,24 @@ public:
     /// Whether recording comes back by itself after a lock, a sleep or another's session.
     bool resumesAfterAway() const { return m_resumesAfterAway; }
     void setResumesAfterAway(bool resumes);
+
+    /// What answers questions.
+    QString answerEngine() const { return m_answerEngine; }
+    void setAnswerEngine(const QString& engine);
+
+    /// Whether search goes by meaning as well, and by which model of the local server.
+    bool searchesByMeaning() const { return m_searchesByMeaning; }
+    void setSearchesByMeaning(bool searches);
+    QString embeddingModel() const { return m_embeddingModel; }
+    void setEmbeddingModel(const QString& model);
+
+    /// The model of the local server that answers questions.
+    QString ollamaModel() const { return m_ollamaModel; }
+    void setOllamaModel(const QString& model);
+
+    /// How the library is looked at: "timeline", "ask"; any other text means "moments".
+    QString lens() const { return m_lens; }
+    void setLens(const QString& lens);
 
     /// Identities of the applications that are never to be in a picture.
     QStringList excludedBundles() const { return m_excludedBundles; }
@@ -102,7 +144,10 @@ public:
     QString opensAtLoginPath() const;
     void setOpensAtLoginPath(const QString& path);
 
-    /// Forgets that recording was on when the program was last told to relaunch.
+    /// When recording was on as the program was about to relaunch. Absent when it was not, and when
+    /// what is stored is no date.
+    std::optional<Date> recordsAfterRelaunch() const;
+    void setRecordsAfterRelaunch(Date date);
     void removeRecordsAfterRelaunch();
 
 Q_SIGNALS:
@@ -113,35 +158,53 @@ Q_SIGNALS:
     void imageQualityChanged();
     void skipsUnchangedScreensChanged();
     void changeModeChanged();
+    void appearanceModeChanged();
     void capturesOnAppSwitchChanged();
     void unchangedRefreshMinutesChanged();
+    void hasSeenSearchHintChanged();
     void savesAddressesChanged();
     void recordsAtLaunchChanged();
     void resumesAfterAwayChanged();
+    void answerEngineChanged();
+    /// Of these two only when the value is another one: what hangs on them is dear.
+    void searchesByMeaningChanged();
+    void embeddingModelChanged();
+    void ollamaModelChanged();
+    void lensChanged();
     void excludedBundlesChanged();
 
 private:
+    Preferences(const std::optional<QString>& path, const Sample& sample,
+                const QStringList& passwordManagers, QObject* parent);
+
+    template <typename T>
+    void choose(T Preferences::*choice, const T& value, const QString& key,
+                void (Preferences::*changed)());
     /// Has what was set written at once.
     void makeSure();
-    double number(const QString& key, double fallback) const;
-    int wholeNumber(const QString& key, int fallback) const;
-    bool flag(const QString& key, bool fallback) const;
-    QString word(const QString& key, const QString& fallback) const;
-    QStringList list(const QString& key, const QStringList& fallback) const;
+    std::optional<Date> date(const QString& key) const;
+    void storeDate(const QString& key, Date date);
+    QStringList bundleIDs(const QStringList& fallback) const;
 
-    QSettings m_settings;
-    bool m_isReadable;
-    bool m_isStored = true;
+    ChoicesFile m_file;
+    bool m_isDemo;
     double m_interval;
     int m_retentionDays;
     double m_imageQuality;
     bool m_skipsUnchangedScreens;
     QString m_changeMode;
+    QString m_appearanceMode;
     bool m_capturesOnAppSwitch;
     double m_unchangedRefreshMinutes;
+    bool m_hasSeenSearchHint;
     bool m_savesAddresses;
     bool m_recordsAtLaunch;
     bool m_resumesAfterAway;
+    QString m_answerEngine;
+    bool m_searchesByMeaning;
+    QString m_embeddingModel;
+    QString m_ollamaModel;
+    QString m_lens;
     QStringList m_excludedBundles;
 };
 

@@ -24,13 +24,15 @@ struct Application {
     /// What the user knows it by: its name, or else its identity.
     const QString& shownName() const { return name.isEmpty() ? bundleID : name; }
 
-    /// Whether it is one of these by any of its names, in any case of their letters.
+    /// Whether it is one of these by any of its names, in any case of their letters. One written
+    /// by hand may also be the name of the desktop file itself.
     bool isAmong(const QStringList& bundleIDs) const
     {
-        return bundleIDs.contains(bundleID, Qt::CaseInsensitive) ||
-               std::ranges::any_of(aliases, [&](const QString& alias) {
-                   return bundleIDs.contains(alias, Qt::CaseInsensitive);
-               });
+        const auto isOneOfThese = [&](const QString& known) {
+            return bundleIDs.contains(known, Qt::CaseInsensitive) ||
+                   bundleIDs.contains(known + QStringLiteral(".desktop"), Qt::CaseInsensitive);
+        };
+        return isOneOfThese(bundleID) || std::ranges::any_of(aliases, isOneOfThese);
     }
 
     /// By what further names it was met does not make it another.

@@ -18,7 +18,7 @@ private Q_SLOTS:
         m_rig->preferences.setExcludedBundles({RecorderRig::kSecret.bundleID});
         m_model = std::make_unique<AppModel>(m_rig->surroundings(),
                                              OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-        m_model->finishedLaunching();
+        m_model->finishedLaunching(false);
     }
 
     void cleanup()
@@ -71,6 +71,30 @@ private Q_SLOTS:
         QCOMPARE(status(), u"Excluded org.example.Nameless — no new screenshots of it"_s);
     }
 
+    void anIdentityThatLooksLikeAFileOutlivesARestart()
+    {
+        const Application vault{u"com.bitwarden.desktop"_s, u"Vault"_s};
+        m_rig->front.activate(vault);
+        m_model->exclusions().excludeFrontmostApp();
+        QVERIFY(vault.isAmong(Preferences(m_rig->preferences.path()).excludedBundles()));
+    }
+
+    void theNameOfItsFileExcludesItAsWell_data()
+    {
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<bool>("isExcluded");
+        QTest::newRow("its file") << u"org.example.Wren.desktop"_s << true;
+        QTest::newRow("in other letters") << u"Org.Example.Wren.Desktop"_s << true;
+        QTest::newRow("another's") << u"org.example.Wren2.desktop"_s << false;
+    }
+    void theNameOfItsFileExcludesItAsWell()
+    {
+        QFETCH(QString, written);
+        QFETCH(bool, isExcluded);
+        const Application wren{u"org.example.Wren"_s, u"Wren"_s};
+        QCOMPARE(wren.isAmong({written}), isExcluded);
+    }
+
     void whatIsExcludedIsNotExcludedAgain_data()
     {
         QTest::addColumn<QString>("bundleID");
@@ -100,7 +124,7 @@ private Q_SLOTS:
         m_rig->front.setCurrent(isMossbank ? std::optional(RecorderRig::kMossbank) : std::nullopt);
         m_model = std::make_unique<AppModel>(m_rig->surroundings(),
                                              OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-        m_model->finishedLaunching();
+        m_model->finishedLaunching(false);
         m_model->exclusions().excludeFrontmostApp();
         QCOMPARE(excluded(), QStringList{RecorderRig::kSecret.bundleID});
         QCOMPARE(status(), u"Switch to the app you want excluded, then try again"_s);

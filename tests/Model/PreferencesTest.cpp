@@ -33,6 +33,18 @@ class PreferencesTest : public QObject {
         QCOMPARE(preferences.savesAddresses(), true);
         QCOMPARE(preferences.recordsAtLaunch(), false);
         QCOMPARE(preferences.resumesAfterAway(), true);
+        QCOMPARE(preferences.appearanceMode(), u"system"_s);
+        QCOMPARE(preferences.hasSeenSearchHint(), false);
+        QCOMPARE(preferences.answerEngine(), u"apple"_s);
+        QCOMPARE(preferences.searchesByMeaning(), false);
+        QCOMPARE(preferences.embeddingModel(), QString());
+        QCOMPARE(preferences.ollamaModel(), QString());
+        QCOMPARE(preferences.lens(), u"moments"_s);
+        QCOMPARE(preferences.isDemo(), false);
+        QCOMPARE(preferences.pausedUntil(), std::optional<Date>());
+        QCOMPARE(preferences.recordsAfterRelaunch(), std::optional<Date>());
+        QCOMPARE(preferences.opensAtLogin(), false);
+        QCOMPARE(preferences.opensAtLoginPath(), QString());
         QCOMPARE(preferences.excludedBundles(),
                  (QStringList{u"com.1password.1password"_s, u"com.agilebits.onepassword7"_s,
                               u"com.apple.Passwords"_s, u"com.apple.keychainaccess"_s,
@@ -73,6 +85,17 @@ savesAddresses=@ByteArray(x)
 recordsAtLaunch=2
 resumesAfterAway=no
 changeMode=any, flicker
+appearanceMode=light, dark
+hasSeenSearchHint=seen
+answerEngine=@Size(3 4)
+searchesByMeaning=1.0
+embeddingModel=a, b
+ollamaModel=@ByteArray(x)
+lens=@Invalid()
+pausedUntil=1700037900
+recordsAfterRelaunch=tomorrow
+opensAtLogin=@Size(3 4)
+opensAtLoginPath=a, b
 excludedBundles=@Size(3 4)
 )"));
         compareWithDefaults(preferences);
@@ -106,8 +129,9 @@ excludedBundles=@Size(3 4)
                              << QStringList{u"a.b"_s, u"c.d"_s};
         QTest::newRow("blanks in quotes")
             << QByteArray("excludedBundles=\" a.b\", \"c.d \"") << QStringList{u"a.b"_s, u"c.d"_s};
-        QTest::newRow("the names of desktop files")
-            << QByteArray("excludedBundles=a.b.desktop, c.d") << QStringList{u"a.b"_s, u"c.d"_s};
+        QTest::newRow("an identity that ends so")
+            << QByteArray("excludedBundles=a.b.desktop, c.d")
+            << QStringList{u"a.b.desktop"_s, u"c.d"_s};
         QTest::newRow("a comma too many")
             << QByteArray("excludedBundles=a.b, ,c.d") << QStringList{u"a.b"_s, u"c.d"_s};
     }
@@ -165,6 +189,18 @@ excludedBundles=@Size(3 4)
             preferences.setSavesAddresses(false);
             preferences.setRecordsAtLaunch(true);
             preferences.setResumesAfterAway(false);
+            preferences.setRetentionDays(0);
+            preferences.setAppearanceMode(u"dark"_s);
+            preferences.setHasSeenSearchHint(true);
+            preferences.setAnswerEngine(u"local"_s);
+            preferences.setSearchesByMeaning(true);
+            preferences.setEmbeddingModel(u"nomic"_s);
+            preferences.setOllamaModel(u"a model, with a comma"_s);
+            preferences.setLens(u"timeline"_s);
+            preferences.setPausedUntil(Date{1'700'037'900.25});
+            preferences.setRecordsAfterRelaunch(Date{1'700'037'901});
+            preferences.setOpensAtLogin(true);
+            preferences.setOpensAtLoginPath(u"/opt/a b/mossbank"_s);
             preferences.setExcludedBundles({u"a"_s, u"b, with a comma"_s});
         }
         const Preferences again(path);
@@ -177,6 +213,18 @@ excludedBundles=@Size(3 4)
         QCOMPARE(again.savesAddresses(), false);
         QCOMPARE(again.recordsAtLaunch(), true);
         QCOMPARE(again.resumesAfterAway(), false);
+        QCOMPARE(again.retentionDays(), 0);
+        QCOMPARE(again.appearanceMode(), u"dark"_s);
+        QCOMPARE(again.hasSeenSearchHint(), true);
+        QCOMPARE(again.answerEngine(), u"local"_s);
+        QCOMPARE(again.searchesByMeaning(), true);
+        QCOMPARE(again.embeddingModel(), u"nomic"_s);
+        QCOMPARE(again.ollamaModel(), u"a model, with a comma"_s);
+        QCOMPARE(again.lens(), u"timeline"_s);
+        QCOMPARE(again.pausedUntil(), std::optional(Date{1'700'037'900.25}));
+        QCOMPARE(again.recordsAfterRelaunch(), std::optional(Date{1'700'037'901}));
+        QCOMPARE(again.opensAtLogin(), true);
+        QCOMPARE(again.opensAtLoginPath(), u"/opt/a b/mossbank"_s);
         QCOMPARE(again.excludedBundles(), (QStringList{u"a"_s, u"b, with a comma"_s}));
     }
 
@@ -204,6 +252,101 @@ excludedBundles=@Size(3 4)
         preferences.setInterval(10);
         preferences.setInterval(10);
         QCOMPARE(changes.count(), 2);
+    }
+
+    void whatIsDearToRedoIsToldOnlyWhenItIsAnother()
+    {
+        const QTemporaryDir folder;
+        Preferences preferences(folder.filePath(u"choices.ini"_s));
+        QSignalSpy meaning(&preferences, &Preferences::searchesByMeaningChanged);
+        QSignalSpy model(&preferences, &Preferences::embeddingModelChanged);
+        preferences.setSearchesByMeaning(false);
+        preferences.setEmbeddingModel({});
+        QCOMPARE(meaning.count() + model.count(), 0);
+        preferences.setSearchesByMeaning(true);
+        preferences.setEmbeddingModel(u"nomic"_s);
+        QCOMPARE(meaning.count(), 1);
+        QCOMPARE(model.count(), 1);
+        preferences.setSearchesByMeaning(true);
+        preferences.setEmbeddingModel(u"nomic"_s);
+        QCOMPARE(meaning.count() + model.count(), 2);
+    }
+
+    void whatOthersStoreMeanwhileIsKept()
+    {
+        const QTemporaryDir folder;
+        const QString path = write(folder, "[General]\nunknown=1\nlens=ask\n");
+        Preferences preferences(path);
+        QCOMPARE(preferences.lens(), u"ask"_s);
+        {
+            QSettings other(path, QSettings::IniFormat);
+            other.setValue(u"imageQuality"_s, 0.5);
+        }
+        preferences.setExcludedBundles({u"a.b"_s});
+        const QSettings stored(path, QSettings::IniFormat);
+        QCOMPARE(stored.value(u"unknown"_s).toString(), u"1"_s);
+        QCOMPARE(stored.value(u"lens"_s).toString(), u"ask"_s);
+        QCOMPARE(stored.value(u"imageQuality"_s).toDouble(), 0.5);
+        QCOMPARE(stored.value(u"excludedBundles"_s).toStringList(), QStringList{u"a.b"_s});
+    }
+
+    void theSampleLibraryHasItsOwn()
+    {
+        const Preferences sample(Preferences::Sample{}, {u"keepassxc"_s});
+        const QTemporaryDir folder;
+        const Preferences fresh(folder.filePath(u"none.ini"_s), {u"keepassxc"_s});
+        QVERIFY(sample.isDemo());
+        QVERIFY(sample.isReadable());
+        QVERIFY(!sample.hasChosenAddresses());
+        QCOMPARE(sample.path(), QString());
+        QCOMPARE(sample.capturesOnAppSwitch(), false);
+        QCOMPARE(sample.hasSeenSearchHint(), true);
+        QCOMPARE(sample.savesAddresses(), false);
+        QCOMPARE(sample.answerEngine(), u"apple"_s);
+        QCOMPARE(sample.searchesByMeaning(), false);
+        QCOMPARE(sample.embeddingModel(), QString());
+        // The rest is as everywhere.
+        QCOMPARE(sample.interval(), fresh.interval());
+        QCOMPARE(sample.retentionDays(), fresh.retentionDays());
+        QCOMPARE(sample.imageQuality(), fresh.imageQuality());
+        QCOMPARE(sample.skipsUnchangedScreens(), fresh.skipsUnchangedScreens());
+        QCOMPARE(sample.changeMode(), fresh.changeMode());
+        QCOMPARE(sample.appearanceMode(), fresh.appearanceMode());
+        QCOMPARE(sample.unchangedRefreshMinutes(), fresh.unchangedRefreshMinutes());
+        QCOMPARE(sample.recordsAtLaunch(), fresh.recordsAtLaunch());
+        QCOMPARE(sample.resumesAfterAway(), fresh.resumesAfterAway());
+        QCOMPARE(sample.lens(), fresh.lens());
+        QCOMPARE(sample.excludedBundles(), fresh.excludedBundles());
+        const Preferences told(
+            Preferences::Sample{.answerEngine = u"local"_s, .embeddingModel = u"nomic"_s});
+        QCOMPARE(told.answerEngine(), u"local"_s);
+        QCOMPARE(told.embeddingModel(), u"nomic"_s);
+        QCOMPARE(told.searchesByMeaning(), true);
+    }
+
+    void theSampleLibraryStoresNothing()
+    {
+        const QTemporaryDir folder;
+        const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+        Preferences sample{Preferences::Sample{}};
+        QSignalSpy changes(&sample, &Preferences::intervalChanged);
+        QSignalSpy failures(&sample, &Preferences::cannotBeStored);
+        sample.setInterval(5);
+        sample.setExcludedBundles({});
+        sample.setPausedUntil(Date{1'700'037'900});
+        sample.setRecordsAfterRelaunch(Date{1'700'037'900});
+        sample.setOpensAtLogin(true);
+        // It counts while the program runs.
+        QCOMPARE(sample.interval(), 5.0);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(sample.excludedBundles(), QStringList());
+        QCOMPARE(failures.count(), 0);
+        QCOMPARE(sample.pausedUntil(), std::optional<Date>());
+        QCOMPARE(sample.recordsAfterRelaunch(), std::optional<Date>());
+        QCOMPARE(sample.opensAtLogin(), false);
+        QVERIFY(QDir(folder.path()).isEmpty());
+        qputenv("XDG_CONFIG_HOME", before);
     }
 };
 

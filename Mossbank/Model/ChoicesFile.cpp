@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Model/ChoicesFile.h"
+
+#include "Mossbank/Model/Texts.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <cmath>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// The settings keep to themselves what went wrong, so it is tried once more, up to the point where
+/// the file would be put in place of the one that is there.
+QString whyUnwritable(const QString& path)
+{
+    constexpr int kSomeBytes = 4096;
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(QByteArray(kSomeBytes, '\n')) == kSomeBytes &&
+        file.flush())
+        return localized("%1 cannot be written").arg(path);
+    return file.errorString();
+}
+
+} // namespace
+
+ChoicesFile::ChoicesFile(const std::optional<QString>& path)
+{
+    if (!path)
+        return;
+    m_settings.emplace(*path, QSettings::IniFormat);
+    const QFileInfo file(*path);
+    m_isReadable = m_settings->status() == QSettings::NoError && !file.isDir() &&
+                   (!file.exists() || file.isReadable());
+}
+
+QString ChoicesFile::path() const
+{
+    return m_settings ? m_settings->fileName() : QString();
+}
+
+bool ChoicesFile::contains(const QString& key) const
+{
+    return m_settings && m_settings->contains(key);
+}
+
+QVariant ChoicesFile::value(const QString& key) const
+{
+    return m_settings ? m_settings->value(key) : QVariant();
+}
+
+double ChoicesFile::number(const QString& key, double fallback) const
+{
+    bool isNumber = false;
+    const double stored = value(key).toDouble(&isNumber);
+    return isNumber && std::isfinite(stored) ? stored : fallback;
+}
+
+int ChoicesFile::wholeNumber(const QString& key, int fallback) const
+{
+    bool isNumber = false;
+    const int stored = value(key).toInt(&isNumber);
+    return isNumber ? stored : fallback;
+}
+
+bool ChoicesFile::flag(const QString& key, bool fallback) const
+{
+    const QVariant stored = value(key);
+    if (stored.typeId() == QMetaType::Bool)
+        return stored.toBool();
+    // QVariant takes any text for true.
+    const QString written = word(key, {}).toLower();
+    if (written == u"true" || written == u"1")
+        return true;
+    if (written == u"false" || written == u"0")
+        return false;
+    return fallback;
+}
+
+QString ChoicesFile::word(const QString& key, const QString& fallback) const
+{
+    const QVariant stored = value(key);
+    return stored.typeId() == QMetaType::QString ? stored.toString() : fallback;
+}
+
+QStringList ChoicesFile::list(const QString& key, const QStringList& fallback) const
+{
+    if (!contains(key))
+        return fallback;
+    const QVariant stored = value(key);
+    // An empty list is stored as a value that is none, and a list of one as that one.
+    if (!stored.isValid())
+        return {};
+    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
+        return fallback;
+    return stored.toStringList();
+}
+
+void ChoicesFile::store(const QString& key, const QVariant& value)
+{
+    if (m_settings)
+        m_settings->setValue(key, value);
+}
+
+void ChoicesFile::remove(const QString& key)
+{
+    if (m_settings)
+        m_settings->remove(key);
+}
+
+std::optional<QString> ChoicesFile::makeSure()
+{
+    if (!m_settings)
+        return std::nullopt;
+    m_settings->sync();
+    // What went wrong with a file once, its object says for ever; a fresh one, what is so now.
+    const bool isStored = QSettings(path(), QSettings::IniFormat).status() == QSettings::NoError;
+    if (std::exchange(m_isStored, isStored) && !isStored)
+        return whyUnwritable(path());
+    return std::nullopt;
+}
+
+} // namespace mossbank
