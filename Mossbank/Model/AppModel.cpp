@@ -3,6 +3,7 @@
 
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
+#include "Mossbank/Ports/Appearance.h"
 #include "Mossbank/Ports/Screen.h"
 #include "MossbankCore/Library/AesGcm.h"
 #include "MossbankCore/Library/VaultKey.h"
@@ -49,6 +50,7 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_screen(surroundings.screen)
     , m_preferences(surroundings.preferences)
     , m_addressSource(surroundings.addresses)
+    , m_appearance(surroundings.appearance)
     , m_store(std::move(library.store))
     , m_vault(std::move(library.vault))
     , m_addresses(surroundings.addresses, surroundings.clock)
@@ -60,10 +62,19 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_pauses(surroundings, m_timedPause, m_recorder)
     , m_exclusions(surroundings, m_recorder)
     , m_housekeeping(surroundings, m_recorder, m_store.get())
+    , m_loginItem(surroundings.loginService, surroundings.preferences, m_recorder)
+    , m_quitGuard(surroundings, m_recorder)
+    , m_launch(surroundings, {.recorder = m_recorder,
+                              .pauses = m_pauses,
+                              .housekeeping = m_housekeeping,
+                              .loginItem = m_loginItem,
+                              .quitGuard = m_quitGuard})
 {
     m_afterSave.follow(m_housekeeping);
     connect(&m_preferences, &Preferences::cannotBeStored, this, &AppModel::tellOfUnstored);
     connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);
+    connect(&m_preferences, &Preferences::appearanceModeChanged, this, &AppModel::applyAppearance);
+    connect(&m_quitGuard, &QuitGuard::terminates, this, &AppModel::prepareToQuit);
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);
 }
@@ -75,24 +86,26 @@ QStringList AppModel::displayNames() const
     return m_screen.displayNames();
 }
 
-void AppModel::finishedLaunching()
+void AppModel::finishedLaunching(bool atLogin)
 {
+    applyAppearance();
     m_exclusions.watchActiveApps();
-    m_startingUp = Job::start(&AppModel::startUp, this);
+    m_loginItem.refresh();
+    m_launch.startUp();
     // It lasts for a session of the desktop; the choice, once made, lasts for good.
     if (m_preferences.hasChosenAddresses())
         followAddresses();
-    if (m_pauses.resumeStoredPause())
-        return;
-    if (m_preferences.recordsAtLaunch())
-        m_recorder.startWithoutAsking();
+    m_launch.finishedLaunching(atLogin);
 }
 
-QCoro::Task<> AppModel::startUp(Cancellation cancellation)
+void AppModel::applyAppearance()
 {
-    co_await m_housekeeping.tidyImages();
-    if (!cancellation.isRequested())
-        co_await m_housekeeping.sealScreenshotsFromBeforeEncryption(cancellation);
+    if (m_preferences.isDemo())
+        return;
+    const QString mode = m_preferences.appearanceMode();
+    m_appearance.apply(mode == u"light"  ? Appearance::Mode::Light
+                       : mode == u"dark" ? Appearance::Mode::Dark
+                                         : Appearance::Mode::System);
 }
 
 void AppModel::followAddresses()
@@ -125,7 +138,7 @@ void AppModel::prepareToQuit()
 {
     m_pauses.rest();
     if (m_recorder.isRecording())
-        m_recorder.stop();
+        m_recorder.stopForEnd();
     if (!m_recorder.isCapturing()) {
         Q_EMIT readyToQuit();
         return;

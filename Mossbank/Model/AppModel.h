@@ -5,7 +5,10 @@
 #include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/Exclusions.h"
 #include "Mossbank/Model/Housekeeping.h"
+#include "Mossbank/Model/Launch.h"
+#include "Mossbank/Model/LoginItem.h"
 #include "Mossbank/Model/Pauses.h"
+#include "Mossbank/Model/QuitGuard.h"
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Model/TimedPause.h"
 #include "MossbankCore/Library/HistoryStore.h"
@@ -55,6 +58,9 @@ public:
     const TimedPause& timedPause() const { return m_timedPause; }
     Exclusions& exclusions() { return m_exclusions; }
     Housekeeping& housekeeping() { return m_housekeeping; }
+    LoginItem& loginItem() { return m_loginItem; }
+    QuitGuard& quitGuard() { return m_quitGuard; }
+    Launch& launch() { return m_launch; }
     /// What the user calls the displays, the main one first.
     QStringList displayNames() const;
     /// Absent when the library could not be opened.
@@ -62,27 +68,27 @@ public:
     /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.
     const std::optional<ImageVault>& vault() const { return m_vault; }
 
-    /// What is done once everything is up: the library is put in order in the background; a pause
-    /// of the last run goes on, or else recording starts if the user asked for that.
-    void finishedLaunching();
-
-    /// Stops recording. `readyToQuit` follows when what was being saved is saved, or after ten
-    /// seconds.
-    void prepareToQuit();
+    /// Once, when everything is up: from now on it follows the desktop, and what is to come back by
+    /// itself does. `atLogin`: the desktop started the program, and not the user.
+    void finishedLaunching(bool atLogin);
 
 Q_SIGNALS:
+    /// The program is to end, and recording has stopped: what was being saved is saved, or ten
+    /// seconds were not enough for it.
     void readyToQuit();
 
 private:
+    void applyAppearance();
     void followAddresses();
-    QCoro::Task<> startUp(Cancellation cancellation);
     void tellOfUnstored(const QString& reason);
+    void prepareToQuit();
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
     Clock& m_clock;
     Screen& m_screen;
     Preferences& m_preferences;
     AddressSource& m_addressSource;
+    Appearance& m_appearance;
     std::unique_ptr<HistoryStore> m_store;
     std::optional<ImageVault> m_vault;
     BrowserAddress m_addresses;
@@ -92,8 +98,10 @@ private:
     Pauses m_pauses;
     Exclusions m_exclusions;
     Housekeeping m_housekeeping;
-    /// Last: they are cancelled before anything above goes.
-    Job m_startingUp;
+    LoginItem m_loginItem;
+    QuitGuard m_quitGuard;
+    Launch m_launch;
+    /// Last: cancelled before anything above goes.
     Job m_quitting;
 };
 

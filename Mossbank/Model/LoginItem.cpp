@@ -65,6 +65,8 @@ void LoginItem::keepWithThisCopy()
 
 void LoginItem::refresh()
 {
+    if (m_preferences.isDemo())
+        return;
     const State state = stateOf(m_service.status());
     if (state == m_state)
         return;
@@ -79,6 +81,8 @@ void LoginItem::setOpensAtLogin(bool opens)
     if (const auto message = set(opens))
         m_recorder.setErrorMessage(message);
     refresh();
+    if (m_preferences.isDemo())
+        return;
     const bool isOn = m_state == State::On;
     if (opens ? isOn || m_state == State::NeedsApproval : !isOn) {
         m_preferences.setOpensAtLogin(opens);

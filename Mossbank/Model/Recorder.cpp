@@ -36,7 +36,7 @@ void Recorder::toggleRecording()
     }
     m_neighbours.pauses.cancelPause();
     m_stoppedForAway = false;
-    if (!m_neighbours.store)
+    if (m_around.preferences.isDemo() || !m_neighbours.store)
         return;
     if (!m_around.screen.isAllowed()) {
         m_state.askedForPermission = true;
@@ -67,18 +67,29 @@ void Recorder::stop()
 
 void Recorder::endRecording()
 {
+    standDown();
+    m_around.preferences.removeRecordsAfterRelaunch();
+    m_neighbours.pauses.cancelPause();
+}
+
+void Recorder::standDown()
+{
     m_state.isRecording = false;
     ++m_generation;
     m_stoppedForAway = false;
-    m_around.preferences.removeRecordsAfterRelaunch();
     m_state.nextCaptureAt.reset();
     m_recordingTask = Job();
     stopWatchingAppSwitches();
     // What was saved last is kept: a screen that stays the same across a stop is still skipped.
     m_seen.forgetMotion();
     restRecognizer();
-    m_neighbours.pauses.cancelPause();
     m_state.status = RecorderTexts::idle();
+}
+
+void Recorder::stopForEnd()
+{
+    standDown();
+    tellChanges();
 }
 
 void Recorder::restRecognizer()

@@ -78,6 +78,8 @@ public:
     void stopForAbsence(const QString& message);
     /// Stops for a pause that `begin` begins, and says so.
     void stopForPause(const QString& message, const std::function<void()>& begin);
+    /// Stops because the program ends. What is stored for its next start stays.
+    void stopForEnd();
     /// Starts recording if that is allowed already, and never has the system ask: for every start
     /// that the user did not press a button for.
     void startWithoutAsking();
@@ -132,6 +134,8 @@ private:
 
     /// Ends the recording without a signal, so that whoever does it for a reason can say so first.
     void endRecording();
+    /// The same, and what is stored for the next start stays.
+    void standDown();
     void stopForLostPermission();
     void stopForFailure(const QString& reason);
     /// Has the recogniser forget what it read and give its memory back.

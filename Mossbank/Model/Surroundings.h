@@ -6,10 +6,14 @@
 namespace mossbank {
 
 class AddressSource;
+class Appearance;
 class ApplicationChooser;
 class Clock;
 class FrontApplication;
+class LoginService;
 class Preferences;
+class QuitQuestion;
+class Relauncher;
 class Screen;
 class ScreenState;
 class SecureInput;
@@ -28,6 +32,10 @@ struct Surroundings {
     SessionEvents& sessionEvents;
     AddressSource& addresses;
     ApplicationChooser& applicationChooser;
+    Appearance& appearance;
+    LoginService& loginService;
+    QuitQuestion& quitQuestion;
+    Relauncher& relauncher;
     TextRecognizer& recognizer;
     Preferences& preferences;
 };

@@ -9,12 +9,16 @@
 namespace mossbank {
 
 /// What tells that the user leaves and comes back: sleep and wake, the screen's lock, the change to
-/// another user's session. Under which names, `InactivityEvent` and `ReturnEvent` say.
+/// another user's session. Under which names, `InactivityEvent` and `ReturnEvent` say. It tells
+/// also of the end of all that.
 ///
 /// Threading: the main thread.
 /// Errors: none. What cannot be told is not told, and `availability` says so.
 class SessionEvents {
 public:
+    /// Told by `workspace`: the machine, or the session with all that runs in it, is about to end.
+    static constexpr char16_t kWillPowerOff[] = u"NSWorkspaceWillPowerOffNotification";
+
     SessionEvents() = default;
     virtual ~SessionEvents() = default;
     SessionEvents(const SessionEvents&) = delete;
@@ -22,7 +26,7 @@ public:
 
     virtual Availability availability() const = 0;
 
-    /// Tells of sleep, wake and the session.
+    /// Tells of sleep, wake, the session and the end.
     virtual NotificationCenter& workspace() = 0;
     /// Tells of the lock.
     virtual NotificationCenter& distributed() = 0;

@@ -57,7 +57,7 @@ private Q_SLOTS:
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QVERIFY(model.store());
         QVERIFY(!model.recorder().isRecording());
-        model.finishedLaunching();
+        model.finishedLaunching(false);
         QCOMPARE(model.recorder().isRecording(), recordsAtLaunch);
         QVERIFY(!model.recorder().errorMessage());
     }
@@ -81,7 +81,7 @@ private Q_SLOTS:
             QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'600'000'000),
                                      QFile::FileModificationTime));
         }
-        model.finishedLaunching();
+        model.finishedLaunching(false);
         QTRY_COMPARE(rig.clock.sleepers(), std::size_t(1)); // between two batches
         rig.clock.advance(0.2);
         QTRY_COMPARE(model.recorder().status(), u"Encrypted 1 screenshot saved earlier"_s);
@@ -96,7 +96,7 @@ private Q_SLOTS:
         model.recorder().stop();
         const QString first = model.store()->fetch({}).result().at(0).id;
         rig.clock.advance(31 * 86'400.0);
-        model.finishedLaunching();
+        model.finishedLaunching(false);
         QCoreApplication::processEvents();
         QCOMPARE(model.store()->fetch({}).result().size(), 1);
         rig.drawBlock({0, 0, 200, 150});
@@ -110,7 +110,7 @@ private Q_SLOTS:
     {
         RecorderRig rig(false);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
-        model.finishedLaunching();
+        model.finishedLaunching(false);
         // Nobody chose yet.
         QCOMPARE(rig.addresses.timesSwitchedOn, 0);
         rig.preferences.setSavesAddresses(false);
@@ -148,7 +148,7 @@ private Q_SLOTS:
         rig.preferences.setSavesAddresses(savesAddresses);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
         QCOMPARE(rig.addresses.timesSwitchedOn, 0);
-        model.finishedLaunching();
+        model.finishedLaunching(false);
         QCOMPARE(rig.addresses.timesSwitchedOn, savesAddresses ? 1 : 0);
         QCOMPARE(model.recorder().status(), u"Recording is off"_s);
         QCOMPARE(model.recorder().errorMessage(),
@@ -163,7 +163,7 @@ private Q_SLOTS:
         QVERIFY(blocking.open(QIODevice::WriteOnly));
         rig.preferences.setRecordsAtLaunch(true);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
-        model.finishedLaunching();
+        model.finishedLaunching(false);
         QVERIFY(!model.store());
         QVERIFY(!model.recorder().isRecording());
         const QString message = model.recorder().errorMessage().value_or(QString());
@@ -273,7 +273,7 @@ private Q_SLOTS:
         FakeKeychain keychain;
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QSignalSpy ready(&model, &AppModel::readyToQuit);
-        model.prepareToQuit();
+        model.quitGuard().quit(QuitGuard::Cause::Session);
         QCOMPARE(ready.count(), 1);
     }
 
@@ -286,7 +286,7 @@ private Q_SLOTS:
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.recorder().toggleRecording();
         QTRY_COMPARE(rig.screen.contentsAsked, 1);
-        model.prepareToQuit();
+        model.quitGuard().quit(QuitGuard::Cause::Session);
         QTRY_COMPARE(rig.clock.sleepers(), std::size_t(1));
         rig.clock.advance(9.9);
         QCOMPARE(ready.count(), 0);
@@ -306,7 +306,7 @@ private Q_SLOTS:
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.recorder().toggleRecording();
         QTRY_COMPARE(rig.recognizer.readings(), 1);
-        model.prepareToQuit();
+        model.quitGuard().quit(QuitGuard::Cause::Session);
         QVERIFY(!model.recorder().isRecording());
         QTest::qWait(20);
         QCOMPARE(ready.count(), 0);

@@ -8,8 +8,10 @@
 #include "tests/Fakes/FakeAddressSource.h"
 #include "tests/Fakes/FakeApplicationChooser.h"
 #include "tests/Fakes/FakeClock.h"
+#include "tests/Fakes/FakeDesktop.h"
 #include "tests/Fakes/FakeFrontApplication.h"
 #include "tests/Fakes/FakeGuards.h"
+#include "tests/Fakes/FakeLoginService.h"
 #include "tests/Fakes/FakeNeighbours.h"
 #include "tests/Fakes/FakeScreen.h"
 #include "tests/Fakes/FakeSessionEvents.h"
@@ -48,6 +50,10 @@ public:
     FakeSessionEvents sessionEvents;
     FakeAddressSource addresses;
     FakeApplicationChooser applicationChooser;
+    FakeAppearance appearance;
+    FakeLoginService loginService;
+    FakeQuitQuestion quitQuestion;
+    FakeRelauncher relauncher;
     FakeTextRecognizer recognizer{{QStringLiteral("first line"), QStringLiteral("second line")}};
     Preferences preferences{folder.filePath(QStringLiteral("choices.ini"))};
     FakePauses pauses;
@@ -86,7 +92,10 @@ public:
                                                                    .store = store.get()});
     }
 
-    Surroundings surroundings()
+    Surroundings surroundings() { return surroundings(preferences); }
+
+    /// The same with other choices, which outlive what is made of them.
+    Surroundings surroundings(Preferences& choices)
     {
         return {.clock = clock,
                 .calendar = [] { return Calendar(QTimeZone::utc(), QLocale::c()); },
@@ -97,8 +106,12 @@ public:
                 .sessionEvents = sessionEvents,
                 .addresses = addresses,
                 .applicationChooser = applicationChooser,
+                .appearance = appearance,
+                .loginService = loginService,
+                .quitQuestion = quitQuestion,
+                .relauncher = relauncher,
                 .recognizer = recognizer,
-                .preferences = preferences};
+                .preferences = choices};
     }
 
     QString libraryRoot() const { return folder.filePath(QStringLiteral("Library")); }

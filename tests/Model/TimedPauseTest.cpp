@@ -91,7 +91,7 @@ private Q_SLOTS:
         else
             happens(u"lock"_s);
         settle();
-        m_model->prepareToQuit();
+        m_model->quitGuard().quit(QuitGuard::Cause::Session);
         m_rig->state.isLockedNow = false;
         happens(u"unlock"_s);
         pass(4000);
@@ -204,7 +204,7 @@ private Q_SLOTS:
                  std::optional(kMorning + 3600));
         launch();
         m_rig->clock.advance(600);
-        m_model->finishedLaunching();
+        m_model->finishedLaunching(false);
         settle();
         QVERIFY(!recorder().isRecording());
         QCOMPARE(m_model->timedPause().pausedUntil(), std::optional(kMorning + 3600));
@@ -235,21 +235,10 @@ private Q_SLOTS:
                 file.setValue(u"recordsAtLaunch"_s, recordsAtLaunch);
             }
             Preferences preferences(m_rig->folder.filePath(u"stored.ini"_s));
-            Surroundings surroundings = m_rig->surroundings();
             m_rig->clock.setNow(kMorning);
-            AppModel model({.clock = surroundings.clock,
-                            .calendar = surroundings.calendar,
-                            .screen = surroundings.screen,
-                            .frontApplication = surroundings.frontApplication,
-                            .screenState = surroundings.screenState,
-                            .secureInput = surroundings.secureInput,
-                            .sessionEvents = surroundings.sessionEvents,
-                            .addresses = surroundings.addresses,
-                            .applicationChooser = surroundings.applicationChooser,
-                            .recognizer = surroundings.recognizer,
-                            .preferences = preferences},
+            AppModel model(m_rig->surroundings(preferences),
                            OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-            model.finishedLaunching();
+            model.finishedLaunching(false);
             QVERIFY(!model.timedPause().isPaused());
             QCOMPARE(model.recorder().isRecording(), recordsAtLaunch);
             const QSettings file(preferences.path(), QSettings::IniFormat);
