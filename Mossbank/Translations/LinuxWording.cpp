@@ -15,6 +15,10 @@ struct Wording {
 };
 
 constexpr Wording kWordings[] = {
+    {"Quit, and nothing more is saved until Mossbank is opened again. Closing the window instead "
+     "keeps it recording from the menu bar.",
+     "Quit, and nothing more is saved until Mossbank is opened again. Closing the window instead "
+     "keeps it recording in the background."},
     {"Paused when your Mac went to sleep", "Paused when this computer went to sleep"},
     {"Screen recording permission is unavailable. Enable it in System Settings, then reopen "
      "Mossbank.",

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
 
-#include "Mossbank/Model/Texts.h"
 #include "Mossbank/Views/ApplicationChooser/ApplicationChoices.h"
 #include "Mossbank/Views/ApplicationIcons.h"
+#include "Mossbank/Views/QuickWindow.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <QPromise>
-#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
 
@@ -26,18 +25,9 @@ public:
         m_answer.start();
         connect(&m_choices, &ApplicationChoices::chosen, this, &Opened::end);
         connect(&m_choices, &ApplicationChoices::cancelled, this, [this] { end(std::nullopt); });
-        m_engine.addImportPath(u"qrc:/"_s);
         m_engine.addImageProvider(QString::fromUtf16(ApplicationIcons::kID), new ApplicationIcons);
-        QQmlComponent component(
-            &m_engine,
-            QUrl(u"qrc:/Mossbank/Views/ApplicationChooser/ApplicationChooserView.qml"_s));
-        if (component.isReady()) {
-            m_window.reset(qobject_cast<QQuickWindow*>(component.createWithInitialProperties(
-                {{u"choices"_s, QVariant::fromValue(&m_choices)}})));
-        }
-        if (!m_window)
-            throw Failure(localized("The window could not be opened: %1")
-                              .arg(component.errorString().simplified()));
+        m_window = makeQuickWindow(m_engine, u"ApplicationChooser/ApplicationChooserView.qml"_s,
+                                   {{u"choices"_s, QVariant::fromValue(&m_choices)}});
     }
     ~Opened() override { end(std::nullopt); }
 
@@ -45,11 +35,7 @@ public:
 
     bool hasEnded() const { return m_hasEnded; }
 
-    void bringToFront()
-    {
-        m_window->raise();
-        m_window->requestActivate();
-    }
+    QQuickWindow& window() { return *m_window; }
 
 private:
     // Called by what it lets go, which must not go under its own feet.
@@ -84,7 +70,7 @@ ApplicationChooserWindow::~ApplicationChooserWindow()
 QFuture<std::optional<Application>> ApplicationChooserWindow::choose(const QString& title)
 {
     if (m_opened && !m_opened->hasEnded()) {
-        m_opened->bringToFront();
+        bringToFront(m_opened->window());
         return QtFuture::makeReadyFuture(std::optional<Application>());
     }
     try {
