@@ -90,6 +90,26 @@ private Q_SLOTS:
                      qPrintable(u"%1, %2, %3"_s.arg(before).arg(warm).arg(residentMegabytes())));
     }
 
+    void whatIsNotNeededForAWhileIsGivenBack()
+    {
+        const auto recognizer = makeTextRecognizer();
+        const QImage picture = screen(kArticle, kTalk);
+        const qint64 before = residentMegabytes();
+        const QStringList read = recognizer->recognize(picture, {});
+        const qint64 warm = residentMegabytes();
+        QVERIFY2(warm > before + 30, qPrintable(u"%1, %2"_s.arg(before).arg(warm)));
+        const auto isGivenBack = [&] {
+            return residentMegabytes() < before + (warm - before) / 2;
+        };
+        QVERIFY2(QTest::qWaitFor(isGivenBack, 20'000),
+                 qPrintable(u"%1, %2, %3"_s.arg(before).arg(warm).arg(residentMegabytes())));
+        // One engine is kept, and what the last picture said.
+        QVERIFY(residentMegabytes() > before + 10);
+        QCOMPARE(recognizer->recognize(picture, {}), read);
+        const QImage another = screen(kTalk, kArticle);
+        QCOMPARE(recognizer->recognize(another, {}), makeTextRecognizer()->recognize(another, {}));
+    }
+
     void whatChangedReadsAsInAFreshReading_data()
     {
         QTest::addColumn<QImage>("picture");

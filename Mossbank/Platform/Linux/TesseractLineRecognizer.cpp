@@ -4,8 +4,10 @@
 #include "Mossbank/Platform/Linux/TesseractLanguages.h"
 #include "MossbankCore/Support/Failure.h"
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QMutex>
+#include <QTimer>
 
 #include <locale.h>
 #include <malloc.h>
@@ -123,9 +125,16 @@ QList<RecognizedWord> read(Engine& engine, const QImage& line)
 } // namespace
 
 /// The engines that are loaded. Loading one takes far longer than reading a line, and each holds
-/// tens of megabytes.
-class TesseractLineRecognizer::Engines {
+/// some fifteen megabytes. So they stay while pictures are read one after the other; in between one
+/// is kept, for the lines that the next picture begins with.
+class TesseractLineRecognizer::Engines : public QObject {
 public:
+    Engines()
+    {
+        m_untilThinnedOut.setSingleShot(true);
+        connect(&m_untilThinnedOut, &QTimer::timeout, this, &Engines::thinOut);
+    }
+
     QList<RecognizedWord> read(const QImage& line, const EngineKind& kind)
     {
         const ThreadSettings settings;
@@ -133,6 +142,9 @@ public:
         QList<RecognizedWord> words = mossbank::read(*engine, line);
         std::unique_ptr<Engine> tooMany;
         const QMutexLocker lock(&m_mutex);
+        m_sinceUse.start();
+        if (!std::exchange(m_isWaiting, true))
+            QMetaObject::invokeMethod(this, &Engines::wait, Qt::QueuedConnection);
         const bool isExpected = m_installed.expected.contains(kind.language);
         std::list<std::unique_ptr<Engine>>& idle = isExpected ? m_idle : m_idleOthers;
         idle.push_front(std::move(engine));
@@ -174,9 +186,7 @@ public:
             m_idleOthers.clear();
             m_installed = {};
         }
-        // Its dictionaries, and then what was freed: the allocator keeps that for the next time.
-        tesseract::TessBaseAPI::ClearPersistentCache();
-        ::malloc_trim(0);
+        giveBack();
     }
 
 private:
@@ -185,6 +195,42 @@ private:
     static constexpr std::size_t kMostIdle = 2 * kMostExpected;
     /// Of one thread in four of the others, and of a second one in what was found.
     static constexpr std::size_t kMostIdleOthers = 5;
+    static constexpr std::chrono::milliseconds kUntilThinnedOut = std::chrono::seconds(5);
+
+    /// On the thread of the owner, which has an event loop; without one they all stay.
+    void wait() { m_untilThinnedOut.start(kUntilThinnedOut); }
+
+    void thinOut()
+    {
+        std::list<std::unique_ptr<Engine>> unused;
+        {
+            const QMutexLocker lock(&m_mutex);
+            const auto left = kUntilThinnedOut - std::chrono::milliseconds(m_sinceUse.elapsed());
+            if (left > std::chrono::milliseconds(0)) {
+                m_untilThinnedOut.start(left);
+                return;
+            }
+            m_isWaiting = false;
+            const EngineKind first = {m_installed.expected.value(0)};
+            const auto kept = std::ranges::find(m_idle, first, &Engine::kind);
+            unused.splice(unused.end(), m_idle, m_idle.begin(), kept);
+            if (kept != m_idle.end())
+                unused.splice(unused.end(), m_idle, std::next(kept), m_idle.end());
+            unused.splice(unused.end(), m_idleOthers);
+        }
+        if (unused.empty())
+            return;
+        unused.clear();
+        giveBack();
+    }
+
+    /// Tesseract's dictionaries, and then what was freed: the allocator keeps that for the next
+    /// time.
+    static void giveBack()
+    {
+        tesseract::TessBaseAPI::ClearPersistentCache();
+        ::malloc_trim(0);
+    }
 
     /// The names of all models that there are.
     static QStringList models()
@@ -225,6 +271,9 @@ private:
     std::list<std::unique_ptr<Engine>> m_idle;
     std::list<std::unique_ptr<Engine>> m_idleOthers;
     LineLanguages m_installed;
+    QElapsedTimer m_sinceUse;
+    bool m_isWaiting = false;
+    QTimer m_untilThinnedOut;
 };
 
 TesseractLineRecognizer::TesseractLineRecognizer()
