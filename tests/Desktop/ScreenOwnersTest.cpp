@@ -24,6 +24,13 @@ QStringList allBut(const ScreenContent& content, const QStringList& excluded)
     return included;
 }
 
+/// As a window manager marks what it looks after.
+void markAsManaged(quint32 window)
+{
+    constexpr quint32 kNormal = 1;
+    PaintedWindows().setNumbers(window, "WM_STATE", XCB_ATOM_CARDINAL, {kNormal, XCB_NONE});
+}
+
 bool isVisible(const ScreenContent& content, const QString& bundleID)
 {
     return std::ranges::any_of(content.windows, [&](const ScreenWindow& window) {
@@ -103,6 +110,101 @@ private Q_SLOTS:
         QCOMPARE(pixelsOf(pictureOf(*screen, allBut(content, {})), kRed), kInnerPixels);
         QCOMPARE(pixelsOf(pictureOf(*screen, allBut(content, {kBeta})), kRed), 0);
         QCOMPARE(pixelsOf(pictureOf(*screen, allBut(content, {kAlpha})), kGreen), 0);
+    }
+
+    void aPopupWithAnothersWindowInsideIsOfBoth_data()
+    {
+        QTest::addColumn<bool>("hasWindowManager");
+        QTest::addColumn<QString>("popupClass");
+        QTest::addColumn<bool>("isDeep");
+        for (const bool hasWindowManager : {false, true}) {
+            const char* const manager = hasWindowManager ? "managed" : "unmanaged";
+            QTest::addRow("%s, with a class", manager) << hasWindowManager << u"Alpha"_s << false;
+            QTest::addRow("%s, without a class", manager) << hasWindowManager << QString() << false;
+            QTest::addRow("%s, further inside", manager) << hasWindowManager << QString() << true;
+        }
+    }
+
+    /// A window manager's frame looks like it: it overrides redirection, and holds another's
+    /// window that a window manager looks after.
+    void aPopupWithAnothersWindowInsideIsOfBoth()
+    {
+        QFETCH(bool, hasWindowManager);
+        QFETCH(QString, popupClass);
+        QFETCH(bool, isDeep);
+        const VirtualDesktop desktop({.hasWindowManager = hasWindowManager});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        WindowProgram alpha;
+        WindowProgram beta;
+        QVERIFY(alpha.open({.frame = {900, 700, 40, 40},
+                            .colour = kBlue,
+                            .windowClass = u"Alpha"_s,
+                            .overridesRedirect = true}));
+        const quint32 popup = alpha.open({.frame = kFrame,
+                                          .colour = kGreen,
+                                          .windowClass = popupClass,
+                                          .overridesRedirect = true});
+        QVERIFY(popup);
+        const quint32 parent =
+            isDeep ? alpha.open({.frame = {0, 0, 390, 290}, .colour = kGreen, .parent = popup})
+                   : popup;
+        QVERIFY(parent);
+        const quint32 inner = beta.open(
+            {.frame = kInner, .colour = kRed, .windowClass = u"Beta"_s, .parent = parent});
+        QVERIFY(inner);
+        markAsManaged(inner);
+        const ScreenContent content = screen->content().result();
+        QVERIFY(isVisible(content, kBeta));
+        QVERIFY(isVisible(content, kAlpha));
+        QCOMPARE(pixelsOf(pictureOf(*screen, allBut(content, {})), kRed), kInnerPixels);
+        for (const QString& excluded : {kAlpha, kBeta}) {
+            const QImage picture = pictureOf(*screen, allBut(content, {excluded}));
+            QCOMPARE(pixelsOf(picture, kRed), 0);
+            QCOMPARE(pixelsOf(picture, kGreen), 0);
+        }
+    }
+
+    void whatIsBesideAnothersWindowInAPopupCountsToo()
+    {
+        const VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        WindowProgram alpha;
+        WindowProgram beta;
+        WindowProgram gamma;
+        const quint32 popup = alpha.open({.frame = kFrame,
+                                          .colour = kGreen,
+                                          .windowClass = u"Alpha"_s,
+                                          .overridesRedirect = true});
+        QVERIFY(popup);
+        const quint32 inner = beta.open(
+            {.frame = {0, 0, 50, 50}, .colour = kBlue, .windowClass = u"Beta"_s, .parent = popup});
+        QVERIFY(inner);
+        markAsManaged(inner);
+        const quint32 pane = alpha.open({.frame = kInner, .colour = kGreen, .parent = popup});
+        QVERIFY(pane);
+        QVERIFY(gamma.open(
+            {.frame = {0, 0, 30, 30}, .colour = kRed, .windowClass = u"Gamma"_s, .parent = pane}));
+        const ScreenContent content = screen->content().result();
+        QVERIFY(isVisible(content, kGamma));
+        QCOMPARE(pixelsOf(pictureOf(*screen, allBut(content, {kGamma})), kRed), 0);
+    }
+
+    /// What the window manager has beside frames is not said of the programs in them.
+    void aFrameIsOfTheProgramInsideAlone()
+    {
+        const VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto screen = makeScreen();
+        WindowProgram alpha;
+        QVERIFY(alpha.open({.frame = kFrame, .colour = kGreen, .windowClass = u"Alpha"_s}));
+        const ScreenContent content = screen->content().result();
+        for (const ScreenWindow& window : content.windows) {
+            if (window.isOnScreen && window.frame.contains(kFrame.center()))
+                QCOMPARE(window.owners.size(), 1);
+        }
+        QVERIFY(isVisible(content, kAlpha));
     }
 
     void aWindowOfTwoApplicationsIsToldAsOfBoth()

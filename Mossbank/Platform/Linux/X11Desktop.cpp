@@ -34,6 +34,19 @@ QHash<quint32, qint64> processesOf(const X11Connection& connection,
     return processes;
 }
 
+/// By the window that a window manager has for this. It names itself, so that one that happens to
+/// have the number of a window manager's that has ended is not taken for it.
+std::optional<quint32> managerOf(const X11Connection& connection, std::optional<quint32> window)
+{
+    if (!window)
+        return {};
+    const auto asked =
+        connection.askProperty(*window, connection[Atom::NetSupportingWmCheck], sizeof(quint32));
+    if (readNumber(connection.property(asked).get()) != window)
+        return {};
+    return connection.clientOf(*window);
+}
+
 xcb_res_query_client_ids_cookie_t askProcesses(const X11Connection& connection, quint32 resource)
 {
     const xcb_res_client_id_spec_t spec = {resource, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
@@ -89,6 +102,7 @@ X11Desktop X11Desktop::read(const X11Connection& connection)
     desktop.managed = readNumbers(connection.property(managedAsked).get());
     const auto workspace = readNumber(connection.property(workspaceAsked).get());
     const auto manager = readNumber(connection.property(managerAsked).get());
+    desktop.windowManager = managerOf(connection, manager);
     const auto compositor = connection.reply<xcb_get_selection_owner_reply_t>(compositorAsked);
     desktop.hasCompositor = compositor && compositor->owner != XCB_NONE;
     if (desktop.hasCompositor && manager &&

@@ -21,6 +21,8 @@ struct X11Desktop {
     QList<xcb_window_t> windows;
     /// The windows that the window manager looks after, also minimised ones.
     QList<xcb_window_t> managed;
+    /// The client of the server that manages the windows. Absent where none says so.
+    std::optional<quint32> windowManager;
     /// The workspace that shows, where windows of others are mapped all the same: where the window
     /// manager is the compositor, too, and leaves them out of what it draws. Absent elsewhere.
     /// There a window of another workspace is not mapped, and what is mapped shows, although the

@@ -66,12 +66,6 @@ X11Owner answer(const X11Connection& connection, const AskedOwner& asked)
     return owner;
 }
 
-/// The windows that say whose a top-level one is.
-QList<xcb_window_t> speakersOf(const X11TopLevel& topLevel)
-{
-    return topLevel.clients.isEmpty() ? QList{topLevel.id} : topLevel.clients;
-}
-
 quint32 ownResource(const X11Connection& connection)
 {
     return xcb_get_setup(connection)->resource_id_base;
@@ -137,15 +131,12 @@ public:
     QList<Kin> silent(const X11TopLevel& topLevel) const
     {
         QSet<quint32> heard;
-        for (const xcb_window_t window : speakersOf(topLevel)) {
+        for (const xcb_window_t window : topLevel.speakers()) {
             if (!m_owners.value(window).windowClass.isEmpty())
                 heard.insert(m_connection.clientOf(window));
         }
         const quint32 framer = m_connection.clientOf(topLevel.id);
-        const bool isFrame = std::ranges::none_of(speakersOf(topLevel), [&](xcb_window_t window) {
-            return m_connection.clientOf(window) == framer;
-        });
-        if (isFrame)
+        if (topLevel.isFrame)
             heard.insert(framer);
         QList<Kin> kins;
         for (const quint32 maker : topLevel.makers) {
@@ -161,7 +152,7 @@ public:
         const auto process = m_processes.constFind(maker);
         if (process != m_processes.constEnd())
             kin.processes.insert(*process);
-        for (const xcb_window_t window : speakersOf(topLevel) + topLevel.guests) {
+        for (const xcb_window_t window : topLevel.speakers() + topLevel.guests) {
             const auto said = m_owners.value(window).process;
             if (said && m_connection.clientOf(window) == maker)
                 kin.processes.insert(*said);
@@ -222,7 +213,7 @@ QList<QList<X11Owner>> readOwners(const X11Connection& connection, const X11Desk
     OwnerReader reader(connection, desktop);
     QList<xcb_window_t> windows;
     for (const X11TopLevel& topLevel : topLevels)
-        windows += speakersOf(topLevel) + topLevel.guests;
+        windows += topLevel.speakers() + topLevel.guests;
     reader.read(windows);
 
     QList<QList<OwnerReader::Kin>> silent;
@@ -236,7 +227,7 @@ QList<QList<X11Owner>> readOwners(const X11Connection& connection, const X11Desk
 
     QList<QList<X11Owner>> owners;
     for (qsizetype index = 0; index < topLevels.size(); ++index) {
-        QList<X11Owner> known = reader.named(speakersOf(topLevels[index]));
+        QList<X11Owner> known = reader.named(topLevels[index].speakers());
         for (const OwnerReader::Kin& kin : std::as_const(silent[index])) {
             for (const X11Owner& owner : reader.relatives(kin)) {
                 if (!known.contains(owner))

@@ -54,6 +54,7 @@ QList<X11TopLevel> readShown(const X11Connection& connection, const X11Desktop& 
                           .depth = geometry->depth,
                           .isViewable = isViewable,
                           .overridesRedirect = attributes->override_redirect != 0,
+                          .isFrame = false,
                           .clients = {},
                           .makers = {},
                           .guests = {}});
@@ -158,6 +159,15 @@ void findClients(const X11Connection& connection, QList<X11TopLevel>& topLevels)
     }
 }
 
+void findFrames(const X11Connection& connection, const X11Desktop& desktop,
+                QList<X11TopLevel>& topLevels)
+{
+    for (X11TopLevel& topLevel : topLevels) {
+        topLevel.isFrame = !topLevel.clients.isEmpty() && !topLevel.clients.contains(topLevel.id) &&
+                           desktop.windowManager == connection.clientOf(topLevel.id);
+    }
+}
+
 /// A window of which it is asked what is inside.
 struct Host {
     qsizetype topLevel;
@@ -187,6 +197,9 @@ void findGuests(const X11Connection& connection, QList<X11TopLevel>& topLevels)
             continue;
         QSet<xcb_window_t> hosts(topLevel.guests.cbegin(), topLevel.guests.cend());
         hosts.unite({topLevel.clients.cbegin(), topLevel.clients.cend()});
+        // What a program has beside another's window may hold a third one's.
+        if (!topLevel.isFrame)
+            hosts = {topLevel.id};
         for (const xcb_window_t host : std::as_const(hosts))
             level.append({index, host, xcb_query_tree(connection, host)});
     }
@@ -216,6 +229,7 @@ QList<X11TopLevel> readTopLevels(const X11Connection& connection, const X11Deskt
 {
     QList<X11TopLevel> topLevels = readShown(connection, desktop, scope);
     findClients(connection, topLevels);
+    findFrames(connection, desktop, topLevels);
     findGuests(connection, topLevels);
     topLevels.removeIf([](const X11TopLevel& window) {
         // What is not mapped is of interest only where a window manager has put it away. What the
