@@ -78,13 +78,12 @@ MockedLogind::MockedLogind(TestBus& systemBus, const QString& parameters)
           systemBus, QDBusConnection::SystemBus, kLogind, kLogindPath,
           QStringList{u"--system"_s, u"--template"_s, u"logind"_s} +
               (parameters.isEmpty() ? QStringList() : QStringList{u"--parameters"_s, parameters}))
+    , m_session(kSessionPath)
 {
     m_service.mock(kLogindPath, u"AddSession"_s,
                    {u"c1"_s, u"seat0"_s, quint32{1000}, u"somebody"_s, true});
     // The template lacks it.
-    m_service.mock(
-        kLogindPath, u"AddMethod"_s,
-        {kManager, u"GetSessionByPID"_s, u"u"_s, u"o"_s, u"ret = '%1'"_s.arg(kSessionPath)});
+    answer(u"GetSessionByPID"_s, u"u"_s, u"ret = '%1'"_s.arg(m_session));
 }
 
 MockedLogind::~MockedLogind() = default;
@@ -95,10 +94,31 @@ bool MockedLogind::knowItAsTheUsersOnly()
                             u"name='org.freedesktop.login1.NoSuchSession')"_s;
     const QString orRefusal =
         u"if args[0] != 'auto':\n  %1\nret = '%2'"_s.arg(refusal, kSessionPath);
-    return m_service.mock(kLogindPath, u"AddMethod"_s,
-                          {kManager, u"GetSessionByPID"_s, u"u"_s, u"o"_s, refusal}) &&
-           m_service.mock(kLogindPath, u"AddMethod"_s,
-                          {kManager, u"GetSession"_s, u"s"_s, u"o"_s, orRefusal});
+    return answer(u"GetSessionByPID"_s, u"u"_s, refusal) &&
+           answer(u"GetSession"_s, u"s"_s, orRefusal);
+}
+
+bool MockedLogind::moveTo(const QString& path)
+{
+    m_session = path;
+    const QString code = u"ret = '%1'"_s.arg(path);
+    return answer(u"GetSessionByPID"_s, u"u"_s, code) && answer(u"GetSession"_s, u"s"_s, code);
+}
+
+bool MockedLogind::know(const QVariantMap& properties)
+{
+    return m_service.mock(m_session, u"AddProperties"_s, {kSession, properties});
+}
+
+QString MockedLogind::managerPath()
+{
+    return kLogindPath;
+}
+
+/// `code` is Python, and gives the path of a session.
+bool MockedLogind::answer(const QString& method, const QString& argument, const QString& code)
+{
+    return m_service.mock(kLogindPath, u"AddMethod"_s, {kManager, method, argument, u"o"_s, code});
 }
 
 bool MockedLogind::setLocked(bool isLocked)
@@ -113,7 +133,7 @@ bool MockedLogind::setActive(bool isActive)
 
 bool MockedLogind::tell(const QString& property, const QVariant& value)
 {
-    return m_service.mock(kSessionPath, u"UpdateProperties"_s,
+    return m_service.mock(m_session, u"UpdateProperties"_s,
                           {kSession, QVariantMap{{property, value}}});
 }
 

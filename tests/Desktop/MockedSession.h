@@ -54,6 +54,10 @@ public:
     /// From now on the session is neither that of any process nor known by a name, as for what the
     /// desktop starts as a service of the user's: only "auto" leads to it.
     bool knowItAsTheUsersOnly();
+    /// From now on this object is the session, whether there is such a one or not.
+    bool moveTo(const QString& path);
+    /// Gives the session properties that it had not, which is not told of.
+    bool know(const QVariantMap& properties);
     bool setLocked(bool isLocked);
     bool setActive(bool isActive);
     bool sleep(bool isBeginning);
@@ -66,8 +70,14 @@ public:
 
     QProcess& process() { return m_service.process(); }
 
+    /// An object of it that knows nothing of any session.
+    static QString managerPath();
+
 private:
+    bool answer(const QString& method, const QString& argument, const QString& code);
+
     MockedService m_service;
+    QString m_session;
 };
 
 /// The screen saver of GNOME.

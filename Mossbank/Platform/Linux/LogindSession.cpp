@@ -21,6 +21,8 @@ const QString kManager = u"org.freedesktop.login1.Manager"_s;
 const QString kSession = u"org.freedesktop.login1.Session"_s;
 const QString kProperties = u"org.freedesktop.DBus.Properties"_s;
 const QString kPropertiesChanged = u"PropertiesChanged"_s;
+const QString kLockedHint = u"LockedHint"_s;
+const QString kActive = u"Active"_s;
 
 constexpr int kPatience = 250;
 
@@ -47,6 +49,13 @@ QList<QDBusMessage> questions()
     ask(u"GetSessionByPID"_s, static_cast<quint32>(QCoreApplication::applicationPid()));
     ask(u"GetSession"_s, u"auto"_s);
     return questions;
+}
+
+/// Absent where it is not among them, or is no yes or no.
+std::optional<bool> saidIn(const QVariantMap& properties, const QString& name)
+{
+    const QVariant value = properties.value(name);
+    return value.typeId() == QMetaType::Bool ? std::optional(value.toBool()) : std::nullopt;
 }
 
 } // namespace
@@ -79,14 +88,14 @@ LogindSession::LogindSession(QObject* parent)
 
     // What is so now has to be known before the first look at the screen.
     m_questions = questions();
-    while (!isThere() && !m_questions.isEmpty()) {
+    while (!isFollowed() && !m_questions.isEmpty()) {
         QDBusPendingCall path = askPath();
         path.waitForFinished();
         QDBusPendingCall properties = askProperties(pathIn(path));
         properties.waitForFinished();
         follow(pathIn(path), properties);
     }
-    if (!isThere())
+    if (!isFollowed())
         tryAgainLater();
 }
 
@@ -121,14 +130,18 @@ void LogindSession::askWhetherGoingToSleep()
 void LogindSession::find()
 {
     m_questions = questions();
+    m_saysNothing = false;
     findNext();
 }
 
 void LogindSession::findNext()
 {
-    if (isThere())
+    if (isFollowed())
         return;
     if (m_questions.isEmpty()) {
+        // What one said that has gone stands no longer once another knows nothing of it.
+        if (m_saysNothing)
+            take({}, {});
         tryAgainLater();
         return;
     }
@@ -170,15 +183,19 @@ QString LogindSession::pathIn(const QDBusPendingCall& answer)
 
 bool LogindSession::follow(const QString& path, const QDBusPendingCall& properties)
 {
-    const QDBusPendingReply<QVariantMap> told = properties;
-    if (!told.isValid()) {
+    const QDBusPendingReply<QVariantMap> answer = properties;
+    const QVariantMap all = answer.isValid() ? answer.value() : QVariantMap();
+    const auto isLocked = saidIn(all, kLockedHint);
+    const auto isActive = saidIn(all, kActive);
+    if (!isLocked && !isActive) {
+        m_saysNothing |= answer.isValid();
         if (!path.isEmpty())
             m_bus->disconnect(kService, path, kProperties, kPropertiesChanged, this,
                               SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)));
         return false;
     }
     m_path = path;
-    take(told.value());
+    take(isLocked, isActive);
     return true;
 }
 
@@ -193,17 +210,10 @@ void LogindSession::lose()
     m_path.clear();
 }
 
-void LogindSession::take(const QVariantMap& properties)
+void LogindSession::take(std::optional<bool> isLocked, std::optional<bool> isActive)
 {
-    const auto update = [&](const QString& name, std::optional<bool>& value) {
-        const QVariant told = properties.value(name);
-        if (told.typeId() != QMetaType::Bool || value == told.toBool())
-            return false;
-        value = told.toBool();
-        return true;
-    };
-    const bool hasLockChanged = update(u"LockedHint"_s, m_isLocked);
-    const bool hasActiveChanged = update(u"Active"_s, m_isActive);
+    const bool hasLockChanged = std::exchange(m_isLocked, isLocked) != isLocked;
+    const bool hasActiveChanged = std::exchange(m_isActive, isActive) != isActive;
     if (hasLockChanged)
         Q_EMIT lockedChanged();
     if (hasActiveChanged)
@@ -221,8 +231,11 @@ void LogindSession::onPropertiesChanged(const QString& interface, const QVariant
 {
     if (interface != kSession)
         return;
-    take(changed);
-    if (invalidated.contains(u"LockedHint"_s) || invalidated.contains(u"Active"_s)) {
+    // What it said before stands where it says nothing of use now.
+    const auto isLocked = saidIn(changed, kLockedHint);
+    const auto isActive = saidIn(changed, kActive);
+    take(isLocked ? isLocked : m_isLocked, isActive ? isActive : m_isActive);
+    if (invalidated.contains(kLockedHint) || invalidated.contains(kActive)) {
         lose();
         find();
     }

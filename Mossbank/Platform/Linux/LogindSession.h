@@ -18,7 +18,8 @@ namespace mossbank {
 /// The login session that this program runs in, as logind tells it.
 ///
 /// It is kept current by signals, so asking costs nothing. logind may come and go: what it said
-/// last stands until it says otherwise, for as long as there is a bus to say it on.
+/// last stands until it says otherwise, for as long as there is a bus to say it on. One that knows
+/// the session and says of it neither of the two tells nothing, and is asked again.
 ///
 /// Threading: the main thread. The constructor waits for the first answers, each for a quarter of a
 /// second at most; nothing else waits.
@@ -28,8 +29,10 @@ class LogindSession : public QObject {
 public:
     explicit LogindSession(QObject* parent = nullptr);
 
-    /// Whether logind is there and knows this session.
-    bool isThere() const { return m_bus->isConnected() && !m_path.isEmpty(); }
+    /// Whether logind is there and tells whether this session is locked.
+    bool tellsLock() const { return isFollowed() && m_isLocked.has_value(); }
+    /// Whether it is there and tells whether this session is the one in front.
+    bool tellsActive() const { return isFollowed() && m_isActive.has_value(); }
     /// Absent where nothing said so.
     std::optional<bool> isLocked() const { return known(m_isLocked); }
     /// Whether the session is the one in front. Absent where nothing said so.
@@ -48,6 +51,7 @@ private Q_SLOTS:
                              const QStringList& invalidated);
 
 private:
+    bool isFollowed() const { return m_bus->isConnected() && !m_path.isEmpty(); }
     std::optional<bool> known(const std::optional<bool>& value) const
     {
         return m_bus->isConnected() ? value : std::nullopt;
@@ -62,10 +66,11 @@ private:
     QDBusPendingCall askProperties(const QString& path);
     /// Where the session is, by an answer. Empty when that is none.
     QString pathIn(const QDBusPendingCall& answer);
-    /// False when the answer is none.
+    /// False when the answer is none, or says nothing of use.
     bool follow(const QString& path, const QDBusPendingCall& properties);
     void lose();
-    void take(const QVariantMap& properties);
+    /// Both are as told from now on; absent what was not told.
+    void take(std::optional<bool> isLocked, std::optional<bool> isActive);
 
     BusConnection m_bus;
     QDBusServiceWatcher m_watcher;
@@ -74,6 +79,8 @@ private:
     /// After all were asked in vain.
     QTimer m_untilNextTry;
     bool m_isRunning = false;
+    /// Whether one of the sessions asked for is there and says nothing of use.
+    bool m_saysNothing = false;
     QString m_path;
     std::optional<bool> m_isLocked;
     std::optional<bool> m_isActive;

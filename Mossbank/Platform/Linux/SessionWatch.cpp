@@ -47,9 +47,12 @@ void SessionWatch::followLock()
 
 void SessionWatch::followSession()
 {
-    m_workspace.post(m_logind.isActive() == true
-                         ? ReturnEvent(ReturnEvent::SessionActive).name()
-                         : InactivityEvent(InactivityEvent::SessionResigned).name());
+    const auto isActive = m_logind.isActive();
+    // Nothing said is neither a leaving nor a return.
+    if (!isActive)
+        return;
+    m_workspace.post(*isActive ? ReturnEvent(ReturnEvent::SessionActive).name()
+                               : InactivityEvent(InactivityEvent::SessionResigned).name());
 }
 
 void SessionWatch::followSleep()
@@ -73,10 +76,10 @@ LinuxScreenState::LinuxScreenState(std::shared_ptr<SessionWatch> watch)
 
 Availability LinuxScreenState::availability() const
 {
-    if (m_watch->logind().isThere() || m_watch->screenSavers().isThere())
+    if (m_watch->logind().tellsLock() || m_watch->screenSavers().isThere())
         return {};
     return Availability::missing(u"Mossbank cannot tell when the screen is locked: neither logind "
-                                 "nor a screen saver of the desktop answers."_s);
+                                 "nor a screen saver of the desktop tells."_s);
 }
 
 LinuxSessionEvents::LinuxSessionEvents(std::shared_ptr<SessionWatch> watch)
@@ -86,7 +89,7 @@ LinuxSessionEvents::LinuxSessionEvents(std::shared_ptr<SessionWatch> watch)
 
 Availability LinuxSessionEvents::availability() const
 {
-    if (m_watch->logind().isThere())
+    if (m_watch->logind().tellsActive())
         return {};
     return Availability::missing(
         u"Mossbank cannot tell when this computer goes to sleep or "
