@@ -89,6 +89,27 @@ private Q_SLOTS:
         QVERIFY(QDir(mossbank.library() + u"/Pending"_s).isEmpty());
     }
 
+    void withoutASessionBusTheFirstLookCounts()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        QVERIFY2(openTerminal(desktop,
+                              terminalWith(u"the heron waits"_s, u"XTerm"_s, u"60x10+100+100"_s)),
+                 qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        mossbank.setSessionBus(u"unix:path=/nowhere/at/all"_s);
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
+        const QString unknown = u"So Mossbank may not notice that a password is typed"_s;
+        QVERIFY2(mossbank.waitFor(unknown), qPrintable(mossbank.terminal()));
+        // It would be said again by then.
+        QTest::qWait(12'000);
+        QCOMPARE(mossbank.terminal().count(unknown), 1);
+        QVERIFY2(!mossbank.terminal().contains(u"Skipped while a password field"_s),
+                 qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+    }
+
     void aVisibleExcludedApplicationIsNeverRecorded_data()
     {
         QTest::addColumn<bool>("isInFront");

@@ -2,6 +2,7 @@
 //
 // Prompts for something secret and lockers, which are known by the class of their windows.
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
+#include "Mossbank/Platform/Linux/X11ActiveWindow.h"
 #include "tests/Desktop/AccessibilityTest.h"
 #include "tests/Desktop/SecureInputWatch.h"
 
@@ -24,6 +25,8 @@ private Q_SLOTS:
     void aWallpaperBelowWindowsIsNoLocker();
     void aFullScreenWindowInAFrameIsNoLocker();
     void ownWindowsAreNoLockers();
+    void whereNobodyCanBeAskedNothingIsWaitedFor_data();
+    void whereNobodyCanBeAskedNothingIsWaitedFor();
 
 private:
     static constexpr QRect kWhole = {0, 0, 1920, 1080};
@@ -163,6 +166,47 @@ void SecretPromptsTest::ownWindowsAreNoLockers()
     QVERIFY(own.open({.frame = kWhole, .overridesRedirect = true}));
     begin();
     QVERIFY(settles(*m_input, false));
+}
+
+void SecretPromptsTest::whereNobodyCanBeAskedNothingIsWaitedFor_data()
+{
+    QTest::addColumn<bool>("hasSession");
+    QTest::addColumn<QByteArray>("address");
+    QTest::newRow("no session bus") << false << QByteArray();
+    QTest::newRow("one that is not where it should be")
+        << false << QByteArray("unix:path=/nowhere");
+    QTest::newRow("an address of no kind") << false << QByteArray("nonsense");
+    QTest::newRow("no accessibility bus") << true << QByteArray();
+}
+
+/// The first look at the screen is as good as every other, also for prompts.
+void SecretPromptsTest::whereNobodyCanBeAskedNothingIsWaitedFor()
+{
+    QFETCH(bool, hasSession);
+    QFETCH(QByteArray, address);
+    startDesktop({.hasSession = hasSession, .hasAccessibility = false, .isSwitchedOn = false});
+    if (!address.isEmpty())
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    WindowProgram program;
+    const quint32 window = program.open({.frame = {300, 300, 300, 200},
+                                         .colour = kGreen,
+                                         .windowClass = u"Alpha"_s,
+                                         .title = u"The window"_s,
+                                         .tellsProcess = true});
+    QVERIFY(window);
+    QVERIFY(desktop().bringToFront(u"The window"_s));
+    QVERIFY(QTest::qWaitFor([&] { return X11ActiveWindow().read()->id == window; }, kPatience));
+    begin();
+    QVERIFY(!m_input->isActive());
+    QVERIFY(!m_input->availability().isAvailable);
+    QVERIFY(!m_input->availability().reason.isEmpty());
+    WindowProgram prompt;
+    QVERIFY(prompt.open({.frame = {300, 300, 300, 200},
+                         .colour = kGreen,
+                         .windowClass = u"gcr-prompter"_s,
+                         .title = u"The prompt"_s}));
+    QVERIFY(desktop().bringToFront(u"The prompt"_s));
+    QVERIFY(settles(*m_input, true));
 }
 
 QTEST_GUILESS_MAIN(SecretPromptsTest)

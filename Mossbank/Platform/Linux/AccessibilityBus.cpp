@@ -173,6 +173,8 @@ QCoro::Task<> AccessibilityBus::look()
     if (!reason.isEmpty()) {
         m_programs.close();
         lookAgainLater();
+        if (!hasLooked())
+            Q_EMIT notFound();
         say(reason);
         co_return;
     }

@@ -53,6 +53,8 @@ public:
 Q_SIGNALS:
     void opened();
     void closed();
+    /// The first search has come to an end, and there is none. It is looked for again all the same.
+    void notFound();
     /// An accessible object got the focus, or lost it.
     void focusChanged(const QString& service, const QString& path, bool isGained);
     /// A program came to the bus, or left it.

@@ -41,6 +41,11 @@ FocusWatch::FocusWatch(AccessibilityBus& bus, AccessiblePrograms& programs, X11A
         m_active.reset();
         followWindow();
     });
+    // Nobody can be asked, so there is nothing to wait for.
+    connect(&bus, &AccessibilityBus::notFound, this, [this] {
+        if (m_typing.place() == Place::Asked)
+            m_typing.setPlace(Place::Ordinary);
+    });
     // What was known of the field in front stands until another window is: it is on the screen
     // still.
     connect(&bus, &AccessibilityBus::closed, this, [this] {
