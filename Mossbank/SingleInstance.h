@@ -1,28 +1,47 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QLockFile>
 #include <QString>
 
 namespace mossbank {
 
-/// Sees to it that one Mossbank runs on a library: by a lock file in the library's folder, the one
-/// place that every start on it has in common, however the path to it is written. The lock goes
-/// with its process, also when that is killed.
+/// Sees to it that one Mossbank runs on a library, however the path to it is written. What holds
+/// the library are locks of the kernel, on its folder and on a file in it: they go with their
+/// process, also when that is killed or the power fails, whatever is left in the file. The folder's
+/// lock needs no room and no right to write; the file's counts also where several computers share
+/// the folder.
+///
+/// Errors: none are thrown; what cannot be locked is left out.
 class SingleInstance {
 public:
     /// For the library in the folder `root`, which is made if need be.
     explicit SingleInstance(const QString& root);
+    /// Lets the library go.
+    ~SingleInstance();
+    Q_DISABLE_COPY_MOVE(SingleInstance)
 
-    /// False when another process holds the library. Where that cannot be told, as in a folder
-    /// that cannot be written to, this counts as the first, and opening the library says why.
-    bool isFirst();
+    /// False when another process holds the library. Where nothing can be locked this counts as the
+    /// first, and opening the library says why.
+    bool isFirst() const { return !m_isTaken; }
 
     /// After `isFirst` was false: who came first, as a sentence for the user.
     QString whoIsFirst() const;
 
 private:
-    QLockFile m_lock;
+    void take(const QString& root);
+    void takeFile();
+    void sign() const;
+
+    /// What became of an attempt at a lock.
+    enum class Outcome { Held, Taken, Impossible };
+    static Outcome lock(int file);
+    /// Whether the file that is open is the one that has the name.
+    bool isStillNamed() const;
+
+    QString m_path;
+    bool m_isTaken = false;
+    int m_folder = -1;
+    int m_file = -1;
 };
 
 } // namespace mossbank

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 
 #include <csignal>
@@ -42,8 +43,8 @@ RunningMossbank::~RunningMossbank()
 
 void RunningMossbank::choose(const QMap<QString, QString>& choices)
 {
-    QDir().mkpath(m_home.filePath(u"config/Mossbank"_s));
-    QFile file(m_home.filePath(u"config/Mossbank/Mossbank.ini"_s));
+    QFile file(choicesFile());
+    QDir().mkpath(QFileInfo(file).path());
     if (!file.open(QIODevice::WriteOnly))
         qFatal("cannot write %s", qPrintable(file.fileName()));
     QTextStream stream(&file);
@@ -67,7 +68,23 @@ QProcessEnvironment RunningMossbank::environment() const
     environment.insert(u"XDG_RUNTIME_DIR"_s, m_home.filePath(u"run"_s));
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s,
                        m_sessionBus.isEmpty() ? u"unix:path=/nowhere/bus"_s : m_sessionBus);
+    for (auto variable = m_variables.begin(); variable != m_variables.end(); ++variable) {
+        if (variable->isNull())
+            environment.remove(variable.key());
+        else
+            environment.insert(variable.key(), *variable);
+    }
     return environment;
+}
+
+void RunningMossbank::setBeginning(const std::function<void()>& beginning)
+{
+    m_process.setChildProcessModifier(beginning);
+}
+
+QString RunningMossbank::choicesFile() const
+{
+    return m_home.filePath(u"config/Mossbank/Mossbank.ini"_s);
 }
 
 bool RunningMossbank::start()
@@ -140,6 +157,19 @@ RunningMossbank::Found RunningMossbank::startAgain(const QString& dataHome) cons
     if (!dataHome.isEmpty())
         asBefore.insert(u"XDG_DATA_HOME"_s, dataHome);
     return runToEnd(kMossbank, {}, asBefore);
+}
+
+std::vector<std::unique_ptr<QProcess>> RunningMossbank::startTogether(int count) const
+{
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int number = 0; number < count; ++number) {
+        auto process = std::make_unique<QProcess>();
+        process->setProcessChannelMode(QProcess::MergedChannels);
+        process->setProcessEnvironment(environment());
+        process->start(kMossbank);
+        processes.push_back(std::move(process));
+    }
+    return processes;
 }
 
 RunningMossbank::Found RunningMossbank::runToEnd(const QString& program,

@@ -10,6 +10,10 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <functional>
+#include <memory>
+#include <vector>
+
 namespace mossbank::test {
 
 /// The real programs with a home of their own.
@@ -25,6 +29,11 @@ public:
     /// The session bus, and with it the keyring, that it finds. None unless told: a test never
     /// meets the keyring of whoever runs it. Before `start`.
     void setSessionBus(const QString& address) { m_sessionBus = address; }
+    /// A variable of its environment; one that is null is not there. Before `start`.
+    void setVariable(const QString& name, const QString& value) { m_variables[name] = value; }
+    /// What the new process does before the program begins in it. Only what a process may do
+    /// between fork and exec.
+    void setBeginning(const std::function<void()>& beginning);
     /// Starts the program on the display that DISPLAY names.
     bool start();
     /// Sends a signal and waits for the end. The exit status, or -1 when it does not end.
@@ -51,6 +60,11 @@ public:
     /// Another start of the program with the same home, and with the folder for application data
     /// written another way where that is given.
     Found startAgain(const QString& dataHome = {}) const;
+    /// Further starts with the same home, so many at once. Ended by whoever asked for them.
+    std::vector<std::unique_ptr<QProcess>> startTogether(int count) const;
+    /// The folder that all of it lies in.
+    QString home() const { return m_home.path(); }
+    QString choicesFile() const;
 
 private:
     QProcessEnvironment environment() const;
@@ -59,6 +73,7 @@ private:
 
     QTemporaryDir m_home;
     QString m_sessionBus;
+    QMap<QString, QString> m_variables;
     QProcess m_process;
     QString m_terminal;
 };

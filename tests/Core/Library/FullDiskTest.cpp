@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A disk of three megabytes, mounted for these tests alone: the mount is in a name space of this
-// process and goes with it.
+// A disk of three megabytes, mounted for these tests alone.
 #include "tests/Core/Library/LibraryTesting.h"
 #include "tests/Core/Library/RawSql.h"
 #include "tests/Core/Library/Summary.h"
+#include "tests/Fakes/SmallDisk.h"
 
 #include <QRandomGenerator>
 
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/statvfs.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <cstring>
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -22,34 +16,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype kKilobyte = 1024;
-
-/// What kept this process from mounts of its own; empty when nothing did.
-QString g_noMounts;
-
-bool putText(const char* path, const QByteArray& text)
-{
-    return putFile(QString::fromLatin1(path), text);
-}
-
-/// Before any thread is started: a user who is not root needs a name space of users as well, and
-/// a process with threads may not enter one.
-void enterOwnNameSpace()
-{
-    const QByteArray user = QByteArray::number(getuid());
-    const QByteArray group = QByteArray::number(getgid());
-    if (::unshare(CLONE_NEWNS) != 0) {
-        if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0 ||
-            !putText("/proc/self/setgroups", "deny") ||
-            !putText("/proc/self/uid_map", "0 " + user + " 1") ||
-            !putText("/proc/self/gid_map", "0 " + group + " 1")) {
-            g_noMounts = u"unshare: "_s + QString::fromLocal8Bit(std::strerror(errno));
-            return;
-        }
-    }
-    // Nothing mounted here is seen outside.
-    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-        g_noMounts = u"mount: "_s + QString::fromLocal8Bit(std::strerror(errno));
-}
 
 QByteArray noise(qsizetype size)
 {
@@ -88,48 +54,31 @@ private Q_SLOTS:
     void sealingWithoutRoomLeavesThePicturesWhole();
 
 private:
-    QString root() const { return m_disk->filePath(u"library"_s); }
+    QString root() const { return m_folder->filePath(u"library"_s); }
     QString images() const { return root() + u"/Images"_s; }
     QString pending() const { return root() + u"/Pending"_s; }
-    qsizetype free() const;
-    /// Fills the disk up to these bytes.
-    bool leave(qsizetype bytes) const;
-    bool makeRoom() const { return QFile::remove(m_disk->filePath(u"filler"_s)); }
+    qsizetype free() const { return m_disk->free(); }
+    bool leave(qsizetype bytes) const { return m_disk->leave(bytes); }
+    bool makeRoom() const { return m_disk->makeRoom(); }
     /// Saves, and hands back the message of the failure, of whichever kind.
     static QString save(HistoryStore& store, const Memory& memory, const QByteArray& jpeg);
     void expectWhole(const QStringList& pictures) const;
 
-    std::unique_ptr<QTemporaryDir> m_disk;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SmallDisk> m_disk;
 };
 
 void FullDiskTest::init()
 {
-    QVERIFY2(g_noMounts.isEmpty(),
-             qPrintable(u"This test mounts a small disk and was not let: %1. Run it as root, or "
-                        "where name spaces of users are allowed."_s.arg(g_noMounts)));
-    m_disk = std::make_unique<QTemporaryDir>();
-    const int mounted = ::mount("mossbank-test", QFile::encodeName(m_disk->path()).constData(),
-                                "tmpfs", 0, "size=3m,mode=0700");
-    QVERIFY2(mounted == 0, std::strerror(errno));
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_disk = std::make_unique<SmallDisk>(m_folder->path(), "size=3m");
+    QVERIFY2(m_disk->problem().isEmpty(), qPrintable(m_disk->problem()));
 }
 
 void FullDiskTest::cleanup()
 {
-    if (m_disk)
-        ::umount2(QFile::encodeName(m_disk->path()).constData(), MNT_DETACH);
     m_disk.reset();
-}
-
-qsizetype FullDiskTest::free() const
-{
-    struct statvfs status = {};
-    ::statvfs(QFile::encodeName(m_disk->path()).constData(), &status);
-    return static_cast<qsizetype>(status.f_bavail * status.f_bsize);
-}
-
-bool FullDiskTest::leave(qsizetype bytes) const
-{
-    return putFile(m_disk->filePath(u"filler"_s), QByteArray(free() - bytes, 'f'));
+    m_folder.reset();
 }
 
 QString FullDiskTest::save(HistoryStore& store, const Memory& memory, const QByteArray& jpeg)
@@ -291,7 +240,7 @@ void FullDiskTest::sealingWithoutRoomLeavesThePicturesWhole()
 
 int main(int argc, char** argv)
 {
-    enterOwnNameSpace();
+    SmallDisk::allow();
     const QCoreApplication application(argc, argv);
     FullDiskTest test;
     return QTest::qExec(&test, argc, argv);
