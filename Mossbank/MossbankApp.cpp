@@ -110,7 +110,11 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
 int start(const Availability& windows)
 {
     const QString library = LibraryLocation::library();
-    SingleInstance instance(library);
+    const SingleInstance instance(library);
+    if (!instance.problem().isEmpty()) {
+        TerminalStatus::complain(instance.problem());
+        return kFailed;
+    }
     if (!instance.isFirst()) {
         TerminalStatus::complain(instance.whoIsFirst());
         return kFailed;

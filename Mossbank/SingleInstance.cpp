@@ -62,14 +62,18 @@ SingleInstance::SingleInstance(const QString& root)
 {
     try {
         Files::createFolder(root);
-    } catch (const FileError&) {
-        // Locking fails as well then.
+    } catch (const FileError& failure) {
+        m_problem = failure.message(); // unless there is something in its place
     }
     take(root);
     if (m_isTaken) {
         close(m_file);
         close(m_folder);
     }
+    if (m_isTaken || m_folder >= 0 || m_file >= 0)
+        m_problem.clear();
+    else
+        m_problem = localized("History is unavailable: %1").arg(m_problem);
 }
 
 SingleInstance::~SingleInstance()
@@ -87,8 +91,11 @@ void SingleInstance::take(const QString& root)
     m_folder = openOf(root, O_RDONLY);
     const Outcome folder = lock(m_folder);
     m_isTaken = folder == Outcome::Taken;
-    if (folder == Outcome::Impossible)
+    if (folder == Outcome::Impossible) {
+        if (m_problem.isEmpty())
+            m_problem = FileError(errno, root).message();
         close(m_folder);
+    }
     if (!m_isTaken)
         takeFile();
 }

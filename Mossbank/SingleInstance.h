@@ -11,7 +11,7 @@ namespace mossbank {
 /// lock needs no room and no right to write; the file's counts also where several computers share
 /// the folder.
 ///
-/// Errors: none are thrown; what cannot be locked is left out.
+/// Errors: none are thrown. One of the two locks is enough; without any there is a `problem`.
 class SingleInstance {
 public:
     /// For the library in the folder `root`, which is made if need be.
@@ -20,8 +20,12 @@ public:
     ~SingleInstance();
     Q_DISABLE_COPY_MOVE(SingleInstance)
 
-    /// False when another process holds the library. Where nothing can be locked this counts as the
-    /// first, and opening the library says why.
+    /// Why nobody can hold the library, as a sentence for the user: on a full disk the folder of a
+    /// first start cannot be made, for one. Two that went on without would not know of each other.
+    /// Empty when it is held, by whomever.
+    const QString& problem() const { return m_problem; }
+
+    /// False when another process holds the library.
     bool isFirst() const { return !m_isTaken; }
 
     /// After `isFirst` was false: who came first, as a sentence for the user.
@@ -39,6 +43,7 @@ private:
     bool isStillNamed() const;
 
     QString m_path;
+    QString m_problem;
     bool m_isTaken = false;
     int m_folder = -1;
     int m_file = -1;

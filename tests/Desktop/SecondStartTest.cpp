@@ -205,6 +205,49 @@ private Q_SLOTS:
         QCOMPARE(start.text, said);
         QCOMPARE(contentOf(lockOf(mossbank)), left);
     }
+
+    void onAFullDiskTheFirstSaysWhatIsWrongAndIsTheOnlyOne()
+    {
+        RunningMossbank mossbank;
+        QVERIFY(QDir().mkpath(mossbank.library()));
+        const SmallDisk disk(mossbank.library(), "size=64k");
+        QVERIFY2(disk.problem().isEmpty(), qPrintable(disk.problem()));
+        QVERIFY(disk.leave(0));
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"History is unavailable: "_s), qPrintable(mossbank.terminal()));
+        QVERIFY2(mossbank.waitFor(u"Recording is off"_s), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.startAgain().text, kRunning);
+        // Nor does a second one run when there is room again.
+        QVERIFY(disk.makeRoom());
+        QCOMPARE(mossbank.startAgain().status, 1);
+        QCOMPARE(mossbank.stop(SIGTERM), 0);
+    }
+
+    void aLibraryThatCannotBeMadeIsToldAndIsTheEnd()
+    {
+        RunningMossbank mossbank;
+        const QString data = QFileInfo(mossbank.library()).path();
+        QVERIFY(QDir().mkpath(data));
+        const SmallDisk disk(data, "size=64k,nr_inodes=1");
+        QVERIFY2(disk.problem().isEmpty(), qPrintable(disk.problem()));
+        QVERIFY(mossbank.start());
+        QCOMPARE(mossbank.waitForEnd(), 1);
+        QCOMPARE(
+            mossbank.terminal(),
+            u"History is unavailable: No space left on device: %1\n"_s.arg(mossbank.library()));
+    }
+
+    void inAFolderThatCannotBeWrittenToTheFirstIsTheOnlyOne()
+    {
+        RunningMossbank mossbank;
+        QVERIFY(QDir().mkpath(mossbank.library()));
+        const SmallDisk disk(mossbank.library(), "ro,size=64k");
+        QVERIFY2(disk.problem().isEmpty(), qPrintable(disk.problem()));
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"History is unavailable: "_s), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.startAgain().text, kRunning);
+        QCOMPARE(mossbank.stop(SIGTERM), 0);
+    }
 };
 
 int main(int argc, char** argv)
