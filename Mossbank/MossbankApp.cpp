@@ -11,6 +11,7 @@
 #include "Mossbank/TerminationSignals.h"
 #include "Mossbank/Translations/LinuxWording.h"
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
+#include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/SystemClock.h"
 
@@ -101,7 +102,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
 {
     if (!hasWindows)
         return std::make_unique<QCoreApplication>(argc, argv);
-    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    auto application = makeWindowedApplication(argc, argv);
     // It goes on recording without any.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     return application;

@@ -87,11 +87,11 @@ QString RunningMossbank::choicesFile() const
     return m_home.filePath(u"config/Mossbank/Mossbank.ini"_s);
 }
 
-bool RunningMossbank::start()
+bool RunningMossbank::start(const QStringList& arguments)
 {
     m_terminal.clear();
     m_process.setProcessEnvironment(environment());
-    m_process.start(kMossbank);
+    m_process.start(kMossbank, arguments);
     return m_process.waitForStarted(kPatience);
 }
 

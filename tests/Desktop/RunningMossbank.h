@@ -35,7 +35,7 @@ public:
     /// between fork and exec.
     void setBeginning(const std::function<void()>& beginning);
     /// Starts the program on the display that DISPLAY names.
-    bool start();
+    bool start(const QStringList& arguments = {});
     /// Sends a signal and waits for the end. The exit status, or -1 when it does not end.
     int stop(int signal);
     /// Waits until the terminal shows `line` somewhere, so many times.
