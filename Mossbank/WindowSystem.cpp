@@ -2,9 +2,14 @@
 #include "Mossbank/WindowSystem.h"
 
 #include "Mossbank/Model/Texts.h"
+#include "Mossbank/Platform/PlatformFactory.h"
 #include "Mossbank/TerminalStatus.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <cstdlib>
+#include <functional>
 
 namespace mossbank {
 
@@ -12,12 +17,22 @@ namespace {
 
 /// Who was told of Qt's messages before.
 QtMessageHandler g_usual = nullptr;
+std::function<bool()> g_hasGone;
+std::atomic_flag g_isEnding;
 
 /// Nothing is taken leave of.
 [[noreturn]] void end(const QString& sentence)
 {
+    while (g_isEnding.test_and_set())
+        ::pause(); // another thread has seen it too
     TerminalStatus::complain(sentence);
     std::_Exit(1);
+}
+
+void endIfGone()
+{
+    if (g_hasGone())
+        end(localized("The X server has gone; Mossbank ends."));
 }
 
 QString whyNoWindows()
@@ -39,13 +54,24 @@ void whileStarting(QtMsgType type, const QMessageLogContext& context, const QStr
     g_usual(type, context, message);
 }
 
+/// Before Qt ends the program for a server that has gone, it says so.
+void whileRunning(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    endIfGone();
+    g_usual(type, context, message);
+}
+
 } // namespace
 
 std::unique_ptr<QGuiApplication> makeWindowedApplication(int& argc, char** argv)
 {
     g_usual = qInstallMessageHandler(whileStarting);
     auto application = std::make_unique<QGuiApplication>(argc, argv);
-    qInstallMessageHandler(g_usual);
+    g_hasGone = windowSystemHasGone();
+    qInstallMessageHandler(whileRunning);
+    // Messages may be switched off. What is asked for last at an exit comes first.
+    QMetaObject::invokeMethod(
+        application.get(), [] { std::atexit(endIfGone); }, Qt::QueuedConnection);
     return application;
 }
 

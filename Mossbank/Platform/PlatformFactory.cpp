@@ -6,6 +6,7 @@
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
+#include "Mossbank/Platform/Linux/QtX11Server.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/SessionWatch.h"
 #include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
@@ -68,6 +69,13 @@ Availability windowsAvailability()
     } catch (const Failure& failure) {
         return Availability::missing(failure.message());
     }
+}
+
+std::function<bool()> windowSystemHasGone()
+{
+    return [server = QtX11Server()] {
+        return server.hasGone();
+    };
 }
 
 Platform makePlatform(const QString& ownBundleID)

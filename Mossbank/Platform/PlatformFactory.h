@@ -15,6 +15,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace mossbank {
@@ -37,6 +38,10 @@ struct Platform {
 /// Whether this program can have windows here. Asked before Qt connects to the desktop, which
 /// otherwise ends a program that cannot.
 Availability windowsAvailability();
+
+/// A question for any thread: whether what Qt has its windows on has gone. Made by the main thread
+/// once the application object is there; not asked after that has gone.
+std::function<bool()> windowSystemHasGone();
 
 /// Chooses the adapters for this machine. `ownBundleID` is this program's identity.
 ///

@@ -77,6 +77,52 @@ private Q_SLOTS:
         QVERIFY2(mossbank.waitFor(u"Waiting for"_s), qPrintable(mossbank.terminal()));
         QCOMPARE(mossbank.stop(SIGTERM), 0);
     }
+
+    void whenTheServerGoesItEndsWithASentenceAndTheLibraryWhole_data()
+    {
+        QTest::addColumn<QString>("rules");
+        QTest::addColumn<int>("after");
+        // What it is at when that happens differs; nothing hangs on when exactly.
+        QTest::newRow("at rest") << QString() << 3000;
+        QTest::newRow("soon after a screenshot") << QString() << 0;
+        QTest::newRow("in the middle of the next") << QString() << 1100;
+        QTest::newRow("and Qt is not to say anything") << u"*=false"_s << 1100;
+    }
+    void whenTheServerGoesItEndsWithASentenceAndTheLibraryWhole()
+    {
+        QFETCH(QString, rules);
+        QFETCH(int, after);
+        QVERIFY2(
+            m_desktop->start(u"xterm"_s,
+                             {u"-e"_s, u"sh"_s, u"-c"_s,
+                              u"while :; do seq 1000 9999 | shuf | head -200; sleep 0.2; done"_s},
+                             u"xterm"_s),
+            qPrintable(m_desktop->problem()));
+        RunningMossbank mossbank;
+        mossbank.setVariable(kPlatform, {});
+        mossbank.setVariable(u"QT_LOGGING_RULES"_s, rules);
+        mossbank.choose({{u"interval"_s, u"1"_s}, {u"skipsUnchangedScreens"_s, u"false"_s}});
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Saved at "_s), qPrintable(mossbank.terminal()));
+        QTest::qWait(after);
+        m_desktop->killServer();
+        QCOMPARE(mossbank.waitForEnd(), 1);
+        QVERIFY2(mossbank.terminal().endsWith(u"The X server has gone; Mossbank ends.\n"_s),
+                 qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.terminal().count(u"The X server has gone"_s), 1);
+        // Before Qt begins to end it.
+        QVERIFY2(!mossbank.terminal().contains(u"X11 connection broke"_s),
+                 qPrintable(mossbank.terminal()));
+        QVERIFY(mossbank.rows().size() >= mossbank.terminal().count(u"Saved at "_s));
+
+        // Nothing of it is left that stands in the way of the next session.
+        cleanup();
+        init();
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Waiting for"_s), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.stop(SIGTERM), 0);
+        QCOMPARE(mossbank.pictureFiles().size(), mossbank.rows().size());
+    }
 };
 
 QTEST_GUILESS_MAIN(WindowSystemTest)
