@@ -13,6 +13,7 @@
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
 #include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
+#include "MossbankCore/Support/Failure.h"
 #include "MossbankCore/Support/SystemClock.h"
 
 #include <QCommandLineParser>
@@ -135,6 +136,16 @@ int start(const Availability& windows)
     return status;
 }
 
+int startOrSayWhyNot(const Availability& windows)
+{
+    try {
+        return start(windows);
+    } catch (const Failure& failure) {
+        TerminalStatus::complain(failure.message());
+        return kFailed;
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -147,7 +158,7 @@ int main(int argc, char* argv[])
     LinuxWording wording;
     QCoreApplication::installTranslator(&wording);
     parseCommandLine(*application);
-    const int status = start(windows);
+    const int status = startOrSayWhyNot(windows);
     // Everything of this program is closed. Qt would take leave of the X server now, and wait for
     // one that has stopped answering for as long as that takes.
     std::_Exit(status);

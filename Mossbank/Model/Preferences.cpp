@@ -2,9 +2,9 @@
 #include "Mossbank/Model/Preferences.h"
 
 #include "MossbankCore/Support/Calendar.h"
+#include "MossbankCore/Support/UserFolders.h"
 
 #include <QDateTime>
-#include <QStandardPaths>
 
 namespace mossbank {
 
@@ -82,8 +82,7 @@ Preferences::Preferences(const std::optional<QString>& path, const Sample& sampl
 
 QString Preferences::userPath()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           u"/Mossbank/Mossbank.ini"_s;
+    return UserFolders::configuration() + u"/Mossbank/Mossbank.ini"_s;
 }
 
 template <typename T>

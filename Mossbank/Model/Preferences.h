@@ -45,7 +45,7 @@ public:
     explicit Preferences(const Sample& sample, const QStringList& passwordManagers = {},
                          QObject* parent = nullptr);
 
-    /// The user's own file.
+    /// The user's own file. Throws Failure where the user has no folder for it.
     static QString userPath();
 
     /// Whether the file could be read, or is not there. Where it could not, every choice is at its

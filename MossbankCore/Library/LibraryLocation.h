@@ -12,7 +12,8 @@ public:
 
     /// Path of the library's folder, which need not exist yet: `Mossbank` in the user's folder
     /// for application data, or `Burrow` there when that holds a library. A library begun under
-    /// the program's first name goes on being used where it is.
+    /// the program's first name goes on being used where it is. Throws Failure where the user has
+    /// no such folder.
     static QString library();
 };
 

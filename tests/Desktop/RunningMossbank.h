@@ -31,6 +31,8 @@ public:
     void setSessionBus(const QString& address) { m_sessionBus = address; }
     /// A variable of its environment; one that is null is not there. Before `start`.
     void setVariable(const QString& name, const QString& value) { m_variables[name] = value; }
+    /// The folder that it is started in. Before `start`.
+    void setWorkingFolder(const QString& path) { m_process.setWorkingDirectory(path); }
     /// What the new process does before the program begins in it. Only what a process may do
     /// between fork and exec.
     void setBeginning(const std::function<void()>& beginning);

@@ -3,12 +3,12 @@
 
 #include "Mossbank/Platform/Linux/GlibOwned.h"
 #include "MossbankCore/Support/Failure.h"
+#include "MossbankCore/Support/UserFolders.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QStandardPaths>
 
 #include <gio/gdesktopappinfo.h>
 
@@ -60,8 +60,7 @@ QString quoted(QString executable)
 
 XdgAutostart::XdgAutostart(QString executable, const QString& identity)
     : m_executable(std::move(executable))
-    , m_entry(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-              u"/autostart/"_s + identity + u".desktop"_s)
+    , m_entry(UserFolders::configuration() + u"/autostart/"_s + identity + u".desktop"_s)
 {
 }
 
