@@ -160,6 +160,10 @@ void GrayCellsTest::thereAreNoneOfNothingNorBeyondAnyScreen()
     QImage highest(1, 65'535, QImage::Format_RGB32);
     highest.fill(0xFFFFFFFFU);
     QCOMPARE(grayCells(highest, 1), std::optional(Fingerprint{255}));
+    // The sums of as many pixels as are summed at once still fit.
+    QImage most(65'535, 8, QImage::Format_RGB32);
+    most.fill(0xFFFFFFFFU);
+    QCOMPARE(grayCells(most, 1), std::optional(Fingerprint{255}));
     QVERIFY(!grayCells(QImage(65'536, 1, QImage::Format_RGB32), 192));
     QVERIFY(!grayCells(QImage(1, 65'536, QImage::Format_RGB32), 192));
     QVERIFY(!grayCells(highest, 8193));
