@@ -16,11 +16,24 @@ class UnchangedScreenTest : public QObject {
             QTest::newRow(mode) << QString::fromLatin1(mode);
     }
 
-    /// A caret of four cells goes on and off, a pass after each.
+    /// A screen of which each pixel is a cell.
+    static void makeSmall(RecorderRig& rig)
+    {
+        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
+        rig.screen.pictureNow.fill(Qt::white);
+    }
+
+    /// Before the third blink of a caret it is not yet known for one: that its cells have moved for
+    /// the third time counts for the picture in which they have.
+    static constexpr qsizetype kSavedUntilLearnt = 3;
+
+    static constexpr QRect kCaret = {50, 50, 1, 4};
+
+    /// A caret of four cells goes on and off, a pass after each. Ends without it.
     static void blinkEightTimes(RecorderRig& rig)
     {
         for (int blink = 0; blink < 8; ++blink) {
-            rig.drawBlock(QRect(50, 50, 1, 4), blink % 2 ? Qt::white : Qt::black);
+            rig.drawBlock(kCaret, blink % 2 ? Qt::white : Qt::black);
             rig.nextPass();
         }
     }
@@ -95,8 +108,7 @@ private Q_SLOTS:
         QFETCH(QSize, block);
         QFETCH(bool, isSaved);
         RecorderRig rig;
-        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
-        rig.screen.pictureNow.fill(Qt::white);
+        makeSmall(rig);
         rig.preferences.setChangeMode(mode);
         rig.start();
         if (!block.isEmpty())
@@ -123,14 +135,14 @@ private Q_SLOTS:
         QFETCH(QString, mode);
         QFETCH(bool, isSaved);
         RecorderRig rig;
-        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
-        rig.screen.pictureNow.fill(Qt::white);
+        makeSmall(rig);
         // Before the caret begins: another mode learns afresh.
         rig.preferences.setChangeMode(mode);
         rig.start();
         blinkEightTimes(rig);
         QCOMPARE(rig.recorder->screensSeen().motion.restless(), std::int64_t{4});
-        const auto learnt = rig.saved().size();
+        const qsizetype learnt = isSaved ? 9 : kSavedUntilLearnt;
+        QCOMPARE(rig.saved().size(), learnt);
         blinkEightTimes(rig);
         QCOMPARE(rig.saved().size(), learnt + (isSaved ? 8 : 0));
     }
@@ -138,16 +150,51 @@ private Q_SLOTS:
     void aCaretIsLearntAndThenLeftOut()
     {
         RecorderRig rig;
-        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
-        rig.screen.pictureNow.fill(Qt::white);
+        makeSmall(rig);
         rig.start();
         blinkEightTimes(rig);
-        const auto learnt = rig.saved().size();
+        QCOMPARE(rig.saved().size(), kSavedUntilLearnt);
         blinkEightTimes(rig);
-        QCOMPARE(rig.saved().size(), learnt);
+        QCOMPARE(rig.saved().size(), kSavedUntilLearnt);
         rig.drawBlock(QRect(90, 90, 1, 1));
         rig.nextPass();
-        QCOMPARE(rig.saved().size(), learnt + 1);
+        QCOMPARE(rig.saved().size(), kSavedUntilLearnt + 1);
+    }
+
+    void theRefreshReadsAlsoWhereOnlyACaretIsInItsOtherState()
+    {
+        RecorderRig rig;
+        makeSmall(rig);
+        rig.preferences.setUnchangedRefreshMinutes(5);
+        rig.start();
+        blinkEightTimes(rig);
+        QCOMPARE(rig.saved().size(), kSavedUntilLearnt);
+        QCOMPARE(rig.recognizer.readings(), static_cast<int>(kSavedUntilLearnt));
+        // The last picture saved is without it.
+        rig.drawBlock(kCaret);
+        rig.nextPass();
+        QCOMPARE(rig.recorder->status(), u"Skipped an unchanged screen"_s);
+        rig.recognizer.setLines({u"read again"_s});
+        rig.preferences.setUnchangedRefreshMinutes(0.5);
+        rig.nextPass();
+        QCOMPARE(rig.recognizer.readings(), static_cast<int>(kSavedUntilLearnt) + 1);
+        QCOMPARE(rig.saved().first().text, u"read again"_s);
+    }
+
+    void amongObviousChangesWhatMovesOnItsOwnCountsToo()
+    {
+        RecorderRig rig;
+        makeSmall(rig);
+        rig.preferences.setChangeMode(u"obvious"_s);
+        rig.start();
+        blinkEightTimes(rig);
+        QCOMPARE(rig.recorder->screensSeen().motion.restless(), std::int64_t{4});
+        QCOMPARE(rig.saved().size(), 1);
+        // With the caret 61 cells.
+        rig.drawBlock(kCaret);
+        rig.drawBlock(QRect(100, 100, 57, 1));
+        rig.nextPass();
+        QCOMPARE(rig.saved().size(), 2);
     }
 
     void aSlowDriftAddsUpAndIsCaught_data()
