@@ -14,6 +14,9 @@ namespace mossbank {
 namespace {
 
 constexpr int kLowestLetter = 5;
+/// In its heights: recognisers take no image that is wider than 32,767 pixels, and lines are made
+/// larger for them. A line of small letters right across the widest display is shorter.
+constexpr int kLongestLine = 500;
 constexpr int kWhite = 255;
 
 struct Columns {
@@ -37,6 +40,33 @@ std::vector<Columns> stretches(const LineInk& ink, const std::vector<bool>& hasL
         }
     }
     return found;
+}
+
+/// Columns with letters, parted at their gaps where there are more than `most` of them. In letters
+/// that have none they are parted anywhere.
+std::vector<Columns> noLongerThan(int most, const Columns& columns,
+                                  const std::vector<bool>& hasLetters)
+{
+    const auto isBlank = [&](int x) {
+        return !hasLetters[static_cast<std::size_t>(x)];
+    };
+    std::vector<Columns> parts;
+    Columns rest = columns;
+    while (rest.to - rest.from > most) {
+        // The widest gap towards the end of what one part may have: one between words.
+        Columns widest = {rest.from + most, rest.from + most};
+        for (int x = rest.from + most / 2; x < rest.from + most; ++x) {
+            const int begin = x;
+            while (x < rest.from + most && isBlank(x))
+                ++x;
+            if (x > begin && x - begin >= widest.to - widest.from)
+                widest = {begin, x};
+        }
+        parts.push_back({rest.from, widest.from});
+        rest.from = widest.to;
+    }
+    parts.push_back(rest);
+    return parts;
 }
 
 std::vector<bool> columnsWithLetters(const LineInk& ink)
@@ -146,9 +176,16 @@ void addImages(const QImage& picture, const LinePart& part, bool isFirst, bool i
         const int from = std::max(0, columns.from - kMargin);
         const int to = std::min(ink.width(), columns.to + kMargin);
         const QRect letters = ink.lettersWithin(from, to);
-        if (letters.height() >= kLowestLetter &&
-            !ink.isBlock(ink.lettersWithin(columns.from, columns.to)))
-            images.append(copied(image, letters.adjusted(0, -2, 0, 2)));
+        if (letters.height() < kLowestLetter ||
+            ink.isBlock(ink.lettersWithin(columns.from, columns.to)))
+            continue;
+        const QRect area = letters.adjusted(0, -2, 0, 2);
+        for (const Columns& some :
+             noLongerThan(kLongestLine * area.height(), columns, hasLetters)) {
+            const int left = std::max(area.left(), some.from - kMargin);
+            const int right = std::min(area.right(), some.to - 1 + kMargin);
+            images.append(copied(image, {left, area.top(), right - left + 1, area.height()}));
+        }
     }
 }
 

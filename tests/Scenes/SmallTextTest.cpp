@@ -23,6 +23,8 @@ private Q_SLOTS:
     void aLineWhoseLettersTouchIsNotDropped();
     void lettersDrawnInThirdsOfAPixelAreRead_data();
     void lettersDrawnInThirdsOfAPixelAreRead();
+    void aLineAcrossAVeryWidePictureIsRead_data();
+    void aLineAcrossAVeryWidePictureIsRead();
 
 private:
     std::unique_ptr<TextRecognizer> m_recognizer;
@@ -97,6 +99,40 @@ void SmallTextTest::lettersDrawnInThirdsOfAPixelAreRead()
     canvas.text({20, 20}, 560, text, style);
     const QImage picture = canvas.finished(u"letters"_s).image;
     QCOMPARE(m_recognizer->recognize(picture, {}), QStringList{text});
+}
+
+void SmallTextTest::aLineAcrossAVeryWidePictureIsRead_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::newRow("of the widest displays") << 8'000;
+    QTest::newRow("wider than the recogniser takes lines") << 16'000;
+}
+
+void SmallTextTest::aLineAcrossAVeryWidePictureIsRead()
+{
+    QFETCH(int, width);
+    QImage picture(width, 60, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    QFont font(u"DejaVu Sans"_s);
+    font.setPixelSize(13);
+    painter.setFont(font);
+    painter.setPen(Qt::black);
+    const QStringList some = {u"lantern"_s, u"harbour"_s, u"window"_s, u"quarter"_s, u"meadow"_s};
+    QString text = some.first();
+    for (qsizetype word = 1; painter.fontMetrics().horizontalAdvance(text) < width - 150; ++word)
+        text += u' ' + some.at(word % some.size());
+    painter.drawText(20, 40, text);
+    painter.end();
+    const QStringList read = m_recognizer->recognize(picture, {});
+    QCOMPARE(read.size(), 1);
+    const QStringList words = text.split(u' ');
+    const QStringList readWords = read.first().split(u' ');
+    QCOMPARE(readWords.size(), words.size());
+    qsizetype right = 0;
+    for (qsizetype word = 0; word < words.size(); ++word)
+        right += readWords.at(word) == words.at(word);
+    QVERIFY2(100 * right >= 97 * words.size(), qPrintable(read.first()));
 }
 
 } // namespace mossbank::test

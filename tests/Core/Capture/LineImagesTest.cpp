@@ -109,6 +109,45 @@ private Q_SLOTS:
         QCOMPARE(images.first(), images.last());
     }
 
+    void aLineLongerThanRecognisersTakeIsPartedBetweenWords()
+    {
+        constexpr int kWords = 400;
+        constexpr QSize kLongest = {500 * 16 + 6, 16};
+        QImage picture = plain({kWords * 50, kSize.height()});
+        const QRect line = write(picture, kPlace, QList<int>(kWords, 4));
+        QVERIFY(line.width() > 2 * kLongest.width());
+        const QList<QImage> images = wholeImages(picture, line, {line});
+        QCOMPARE(images.size(), 3);
+        QImage alone = plain(kSize);
+        const QRect word = write(alone, kPlace, {4});
+        const int ofAWord = darkPixels(wholeImages(alone, word, {word}).first());
+        int all = 0;
+        for (const QImage& image : images) {
+            QVERIFY(image.width() <= kLongest.width());
+            QCOMPARE(image.height(), kLongest.height());
+            QCOMPARE(darkPixels(image) % ofAWord, 0);
+            all += darkPixels(image);
+        }
+        QCOMPARE(all, kWords * ofAWord);
+    }
+
+    void alsoALineWithoutAnyGapIsParted()
+    {
+        QImage picture = plain({20'000, kSize.height()});
+        const QRect line = write(picture, kPlace, {1'600});
+        // Each letter touches the next, no two of them side by side at the same height.
+        for (int gap = 0; gap < 1'599; ++gap)
+            fill(picture, {line.left() + 8 + gap * 11, line.top() + 2 + gap % 2 * 8, 3, 1}, kBlack);
+        const QList<QImage> images = wholeImages(picture, line, {line});
+        QCOMPARE(images.size(), 3);
+        int columns = 0;
+        for (const QImage& image : images) {
+            QVERIFY(image.width() <= 500 * 16 + 6);
+            columns += image.width();
+        }
+        QVERIFY(columns >= line.width());
+    }
+
     void theBorderOfACellPartsTheLineAndIsNoLetter()
     {
         QImage picture = plain(kSize);
