@@ -4,6 +4,7 @@
 #include "Mossbank/Platform/Linux/AccessibilityBus.h"
 #include "Mossbank/Platform/Linux/AtspiAddressSource.h"
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
+#include "Mossbank/Platform/Linux/BusActivation.h"
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/QtX11Server.h"
@@ -81,8 +82,8 @@ std::function<bool()> windowSystemHasGone()
 Platform makePlatform(const QString& ownBundleID)
 {
     Platform platform;
+    const qint64 self = QCoreApplication::applicationPid();
     try {
-        const qint64 self = QCoreApplication::applicationPid();
         addX11(platform, {self, ownBundleID, executableOf(self)});
     } catch (const Failure& failure) {
         platform.screen = std::make_unique<NullScreen>(failure.message());
@@ -94,10 +95,16 @@ Platform makePlatform(const QString& ownBundleID)
     platform.screenState = std::make_unique<LinuxScreenState>(session);
     platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
+    platform.activation = makeProgramActivation(ownBundleID);
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     platform.passwordManagers = passwordManagersOfLinux();
     return platform;
+}
+
+std::unique_ptr<ProgramActivation> makeProgramActivation(const QString& ownBundleID)
+{
+    return std::make_unique<BusActivation>(ownBundleID);
 }
 
 std::unique_ptr<TextRecognizer> makeTextRecognizer()

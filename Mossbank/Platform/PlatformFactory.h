@@ -5,6 +5,7 @@
 #include "Mossbank/Ports/Availability.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/InstalledApplications.h"
+#include "Mossbank/Ports/ProgramActivation.h"
 #include "Mossbank/Ports/Screen.h"
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
@@ -29,6 +30,7 @@ struct Platform {
     std::unique_ptr<SessionEvents> sessionEvents;
     std::unique_ptr<AddressSource> addresses;
     std::unique_ptr<InstalledApplications> installedApplications;
+    std::unique_ptr<ProgramActivation> activation;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
     /// The identities of what keeps passwords, and of what shows keys, on this system alone.
@@ -47,6 +49,10 @@ std::function<bool()> windowSystemHasGone();
 ///
 /// Threading: the main thread.
 Platform makePlatform(const QString& ownBundleID);
+
+/// How starts of this program reach each other, alone: for one that is not the first and needs
+/// nothing else.
+std::unique_ptr<ProgramActivation> makeProgramActivation(const QString& ownBundleID);
 
 /// The recogniser alone, for who has pictures and needs no desktop.
 std::unique_ptr<TextRecognizer> makeTextRecognizer();

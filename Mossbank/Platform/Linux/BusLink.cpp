@@ -108,6 +108,12 @@ QCoro::Task<bool> BusLink::listen(BusSignals wanted, QObject* receiver, const ch
     co_return answer.type() == QDBusMessage::ReplyMessage;
 }
 
+bool BusLink::offer(const QString& path, QObject* object)
+{
+    return m_connection &&
+           m_connection->registerObject(path, object, QDBusConnection::ExportAllSlots);
+}
+
 void BusLink::noticeEnd()
 {
     if (!m_connection)

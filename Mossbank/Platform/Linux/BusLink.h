@@ -53,6 +53,10 @@ public:
     /// Has the bus send these on to `slot` of `receiver`, which takes a QDBusMessage.
     QCoro::Task<bool> listen(BusSignals wanted, QObject* receiver, const char* slot, int limit);
 
+    /// Has the public slots of `object` be called from the bus, at `path`, for as long as this is
+    /// open. False when it is not.
+    bool offer(const QString& path, QObject* object);
+
 Q_SIGNALS:
     /// The bus has gone.
     void lost();
