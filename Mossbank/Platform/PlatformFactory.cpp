@@ -6,6 +6,7 @@
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
 #include "Mossbank/Platform/Linux/BusActivation.h"
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
+#include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/QtX11Server.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
@@ -96,6 +97,7 @@ Platform makePlatform(const QString& ownBundleID)
     platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = makeProgramActivation(ownBundleID);
+    platform.updates = std::make_unique<PackageKitUpdates>(executableOf(self));
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     platform.passwordManagers = passwordManagersOfLinux();

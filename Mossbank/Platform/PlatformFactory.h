@@ -10,6 +10,7 @@
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
 #include "Mossbank/Ports/SessionEvents.h"
+#include "Mossbank/Ports/Updates.h"
 #include "MossbankCore/Ports/Keychain.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
 
@@ -31,6 +32,7 @@ struct Platform {
     std::unique_ptr<AddressSource> addresses;
     std::unique_ptr<InstalledApplications> installedApplications;
     std::unique_ptr<ProgramActivation> activation;
+    std::unique_ptr<Updates> updates;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
     /// The identities of what keeps passwords, and of what shows keys, on this system alone.
