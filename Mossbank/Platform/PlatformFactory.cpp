@@ -8,6 +8,7 @@
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
+#include "Mossbank/Platform/Linux/ProcessRelauncher.h"
 #include "Mossbank/Platform/Linux/QtX11Server.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
 #include "Mossbank/Platform/Linux/SessionWatch.h"
@@ -98,6 +99,7 @@ Platform makePlatform(const QString& ownBundleID)
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = makeProgramActivation(ownBundleID);
     platform.updates = std::make_unique<PackageKitUpdates>(executableOf(self));
+    platform.relauncher = std::make_unique<ProcessRelauncher>(executableOf(self));
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     platform.passwordManagers = passwordManagersOfLinux();

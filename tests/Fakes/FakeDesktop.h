@@ -3,7 +3,6 @@
 
 #include "Mossbank/Ports/Appearance.h"
 #include "Mossbank/Ports/QuitQuestion.h"
-#include "Mossbank/Ports/Relauncher.h"
 #include "MossbankCore/Support/Failure.h"
 
 #include <QList>
@@ -53,20 +52,6 @@ public:
 
 private:
     std::unique_ptr<QPromise<bool>> m_answer;
-};
-
-/// Counts the processes that it does not start.
-class FakeRelauncher final : public Relauncher {
-public:
-    int timesOpened = 0;
-    bool isBroken = false;
-
-    void openAnother() override
-    {
-        ++timesOpened;
-        if (isBroken)
-            throw Failure(QStringLiteral("No process."));
-    }
 };
 
 } // namespace mossbank

@@ -13,6 +13,7 @@
 #include "tests/Fakes/FakeGuards.h"
 #include "tests/Fakes/FakeLoginService.h"
 #include "tests/Fakes/FakeNeighbours.h"
+#include "tests/Fakes/FakeRelauncher.h"
 #include "tests/Fakes/FakeScreen.h"
 #include "tests/Fakes/FakeSessionEvents.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
