@@ -104,7 +104,7 @@ CaptureVerdict CapturePass::remember()
     ScreensSeen& seen = m_recorder->m_seen;
     seen.lastScreen = m_fingerprint;
     seen.lastScreenSavedAt = m_takenAt;
-    seen.lastText = m_processed.text;
+    seen.lastText = m_processed.isWhole ? std::optional(m_processed.text) : std::nullopt;
     m_recorder->m_neighbours.afterSave.readForMeaning(m_memory);
     return Verdict::goOn();
 }

@@ -24,7 +24,8 @@ struct ScreensSeen {
     std::optional<Fingerprint> lastScreen;
     /// When the last picture saved was taken.
     Date lastScreenSavedAt = Date::distantPast();
-    /// The words of the last picture saved.
+    /// The words of the last picture saved. None where it was not read to its end: the next picture
+    /// is read again, whether or not it is the same.
     std::optional<QString> lastText;
     /// The display of the last pass that got as far as choosing one.
     std::optional<DisplayID> lastDisplayID;

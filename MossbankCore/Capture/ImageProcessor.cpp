@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <tuple>
+#include <utility>
 
 namespace mossbank {
 
@@ -24,15 +26,26 @@ double readable(double quality)
     return std::min(std::max(0.1, quality), 1.0);
 }
 
+QString joined(const QStringList& lines)
+{
+    return lines.join(u'\n');
+}
+
 QFuture<QByteArray> encoding(const QImage& image, double quality)
 {
     return inBackground([image, quality] { return ImageProcessor::encode(image, quality); });
 }
 
-QFuture<QString> reading(const QImage& image, TextRecognizer& recognizer)
+/// What a picture says, and whether that is all of it.
+using Words = std::pair<QString, bool>;
+
+QFuture<Words> reading(const QImage& image, TextRecognizer& recognizer)
 {
-    return inBackground(
-        [image, &recognizer] { return ImageProcessor::recognize(image, recognizer); });
+    return inBackground([image, &recognizer]() -> Words {
+        const TextRecognizer::Reading read =
+            recognizer.read(image, {.correctsLanguage = ImageProcessor::kCorrectsLanguage});
+        return {joined(read.lines), read.isWhole};
+    });
 }
 
 } // namespace
@@ -42,8 +55,8 @@ QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality
                                                     TextRecognizer& recognizer)
 {
     const QFuture<QByteArray> encoded = encoding(image, readable(quality));
-    const QFuture<QString> read =
-        text ? QtFuture::makeReadyFuture(*text) : reading(image, recognizer);
+    const QFuture<Words> read =
+        text ? QtFuture::makeReadyFuture(Words(*text, true)) : reading(image, recognizer);
 
     std::exception_ptr failure;
     ProcessedImage processed;
@@ -54,7 +67,7 @@ QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality
     }
     // Waited for even when the picture failed: no work outlives the task that started it.
     try {
-        processed.text = co_await awaited(read);
+        std::tie(processed.text, processed.isWhole) = co_await awaited(read);
     } catch (...) {
         if (!failure)
             failure = std::current_exception();
@@ -80,8 +93,8 @@ QByteArray ImageProcessor::encode(const QImage& image, double quality)
 QString ImageProcessor::recognize(const QImage& image, TextRecognizer& recognizer, bool correcting,
                                   const std::optional<QStringList>& languages)
 {
-    return recognizer.recognize(image, {.correctsLanguage = correcting, .languages = languages})
-        .join(u'\n');
+    return joined(
+        recognizer.recognize(image, {.correctsLanguage = correcting, .languages = languages}));
 }
 
 } // namespace mossbank

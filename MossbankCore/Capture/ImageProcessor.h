@@ -19,6 +19,8 @@ struct ProcessedImage {
     QByteArray jpeg;
     /// The words in it, lines joined by line feeds. May be empty.
     QString text;
+    /// False where the reading was given up before the picture's end.
+    bool isWhole = true;
 
     friend bool operator==(const ProcessedImage&, const ProcessedImage&) = default;
 };

@@ -12,9 +12,10 @@
 #include <QSet>
 #include <QThread>
 
+#include <time.h>
+
 #include <algorithm>
 #include <atomic>
-#include <ctime>
 #include <exception>
 #include <functional>
 #include <utility>
@@ -64,11 +65,12 @@ QByteArray digestOf(const LineImage& line)
     return hash.result();
 }
 
-/// Of all of the program's threads.
-std::chrono::milliseconds processorTime()
+/// That of the calling thread.
+std::chrono::nanoseconds processorTime()
 {
-    constexpr auto kTicks = CLOCKS_PER_SEC / 1000;
-    return std::chrono::milliseconds(std::clock() / kTicks);
+    timespec time = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 /// What a corner or an icon is read as.
@@ -99,8 +101,8 @@ TextReader::~TextReader()
     m_pool.waitForDone();
 }
 
-TextReader::Reading TextReader::readingOf(const QList<RecognizedWord>& words,
-                                          const QString& language)
+TextReader::PieceReading TextReader::readingOf(const QList<RecognizedWord>& words,
+                                               const QString& language)
 {
     double sum = 0;
     qsizetype length = 0;
@@ -117,9 +119,12 @@ std::vector<char> TextReader::forEach(qsizetype count, int threads,
     std::atomic<qsizetype> next = 0;
     std::vector<char> isDone(static_cast<std::size_t>(count), 0);
     const auto workOn = [&] {
+        auto last = processorTime();
         for (qsizetype at = next++; at < count && !isGivenUp(); at = next++) {
             work(at);
             isDone[static_cast<std::size_t>(at)] = 1;
+            const auto now = processorTime();
+            m_spent += (now - std::exchange(last, now)).count();
         }
     };
     QList<QFuture<void>> workers;
@@ -136,6 +141,7 @@ std::vector<char> TextReader::forEach(qsizetype count, int threads,
     }
     if (failure)
         std::rethrow_exception(failure);
+    m_isWhole = m_isWhole && std::ranges::find(isDone, 0) == isDone.end();
     return isDone;
 }
 
@@ -182,7 +188,7 @@ void TextReader::prepare(QList<Piece>& pieces)
     m_prepared = std::move(all);
 }
 
-TextReader::Reading TextReader::readPiece(const Prepared& prepared, const Way& way)
+TextReader::PieceReading TextReader::readPiece(const Prepared& prepared, const Way& way)
 {
     QImage image = prepared.image;
     if (way.hasRoomAroundStops)
@@ -230,11 +236,11 @@ QList<qsizetype> TextReader::unknownOf(const QList<Piece>& pieces, const Way& wa
     return unknown;
 }
 
-QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
-                                               const IsWanted& isWanted)
+QList<TextReader::PieceReading> TextReader::readAll(const QList<Piece>& pieces, const Way& way,
+                                                    const IsWanted& isWanted)
 {
     const QList<qsizetype> unknown = unknownOf(pieces, way, isWanted);
-    std::vector<Reading> found(static_cast<std::size_t>(unknown.size()));
+    std::vector<PieceReading> found(static_cast<std::size_t>(unknown.size()));
     const int threads = way.isOnOneThread ? 1 : m_pool.maxThreadCount();
     const std::vector<char> isRead = forEach(unknown.size(), threads, [&](qsizetype at) {
         found[static_cast<std::size_t>(at)] = readPiece(*pieces.at(unknown.at(at)).prepared, way);
@@ -244,7 +250,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
         if (isRead[at])
             m_current.insert(keyOf(piece, way), found[at]);
     }
-    QList<Reading> readings(pieces.size());
+    QList<PieceReading> readings(pieces.size());
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (isWanted(place))
             readings[place] = m_current.value(keyOf(pieces.at(place), way));
@@ -252,7 +258,7 @@ QList<TextReader::Reading> TextReader::readAll(const QList<Piece>& pieces, const
     return readings;
 }
 
-QStringList TextReader::linesOf(const QList<Piece>& pieces, const QList<Reading>& readings)
+QStringList TextReader::linesOf(const QList<Piece>& pieces, const QList<PieceReading>& readings)
 {
     QStringList lines;
     qsizetype last = -1;
@@ -270,7 +276,7 @@ QStringList TextReader::linesOf(const QList<Piece>& pieces, const QList<Reading>
     return lines;
 }
 
-QStringList TextReader::recognize(const QImage& image, const Options& options)
+TextRecognizer::Reading TextReader::read(const QImage& image, const Options& options)
 {
     if (image.isNull())
         return {};
@@ -280,12 +286,13 @@ QStringList TextReader::recognize(const QImage& image, const Options& options)
     if (m_wantsRest.exchange(false))
         forget();
     m_current.clear();
-    m_began = processorTime();
+    m_spent = 0;
+    m_isWhole = true;
     QList<Piece> pieces = piecesOf(image.convertToFormat(QImage::Format_RGB32));
     prepare(pieces);
-    const QList<Reading> readings = readInAll(pieces, options);
+    const QList<PieceReading> readings = readInAll(pieces, options);
     m_known = std::exchange(m_current, {});
-    return linesOf(pieces, readings);
+    return {.lines = linesOf(pieces, readings), .isWhole = m_isWhole};
 }
 
 void TextReader::rest()
@@ -316,7 +323,7 @@ void TextReader::forget()
 
 bool TextReader::isGivenUp() const
 {
-    return m_wantsRest || processorTime() - m_began > m_patience;
+    return m_wantsRest || std::chrono::nanoseconds(m_spent) > m_patience;
 }
 
 } // namespace mossbank

@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -42,9 +43,10 @@ namespace mossbank {
 /// Threading: any thread; one picture at a time, the rest wait.
 class TextReader final : public TextRecognizer {
 public:
-    /// `patience`: the processor time that the lines of a picture may take. What looks like text
-    /// all over could take minutes; on a busy machine any picture may, and is read all the same.
-    /// `threads`: how many lines are read at once.
+    /// `patience`: the processor time that the lines of a picture may take, of all threads that
+    /// read them and of nothing else in the program. What looks like text all over could take
+    /// minutes; on a busy machine any picture may, and is read all the same. `threads`: how many
+    /// lines are read at once.
     explicit TextReader(std::unique_ptr<LineRecognizer> recognizer,
                         std::chrono::milliseconds patience = std::chrono::seconds(30),
                         int threads = usualThreads());
@@ -54,10 +56,12 @@ public:
     static int usualThreads();
 
     /// A line of text each, its words with one space between. Of a picture that takes longer than
-    /// it may, what has been read by then. A language that was not asked for and cannot be read in
-    /// is left out until the next rest.
-    QStringList recognize(const QImage& image, const Options& options) override;
-    /// Returns at once. A reading under way ends soon, with what it has, and that is forgotten.
+    /// it may, what has been read by then, which is not the whole: read once more, it goes on from
+    /// there. A language that was not asked for and cannot be read in is left out until the next
+    /// rest.
+    Reading read(const QImage& image, const Options& options) override;
+    /// Returns at once. A reading under way ends soon, with what it has, which is not the whole
+    /// then and is forgotten.
     void rest() override;
 
 private:
@@ -92,21 +96,21 @@ private:
         bool isOnOneThread = false;
     };
     /// What a piece says, read in one way.
-    struct Reading {
+    struct PieceReading {
         QList<RecognizedWord> words;
         /// That of most of the words.
         QString language;
         /// The mean of the words', by their lengths. 0 without words.
         double confidence = 0;
     };
-    using Readings = QHash<QByteArray, Reading>;
+    using Readings = QHash<QByteArray, PieceReading>;
     using IsWanted = std::function<bool(qsizetype)>;
     using AllPrepared = QHash<QByteArray, std::shared_ptr<const Prepared>>;
 
     QList<Piece> piecesOf(const QImage& picture);
     void prepare(QList<Piece>& pieces);
     /// Calls `work` for each number below `count`, on so many threads, until the picture is given
-    /// up. Returns which numbers it was called for.
+    /// up. Returns which numbers it was called for, and notes when that were not all.
     std::vector<char> forEach(qsizetype count, int threads,
                               const std::function<void(qsizetype)>& work);
     /// What is not known yet of a picture as it is read in a way, each once. The widest come first,
@@ -119,33 +123,35 @@ private:
     /// did. No other language where `other` is empty.
     std::exception_ptr readAhead(const QList<Piece>& pieces, const Way& way, const QString& other);
     /// What each piece says, as far as `isWanted` asks for it.
-    QList<Reading> readAll(const QList<Piece>& pieces, const Way& way, const IsWanted& isWanted);
-    static Reading readingOf(const QList<RecognizedWord>& words, const QString& language);
-    Reading readPiece(const Prepared& prepared, const Way& way);
-    QList<Reading> readInAll(const QList<Piece>& pieces, const Options& options);
+    QList<PieceReading> readAll(const QList<Piece>& pieces, const Way& way,
+                                const IsWanted& isWanted);
+    static PieceReading readingOf(const QList<RecognizedWord>& words, const QString& language);
+    PieceReading readPiece(const Prepared& prepared, const Way& way);
+    QList<PieceReading> readInAll(const QList<Piece>& pieces, const Options& options);
     /// Takes from another language what it reads better. `most`: of how many pieces it is looked
     /// for.
-    void improve(QList<Reading>& readings, const QList<Piece>& pieces, Way way, qsizetype most);
+    void improve(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way,
+                 qsizetype most);
     /// Reads what is unsure in that language in another way, and takes what is surer.
-    void readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces, const Way& way);
+    void readUnsureAgain(QList<PieceReading>& readings, const QList<Piece>& pieces, const Way& way);
     /// Null for each piece whose letters are of different widths.
     static std::vector<const LetterCells*> cellsOfFixedPitch(const QList<Piece>& pieces);
     /// Takes from a larger reading the dots that are lost.
-    void readLargerForDots(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
+    void readLargerForDots(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way);
     /// Reads with room around them where there are more full stops than were read, and takes them.
-    void readStopsApart(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
+    void readStopsApart(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way);
     /// Puts right what cannot be as it was read, by how the letters look. `way`: in which all have
     /// been read first.
-    void correctLetters(QList<Reading>& readings, const QList<Piece>& pieces, Way way);
+    void correctLetters(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way);
     /// Of a piece in that way; for all that look the same.
     static QByteArray keyOf(const Piece& piece, const Way& way);
     /// In heights of itself, which are all made one.
     static double lengthOf(const QImage& line);
     /// At most so many of the pieces whose reading is less sure.
-    static QSet<qsizetype> longestBelow(double confidence, const QList<Reading>& readings,
+    static QSet<qsizetype> longestBelow(double confidence, const QList<PieceReading>& readings,
                                         const QList<Piece>& pieces, qsizetype most);
-    static QList<qsizetype> placesBelow(double confidence, const QList<Reading>& readings);
-    static QStringList linesOf(const QList<Piece>& pieces, const QList<Reading>& readings);
+    static QList<qsizetype> placesBelow(double confidence, const QList<PieceReading>& readings);
+    static QStringList linesOf(const QList<Piece>& pieces, const QList<PieceReading>& readings);
     /// Whether the picture is read no further.
     bool isGivenUp() const;
     void restIfWanted();
@@ -154,9 +160,11 @@ private:
     std::unique_ptr<LineRecognizer> m_recognizer;
     std::chrono::milliseconds m_patience;
     QMutex m_mutex;
-    /// The processor time when the reading under way began.
-    std::chrono::milliseconds m_began{0};
-    /// Two threads of its own: a reading waits for them, and may itself run on the global pool.
+    /// The processor time that the lines of the reading under way have taken, in nanoseconds.
+    std::atomic<std::int64_t> m_spent = 0;
+    /// Whether all of the picture has been read so far.
+    bool m_isWhole = true;
+    /// Threads of its own: a reading waits for them, and may itself run on the global pool.
     QThreadPool m_pool;
     /// Of the picture read last, and of the one that is being read.
     Readings m_known;

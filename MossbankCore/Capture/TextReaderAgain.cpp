@@ -37,31 +37,32 @@ std::vector<const LetterCells*> TextReader::cellsOfFixedPitch(const QList<Piece>
     return cells;
 }
 
-void TextReader::readLargerForDots(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
+void TextReader::readLargerForDots(QList<PieceReading>& readings, const QList<Piece>& pieces,
+                                   Way way)
 {
     way.height = kLargeHeight;
     way.isSharp = true;
     const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
     const auto isMeant = [&](qsizetype place) {
-        const Reading& reading = readings.at(place);
+        const PieceReading& reading = readings.at(place);
         return reading.language == way.language && reading.confidence < kNearlySure &&
                !isLong(pieces.at(place).image.whole) && !cells[static_cast<std::size_t>(place)];
     };
-    const QList<Reading> seconds = readAll(pieces, way, isMeant);
+    const QList<PieceReading> seconds = readAll(pieces, way, isMeant);
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         if (isMeant(place))
             readings[place].words = withDots(readings.at(place).words, seconds.at(place).words);
     }
 }
 
-void TextReader::readStopsApart(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
+void TextReader::readStopsApart(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way)
 {
     way.hasRoomAroundStops = true;
     const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
     QHash<qsizetype, qsizetype> lost;
     for (qsizetype place = 0; place < pieces.size(); ++place) {
         const Piece& piece = pieces.at(place);
-        const Reading& reading = readings.at(place);
+        const PieceReading& reading = readings.at(place);
         if (reading.language != way.language || !piece.prepared ||
             cells[static_cast<std::size_t>(place)] || isLong(piece.image.whole))
             continue;
@@ -69,7 +70,7 @@ void TextReader::readStopsApart(QList<Reading>& readings, const QList<Piece>& pi
         if (more > 0)
             lost.insert(place, more);
     }
-    const QList<Reading> seconds =
+    const QList<PieceReading> seconds =
         readAll(pieces, way, [&](qsizetype place) { return lost.contains(place); });
     for (auto it = lost.cbegin(); it != lost.cend(); ++it) {
         QList<RecognizedWord>& words = readings[it.key()].words;
@@ -77,7 +78,7 @@ void TextReader::readStopsApart(QList<Reading>& readings, const QList<Piece>& pi
     }
 }
 
-void TextReader::correctLetters(QList<Reading>& readings, const QList<Piece>& pieces, Way way)
+void TextReader::correctLetters(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way)
 {
     const std::vector<const LetterCells*> cells = cellsOfFixedPitch(pieces);
     const auto cellsOf = [&](qsizetype place) {
@@ -85,7 +86,7 @@ void TextReader::correctLetters(QList<Reading>& readings, const QList<Piece>& pi
     };
     // What each piece says, as it was chosen and in other ways.
     QList<QList<QList<RecognizedWord>>> all(pieces.size());
-    const auto add = [&](const QList<Reading>& some) {
+    const auto add = [&](const QList<PieceReading>& some) {
         for (qsizetype place = 0; place < pieces.size(); ++place) {
             if (!some.at(place).words.isEmpty())
                 all[place].append(some.at(place).words);

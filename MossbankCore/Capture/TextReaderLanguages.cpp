@@ -60,8 +60,8 @@ std::exception_ptr TextReader::readAhead(const QList<Piece>& pieces, const Way& 
     Way otherWay = way;
     otherWay.language = other;
     const QList<qsizetype> unknown = unknownOf(pieces, way, [](qsizetype) { return true; });
-    std::vector<std::optional<Reading>> found(static_cast<std::size_t>(unknown.size()));
-    std::vector<std::optional<Reading>> others(found.size());
+    std::vector<std::optional<PieceReading>> found(static_cast<std::size_t>(unknown.size()));
+    std::vector<std::optional<PieceReading>> others(found.size());
     std::atomic<bool> isOver = other.isEmpty();
     std::exception_ptr failure;
     const auto readInOther = [&](qsizetype at) {
@@ -81,7 +81,7 @@ std::exception_ptr TextReader::readAhead(const QList<Piece>& pieces, const Way& 
     forEach(isLongAlone ? 2 : unknown.size(), threads, [&](qsizetype at) {
         if (at == unknown.size())
             return readInOther(0);
-        const Reading reading = readPiece(*pieces.at(unknown.at(at)).prepared, way);
+        const PieceReading reading = readPiece(*pieces.at(unknown.at(at)).prepared, way);
         found[static_cast<std::size_t>(at)] = reading;
         if (reading.confidence < kDoubtful && !isLongAlone)
             readInOther(at);
@@ -96,7 +96,8 @@ std::exception_ptr TextReader::readAhead(const QList<Piece>& pieces, const Way& 
     return failure;
 }
 
-QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, const Options& options)
+QList<TextReader::PieceReading> TextReader::readInAll(const QList<Piece>& pieces,
+                                                      const Options& options)
 {
     const QStringList named = options.languages.value_or(QStringList());
     LineLanguages languages = m_recognizer->languages(named);
@@ -105,7 +106,7 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
     const QString second = languages.expected.value(0);
     const bool isLeftOut = named.isEmpty() && m_leftOut.contains(second);
     const std::exception_ptr failure = readAhead(pieces, way, isLeftOut ? QString() : second);
-    QList<Reading> readings = readAll(pieces, way, [](qsizetype) { return true; });
+    QList<PieceReading> readings = readAll(pieces, way, [](qsizetype) { return true; });
     // What was asked for and cannot be done is told. Of what is only installed a damaged model must
     // not be the end of all reading.
     const auto readIn = [&](const QString& language, const auto& work) {
@@ -151,7 +152,7 @@ QList<TextReader::Reading> TextReader::readInAll(const QList<Piece>& pieces, con
     return readings;
 }
 
-QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<Reading>& readings,
+QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<PieceReading>& readings,
                                          const QList<Piece>& pieces, qsizetype most)
 {
     QList<qsizetype> places = placesBelow(confidence, readings);
@@ -165,7 +166,7 @@ QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<Reading>
     return {places.cbegin(), places.cend()};
 }
 
-QList<qsizetype> TextReader::placesBelow(double confidence, const QList<Reading>& readings)
+QList<qsizetype> TextReader::placesBelow(double confidence, const QList<PieceReading>& readings)
 {
     QList<qsizetype> places;
     for (qsizetype place = 0; place < readings.size(); ++place) {
@@ -175,18 +176,18 @@ QList<qsizetype> TextReader::placesBelow(double confidence, const QList<Reading>
     return places;
 }
 
-void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, Way way,
+void TextReader::improve(QList<PieceReading>& readings, const QList<Piece>& pieces, Way way,
                          qsizetype most)
 {
     constexpr double kBetter = 2;
     constexpr double kLeast = 70;
     // First where what is known is in doubt.
     QSet<qsizetype> tried = longestBelow(kDoubtful, readings, pieces, most);
-    QList<Reading> others =
+    QList<PieceReading> others =
         readAll(pieces, way, [&](qsizetype place) { return tried.contains(place); });
     QList<qsizetype> found;
     for (qsizetype place = 0; place < pieces.size(); ++place) {
-        const Reading& other = others.at(place);
+        const PieceReading& other = others.at(place);
         if (other.confidence > kDoubtful &&
             other.confidence > readings.at(place).confidence + kBetter &&
             hasOtherLetters(other.words))
@@ -213,7 +214,7 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, W
         }
         found.clear();
         tried += beside;
-        const QList<Reading> more =
+        const QList<PieceReading> more =
             readAll(pieces, way, [&](qsizetype place) { return beside.contains(place); });
         for (const qsizetype place : std::as_const(beside)) {
             others[place] = more.at(place);
@@ -223,7 +224,7 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, W
         }
     }
     for (const qsizetype place : std::as_const(tried)) {
-        Reading other = others.at(place);
+        PieceReading other = others.at(place);
         if (other.confidence > std::max(kLeast, readings.at(place).confidence + 1))
             std::swap(readings[place], other);
         readings[place] = readingOf(betterWords(readings.at(place).words, other.words),
@@ -231,16 +232,16 @@ void TextReader::improve(QList<Reading>& readings, const QList<Piece>& pieces, W
     }
 }
 
-void TextReader::readUnsureAgain(QList<Reading>& readings, const QList<Piece>& pieces,
+void TextReader::readUnsureAgain(QList<PieceReading>& readings, const QList<Piece>& pieces,
                                  const Way& way)
 {
-    const QList<Reading> seconds = readAll(pieces, way, [&](qsizetype place) {
-        const Reading& reading = readings.at(place);
+    const QList<PieceReading> seconds = readAll(pieces, way, [&](qsizetype place) {
+        const PieceReading& reading = readings.at(place);
         return reading.confidence < kUnsure && reading.language == way.language;
     });
     for (qsizetype place = 0; place < pieces.size(); ++place) {
-        const Reading& second = seconds.at(place);
-        Reading& reading = readings[place];
+        const PieceReading& second = seconds.at(place);
+        PieceReading& reading = readings[place];
         // Smaller, a dot or a space is lost more easily, and the recogniser does not miss it.
         const bool isTrusted =
             second.confidence >= kUnsure || second.words.size() > reading.words.size();

@@ -24,14 +24,27 @@ public:
         std::optional<QStringList> languages = {};
     };
 
+    struct Reading {
+        /// The pieces of text found, the best reading of each, in reading order. None is no
+        /// failure.
+        QStringList lines;
+        /// False where the picture was given up before its end: there may be more in it.
+        bool isWhole = true;
+    };
+
     TextRecognizer() = default;
     virtual ~TextRecognizer() = default;
     TextRecognizer(const TextRecognizer&) = delete;
     TextRecognizer& operator=(const TextRecognizer&) = delete;
 
-    /// The pieces of text found, the best reading of each, in reading order. None is no failure.
     /// Throws what the recogniser reports as a failure, a `Failure` where it can.
-    virtual QStringList recognize(const QImage& image, const Options& options) = 0;
+    virtual Reading read(const QImage& image, const Options& options) = 0;
+
+    /// The same for whom what was found is enough.
+    QStringList recognize(const QImage& image, const Options& options)
+    {
+        return read(image, options).lines;
+    }
 
     /// Forgets what it read and gives its memory back, until the next picture. Returns at once; a
     /// reading under way goes on, and is forgotten when it ends.

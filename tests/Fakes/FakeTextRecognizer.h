@@ -30,6 +30,13 @@ public:
         m_lines = std::move(lines);
     }
 
+    /// Whether what is read from now on is all that there is.
+    void setWhole(bool isWhole)
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isWhole = isWhole;
+    }
+
     /// What every reading from now on throws; empty for none.
     void setFailure(std::exception_ptr failure)
     {
@@ -79,9 +86,9 @@ public:
         ++m_rests;
     }
 
-    QStringList recognize(const QImage& image, const Options& options) override
+    Reading read(const QImage& image, const Options& options) override
     {
-        QStringList lines;
+        Reading reading;
         std::exception_ptr failure;
         std::function<void()> hook;
         {
@@ -89,7 +96,7 @@ public:
             ++m_readings;
             m_lastOptions = options;
             m_lastImage = image;
-            lines = m_lines;
+            reading = {.lines = m_lines, .isWhole = m_isWhole};
             failure = m_failure;
             hook = m_hook;
         }
@@ -97,12 +104,13 @@ public:
             hook();
         if (failure)
             std::rethrow_exception(failure);
-        return lines;
+        return reading;
     }
 
 private:
     mutable std::mutex m_mutex;
     QStringList m_lines;
+    bool m_isWhole = true;
     std::exception_ptr m_failure;
     std::function<void()> m_hook;
     int m_readings = 0;

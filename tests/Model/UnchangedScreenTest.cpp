@@ -74,6 +74,26 @@ private Q_SLOTS:
         QVERIFY(saved[0].filename != saved[1].filename);
     }
 
+    void whatWasNotReadToItsEndIsReadAgainAtTheRefresh()
+    {
+        RecorderRig rig;
+        rig.preferences.setUnchangedRefreshMinutes(0.5);
+        rig.recognizer.setWhole(false);
+        rig.start();
+        QCOMPARE(rig.saved().first().text, u"first line\nsecond line"_s);
+        rig.recognizer.setLines({u"first line"_s, u"second line"_s, u"third line"_s});
+        rig.nextPass();
+        QCOMPARE(rig.recognizer.readings(), 2);
+        QCOMPARE(rig.saved().first().text, u"first line\nsecond line\nthird line"_s);
+        rig.recognizer.setWhole(true);
+        rig.nextPass();
+        QCOMPARE(rig.recognizer.readings(), 3);
+        // From now on it is known what the screen says.
+        rig.nextPass();
+        QCOMPARE(rig.saved().size(), 4);
+        QCOMPARE(rig.recognizer.readings(), 3);
+    }
+
     void aScreenUnchangedButForWhatMovesIsReadAtTheRefresh()
     {
         RecorderRig rig;

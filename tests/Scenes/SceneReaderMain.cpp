@@ -58,7 +58,7 @@ QStringList wordsIn(const QString& path)
 /// Reads a picture as the program `tesseract` does when nothing is prepared for it.
 class StockRecognizer final : public TextRecognizer {
 public:
-    QStringList recognize(const QImage& image, const Options&) override
+    TextRecognizer::Reading read(const QImage& image, const Options&) override
     {
         const QString path = m_folder.filePath(u"picture.png"_s);
         QProcess stock;
@@ -67,7 +67,7 @@ public:
         stock.waitForFinished(-1);
         if (stock.error() != QProcess::UnknownError || stock.exitCode() != 0)
             throw std::runtime_error("package tesseract-ocr or a language of it is missing");
-        return QString::fromUtf8(stock.readAllStandardOutput()).split(u'\n');
+        return {QString::fromUtf8(stock.readAllStandardOutput()).split(u'\n')};
     }
     void rest() override {}
 

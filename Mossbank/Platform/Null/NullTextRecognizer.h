@@ -16,7 +16,7 @@ public:
     {
     }
 
-    QStringList recognize(const QImage&, const Options&) override { throw Failure(m_reason); }
+    Reading read(const QImage&, const Options&) override { throw Failure(m_reason); }
     void rest() override {}
 
 private:

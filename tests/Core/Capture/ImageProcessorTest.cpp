@@ -77,6 +77,7 @@ private Q_SLOTS:
     void theLinesAreJoinedByLineFeeds();
     void theRecogniserIsAskedForNoCorrectionAndAnyLanguage();
     void theOptionsGivenArePassedOn();
+    void whetherAllWasReadIsTold();
     void textThatIsKnownIsNotReadAgain_data();
     void textThatIsKnownIsNotReadAgain();
 
@@ -212,6 +213,17 @@ void ImageProcessorTest::theOptionsGivenArePassedOn()
     QCOMPARE(recognizer.lastOptions().languages, std::optional(languages));
     ImageProcessor::recognize(colourful(), recognizer, false, QStringList());
     QCOMPARE(recognizer.lastOptions().languages, std::optional(QStringList()));
+}
+
+void ImageProcessorTest::whetherAllWasReadIsTold()
+{
+    FakeTextRecognizer recognizer({u"other words"_s});
+    QVERIFY(processed(colourful(), 0.7, {}, recognizer).isWhole);
+    recognizer.setWhole(false);
+    const ProcessedImage result = processed(colourful(), 0.7, {}, recognizer);
+    QVERIFY(!result.isWhole);
+    QCOMPARE(result.text, u"other words"_s);
+    QVERIFY(processed(colourful(), 0.7, u"known"_s, recognizer).isWhole);
 }
 
 void ImageProcessorTest::textThatIsKnownIsNotReadAgain_data()

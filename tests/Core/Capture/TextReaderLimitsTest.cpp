@@ -10,7 +10,10 @@
 #include <QSemaphore>
 #include <QTest>
 
-#include <ctime>
+#include <time.h>
+
+#include <atomic>
+#include <thread>
 
 namespace mossbank {
 
@@ -29,11 +32,18 @@ QImage manyLines()
     return picture;
 }
 
-/// Takes so much of a processor's time.
+std::chrono::nanoseconds processorTime()
+{
+    timespec time = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+/// Takes so much of a processor's time on this thread.
 void work(std::chrono::milliseconds time)
 {
-    const auto end = std::clock() + time.count() * CLOCKS_PER_SEC / 1000;
-    while (std::clock() < end) {
+    const auto end = processorTime() + time;
+    while (processorTime() < end) {
     }
 }
 
@@ -43,26 +53,35 @@ class TextReaderLimitsTest : public QObject, private ReaderOfFakeLines {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aPictureIsNotReadForEver();
+    void aPictureIsNotReadForEverAndTheNextTimeFurther();
     void aPictureThatOnlyWaitsIsReadWhole();
+    void whatElseTheProgramDoesDoesNotCount();
     void whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole();
 };
 
-void TextReaderLimitsTest::aPictureIsNotReadForEver()
+void TextReaderLimitsTest::aPictureIsNotReadForEverAndTheNextTimeFurther()
 {
     makeReader(std::chrono::milliseconds(600));
     m_fake->setReader([](const QImage& line, const QString&) {
         work(std::chrono::milliseconds(50));
         return FakeLineRecognizer::wordsOn(line);
     });
-    const QStringList first = m_reader->recognize(manyLines(), {});
-    QVERIFY(!first.isEmpty());
-    QVERIFY(first.size() < kLines);
-    QCOMPARE(m_fake->readings().size(), first.size());
-    // What was left is read the next time, and not taken for empty.
-    const QStringList second = m_reader->recognize(manyLines(), {});
-    QVERIFY(second.size() > first.size());
-    QCOMPARE(m_fake->readings().size(), second.size());
+    qsizetype last = 0;
+    int times = 0;
+    for (bool isWhole = false; !isWhole; ++times) {
+        const TextRecognizer::Reading reading = m_reader->read(manyLines(), {});
+        // What was left is read now, and was not taken for empty; what was read is not read again.
+        QVERIFY(reading.lines.size() > last);
+        last = reading.lines.size();
+        isWhole = reading.isWhole;
+        QCOMPARE(isWhole, last == kLines);
+        QCOMPARE(m_fake->readings().size(), last);
+    }
+    // The time of all threads counts.
+    QVERIFY(times >= 3);
+    const QStringList complete = m_reader->recognize(manyLines(), {});
+    makeReader();
+    QCOMPARE(m_reader->recognize(manyLines(), {}), complete);
 }
 
 void TextReaderLimitsTest::aPictureThatOnlyWaitsIsReadWhole()
@@ -72,7 +91,35 @@ void TextReaderLimitsTest::aPictureThatOnlyWaitsIsReadWhole()
         QTest::qSleep(80);
         return FakeLineRecognizer::wordsOn(line);
     });
-    QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
+    const TextRecognizer::Reading reading = m_reader->read(manyLines(), {});
+    QCOMPARE(reading.lines.size(), kLines);
+    QVERIFY(reading.isWhole);
+}
+
+void TextReaderLimitsTest::whatElseTheProgramDoesDoesNotCount()
+{
+    makeReader(std::chrono::milliseconds(600));
+    std::atomic<bool> isOver = false;
+    std::atomic<std::int64_t> elsewhere = 0;
+    std::thread other([&] {
+        while (!isOver) {
+            work(std::chrono::milliseconds(10));
+            elsewhere += 10;
+        }
+    });
+    // The reading itself goes on until the other thread has had far more than it may have.
+    m_fake->setReader([&](const QImage& line, const QString&) {
+        const auto until = elsewhere + 60;
+        while (elsewhere < until)
+            QTest::qSleep(1);
+        return FakeLineRecognizer::wordsOn(line);
+    });
+    const TextRecognizer::Reading reading = m_reader->read(manyLines(), {});
+    isOver = true;
+    other.join();
+    QVERIFY(elsewhere > 1000);
+    QCOMPARE(reading.lines.size(), kLines);
+    QVERIFY(reading.isWhole);
 }
 
 void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
@@ -84,11 +131,12 @@ void TextReaderLimitsTest::whoRestsIsNotWaitedForAndTheNextPictureIsReadWhole()
         QTest::qSleep(20);
         return FakeLineRecognizer::wordsOn(line);
     });
-    QFuture<QStringList> reading =
-        inBackground([&] { return m_reader->recognize(manyLines(), {}); });
+    QFuture<TextRecognizer::Reading> reading =
+        inBackground([&] { return m_reader->read(manyLines(), {}); });
     begun.acquire();
     m_reader->rest();
-    QVERIFY(reading.result().size() < kLines / 2);
+    QVERIFY(reading.result().lines.size() < kLines / 2);
+    QVERIFY(!reading.result().isWhole);
     // Also right after the wish.
     m_reader->rest();
     QCOMPARE(m_reader->recognize(manyLines(), {}).size(), kLines);
