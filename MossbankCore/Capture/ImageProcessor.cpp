@@ -7,6 +7,7 @@
 
 #include <QBuffer>
 #include <QImageWriter>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +20,16 @@ namespace mossbank {
 namespace {
 
 using namespace Qt::StringLiterals;
+
+/// Has the global pool do both jobs of a picture at the same time, also where there is a single
+/// processor: the save waits for the longer of them and not for both.
+void makeRoomForBoth()
+{
+    constexpr int kJobs = 2;
+    QThreadPool& pool = *QThreadPool::globalInstance();
+    if (pool.maxThreadCount() < kJobs)
+        pool.setMaxThreadCount(kJobs);
+}
 
 /// In this order a number that is none counts as the lowest.
 double readable(double quality)
@@ -54,6 +65,7 @@ QCoro::Task<ProcessedImage> ImageProcessor::process(QImage image, double quality
                                                     std::optional<QString> text,
                                                     TextRecognizer& recognizer)
 {
+    makeRoomForBoth();
     const QFuture<QByteArray> encoded = encoding(image, readable(quality));
     const QFuture<Words> read =
         text ? QtFuture::makeReadyFuture(Words(*text, true)) : reading(image, recognizer);

@@ -29,7 +29,8 @@ struct ProcessedImage {
 /// only when the picture is going to be saved.
 ///
 /// Threading: `encode` and `recognize` run where they are called; `process` needs a thread with
-/// an event loop and does its work on the global pool.
+/// an event loop and does both on the global pool, a thread each, for which it has that pool keep
+/// two threads at least. The recogniser may have threads of its own besides.
 class ImageProcessor {
 public:
     ImageProcessor() = delete;
