@@ -147,9 +147,12 @@ private:
     static QByteArray keyOf(const Piece& piece, const Way& way);
     /// In heights of itself, which are all made one.
     static double lengthOf(const QImage& line);
-    /// At most so many of the pieces whose reading is less sure.
+    /// At most so many of the pieces whose reading is less sure, and what looks the same as they.
     static QSet<qsizetype> longestBelow(double confidence, const QList<PieceReading>& readings,
                                         const QList<Piece>& pieces, qsizetype most);
+    /// With all places of pieces that look the same as one of `places`: what is done with one is
+    /// done with each.
+    static QSet<qsizetype> withAlike(QSet<qsizetype> places, const QList<Piece>& pieces);
     static QList<qsizetype> placesBelow(double confidence, const QList<PieceReading>& readings);
     static QStringList linesOf(const QList<Piece>& pieces, const QList<PieceReading>& readings);
     /// Whether the picture is read no further.

@@ -163,7 +163,19 @@ QSet<qsizetype> TextReader::longestBelow(double confidence, const QList<PieceRea
         });
         places.resize(most);
     }
-    return {places.cbegin(), places.cend()};
+    return withAlike({places.cbegin(), places.cend()}, pieces);
+}
+
+QSet<qsizetype> TextReader::withAlike(QSet<qsizetype> places, const QList<Piece>& pieces)
+{
+    QSet<QByteArray> digests;
+    for (const qsizetype place : std::as_const(places))
+        digests.insert(pieces.at(place).digest);
+    for (qsizetype place = 0; place < pieces.size(); ++place) {
+        if (digests.contains(pieces.at(place).digest))
+            places.insert(place);
+    }
+    return places;
 }
 
 QList<qsizetype> TextReader::placesBelow(double confidence, const QList<PieceReading>& readings)
@@ -213,6 +225,7 @@ void TextReader::improve(QList<PieceReading>& readings, const QList<Piece>& piec
             }
         }
         found.clear();
+        beside = withAlike(std::move(beside), pieces);
         tried += beside;
         const QList<PieceReading> more =
             readAll(pieces, way, [&](qsizetype place) { return beside.contains(place); });

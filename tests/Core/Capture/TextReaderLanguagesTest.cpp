@@ -40,6 +40,8 @@ private Q_SLOTS:
     void onlyTheBestLanguageTriesMore();
     void anotherLanguageIsTriedWhereTheFirstIsInDoubt();
     void whereAnotherLanguageIsThereItIsTriedMoreWidely();
+    void linesThatLookTheSameSayTheSameWhereverTheyStand();
+    void alsoOfTheFewThatAreTriedInWhatIsOnlyInstalled();
     void whereNoLineIsOfAnotherLanguageNoneIsReadInIt();
     void wordsOfTwoLanguagesMayStandOnOneLine();
     void theLanguagesAskedForAreThoseRead();
@@ -185,6 +187,44 @@ void TextReaderLanguagesTest::whereAnotherLanguageIsThereItIsTriedMoreWidely()
     });
     QCOMPARE(read(written({5})), QStringList{u"sarki"_s});
     QCOMPARE(read(written({5, 4})), (QStringList{u"şarkı"_s, u"ışık"_s}));
+}
+
+void TextReaderLanguagesTest::linesThatLookTheSameSayTheSameWhereverTheyStand()
+{
+    m_fake->setLanguages({u"eng"_s, u"tur"_s});
+    // Lines of 4 are surely Turkish, those of 5 only where it is known to be there; all others are
+    // English, of which it is not quite sure.
+    m_fake->setReader([](const QImage& line, const QString& language) {
+        const auto size = FakeLineRecognizer::wordsOn(line).first().text.size();
+        if (language == u"eng"_s)
+            return size == 4 ? word(u"isik"_s, 80) : word(size == 5 ? u"sarki"_s : u"plain"_s, 92);
+        if (size == 4)
+            return word(u"ışık"_s, 94);
+        return size == 5 ? word(u"şarkı"_s, 95) : word(u"plane"_s, 60);
+    });
+    QCOMPARE(read(written({4, 5, 6, 7, 8, 9, 5})),
+             (QStringList{u"ışık"_s, u"şarkı"_s, u"plain"_s, u"plain"_s, u"plain"_s, u"plain"_s,
+                          u"şarkı"_s}));
+}
+
+void TextReaderLanguagesTest::alsoOfTheFewThatAreTriedInWhatIsOnlyInstalled()
+{
+    m_fake->setLanguages({u"eng"_s}, {u"tur"_s});
+    m_fake->setReader([](const QImage& line, const QString& language) {
+        const auto size = FakeLineRecognizer::wordsOn(line).first().text.size();
+        if (size == 5)
+            return language == u"eng"_s ? word(u"isik"_s, 82) : word(u"ışık"_s, 94);
+        return language == u"eng"_s ? word(u"plain"_s, 85) : word(u"plane"_s, 60);
+    });
+    // The eight longest are tried, one of the two of 5 among them.
+    const QList<int> lines = {5, 20, 19, 18, 17, 16, 15, 14, 5};
+    QImage picture = plain({400, 300});
+    for (qsizetype line = 0; line < lines.size(); ++line)
+        write(picture, {20, 10 + static_cast<int>(line) * kLineHeight}, {lines.at(line)});
+    const QStringList texts = read(picture);
+    QCOMPARE(texts.size(), lines.size());
+    QCOMPARE(texts.first(), u"ışık"_s);
+    QCOMPARE(texts.last(), u"ışık"_s);
 }
 
 void TextReaderLanguagesTest::whereNoLineIsOfAnotherLanguageNoneIsReadInIt()
