@@ -6,11 +6,14 @@
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Platform/PlatformFactory.h"
+#include "Mossbank/QuitEvents.h"
 #include "Mossbank/SingleInstance.h"
 #include "Mossbank/TerminalStatus.h"
 #include "Mossbank/TerminationSignals.h"
 #include "Mossbank/Translations/LinuxWording.h"
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
+#include "Mossbank/Views/PaletteAppearance.h"
+#include "Mossbank/Views/QuitQuestion/QuitQuestionWindow.h"
 #include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/Failure.h"
@@ -23,6 +26,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <memory>
 
@@ -33,14 +37,23 @@ namespace {
 
 constexpr int kFailed = 1;
 
-void parseCommandLine(const QCoreApplication& application)
+struct CommandLine {
+    /// The desktop starts the program, and not the user.
+    bool isAtLogin = false;
+};
+
+CommandLine parseCommandLine(const QCoreApplication& application)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(localized(
         "Records what is on the screen into a library on this computer, and nowhere else."));
     parser.addHelpOption();
     parser.addVersionOption();
+    const QCommandLineOption atLogin(
+        u"at-login"_s, localized("Said by the desktop that starts Mossbank at login."));
+    parser.addOption(atLogin);
     parser.process(application);
+    return {.isAtLogin = parser.isSet(atLogin)};
 }
 
 void sayHowToRecord(const Preferences& preferences)
@@ -56,10 +69,27 @@ void sayHowToRecord(const Preferences& preferences)
                 .arg(preferences.path()));
 }
 
-int run(const Platform& platform, const QString& library)
+/// Everything that can end the program, to the one that asks about it.
+void followEnds(const TerminationSignals& signals, const QuitEvents& events, AppModel& model)
+{
+    QuitGuard& guard = model.quitGuard();
+    QObject::connect(&signals, &TerminationSignals::received, &guard, [&guard](int signal) {
+        guard.quit(signal == SIGINT ? QuitGuard::Cause::Interrupt : QuitGuard::Cause::Session);
+    });
+    QObject::connect(&events, &QuitEvents::sessionEnds, &guard, &QuitGuard::expectQuit);
+    QObject::connect(&events, &QuitEvents::quits, &guard,
+                     [&guard] { guard.quit(QuitGuard::Cause::User); });
+    QObject::connect(
+        &model, &AppModel::readyToQuit, qApp, [] { QCoreApplication::exit(); },
+        Qt::QueuedConnection);
+}
+
+int run(const Platform& platform, const QString& library, const CommandLine& commandLine)
 {
     SystemClock clock;
     ApplicationChooserWindow applicationChooser(*platform.installedApplications);
+    PaletteAppearance appearance;
+    QuitQuestionWindow quitQuestion;
     Preferences preferences(Preferences::userPath(), platform.passwordManagers);
     AppModel model({.clock = clock,
                     .calendar = Calendar::current,
@@ -70,19 +100,27 @@ int run(const Platform& platform, const QString& library)
                     .sessionEvents = *platform.sessionEvents,
                     .addresses = *platform.addresses,
                     .applicationChooser = applicationChooser,
+                    .appearance = appearance,
+                    .loginService = *platform.loginService,
+                    .quitQuestion = quitQuestion,
+                    .relauncher = *platform.relauncher,
                     .recognizer = *platform.recognizer,
                     .preferences = preferences},
                    OpenedLibrary::at(library, platform.keychain.get()));
     const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
     const TerminationSignals signals;
-    QObject::connect(&signals, &TerminationSignals::received, &model, &AppModel::prepareToQuit);
-    QObject::connect(&model, &AppModel::readyToQuit, qApp, &QCoreApplication::quit,
-                     Qt::QueuedConnection);
+    const QuitEvents quitEvents;
+    followEnds(signals, quitEvents, model);
+    QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &model.launch(),
+                     [&model](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive)
+                             model.launch().becameActive();
+                     });
 
     TerminalStatus::say(localized("Library: %1").arg(library));
     sayHowToRecord(preferences);
     terminal.show();
-    model.finishedLaunching();
+    model.finishedLaunching(commandLine.isAtLogin);
     const MissingParts missing(platform, preferences);
     return QCoreApplication::exec();
 }
@@ -109,7 +147,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
     return application;
 }
 
-int start(const Availability& windows)
+int start(const Availability& windows, const CommandLine& commandLine)
 {
     const QString library = LibraryLocation::library();
     const SingleInstance instance(library);
@@ -130,16 +168,16 @@ int start(const Availability& windows)
         TerminalStatus::complain(screen.reason);
         return kFailed;
     }
-    const int status = run(platform, library);
+    const int status = run(platform, library, commandLine);
     // A reading may be under way still; it uses the platform's recogniser.
     QThreadPool::globalInstance()->waitForDone();
     return status;
 }
 
-int startOrSayWhyNot(const Availability& windows)
+int startOrSayWhyNot(const Availability& windows, const CommandLine& commandLine)
 {
     try {
-        return start(windows);
+        return start(windows, commandLine);
     } catch (const Failure& failure) {
         TerminalStatus::complain(failure.message());
         return kFailed;
@@ -157,8 +195,8 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
     LinuxWording wording;
     QCoreApplication::installTranslator(&wording);
-    parseCommandLine(*application);
-    const int status = startOrSayWhyNot(windows);
+    const CommandLine commandLine = parseCommandLine(*application);
+    const int status = startOrSayWhyNot(windows, commandLine);
     // Everything of this program is closed. Qt would take leave of the X server now, and wait for
     // one that has stopped answering for as long as that takes.
     std::_Exit(status);

@@ -16,10 +16,10 @@ constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 /// A signal handler may do next to nothing; writing a byte is among it.
 volatile std::sig_atomic_t writeEnd = -1;
 
-void note(int)
+void note(int signal)
 {
     const int interrupted = errno; // of whatever the handler broke into
-    const char byte = 0;
+    const auto byte = static_cast<char>(signal);
     [[maybe_unused]] const auto written = ::write(writeEnd, &byte, 1);
     errno = interrupted;
 }
@@ -50,10 +50,8 @@ TerminationSignals::TerminationSignals(QObject* parent)
         qFatal("No pipe could be made.");
     m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
-        char byte = 0;
-        while (::read(m_pipe[0], &byte, 1) > 0) {
-        }
-        Q_EMIT received();
+        for (char byte = 0; ::read(m_pipe[0], &byte, 1) > 0;)
+            Q_EMIT received(byte);
     });
     writeEnd = m_pipe[1];
     for (const int signal : kSignals) {

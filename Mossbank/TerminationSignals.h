@@ -9,8 +9,9 @@
 
 namespace mossbank {
 
-/// Turns the first SIGINT, SIGTERM or SIGHUP (the terminal was closed) into a Qt signal. A second
-/// one ends the process at once, for whoever cannot wait.
+/// Turns the first SIGINT (the user's own, on the terminal), SIGTERM or SIGHUP (the terminal was
+/// closed) into a Qt signal. A second one of its kind ends the process at once, for whoever cannot
+/// wait.
 ///
 /// Threading: the main thread. One in a process.
 class TerminationSignals : public QObject {
@@ -21,7 +22,7 @@ public:
     ~TerminationSignals() override;
 
 Q_SIGNALS:
-    void received();
+    void received(int signal);
 
 private:
     std::array<int, 2> m_pipe = {-1, -1};

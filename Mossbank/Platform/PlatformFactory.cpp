@@ -15,6 +15,7 @@
 #include "Mossbank/Platform/Linux/TesseractLineRecognizer.h"
 #include "Mossbank/Platform/Linux/X11FrontApplication.h"
 #include "Mossbank/Platform/Linux/X11Screen.h"
+#include "Mossbank/Platform/Linux/XdgAutostart.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
 #include "Mossbank/Platform/Null/NullFrontApplication.h"
 #include "Mossbank/Platform/Null/NullScreen.h"
@@ -100,6 +101,8 @@ Platform makePlatform(const QString& ownBundleID)
     platform.activation = makeProgramActivation(ownBundleID);
     platform.updates = std::make_unique<PackageKitUpdates>(executableOf(self));
     platform.relauncher = std::make_unique<ProcessRelauncher>(executableOf(self));
+    platform.loginService = std::make_unique<XdgAutostart>(
+        executableOf(QCoreApplication::applicationPid()), ownBundleID);
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     platform.passwordManagers = passwordManagersOfLinux();

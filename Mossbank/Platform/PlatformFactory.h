@@ -7,6 +7,7 @@
 #include "Mossbank/Ports/InstalledApplications.h"
 #include "Mossbank/Ports/ProgramActivation.h"
 #include "Mossbank/Ports/Relauncher.h"
+#include "Mossbank/Ports/LoginService.h"
 #include "Mossbank/Ports/Screen.h"
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
@@ -35,6 +36,7 @@ struct Platform {
     std::unique_ptr<ProgramActivation> activation;
     std::unique_ptr<Updates> updates;
     std::unique_ptr<Relauncher> relauncher;
+    std::unique_ptr<LoginService> loginService;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
     /// The identities of what keeps passwords, and of what shows keys, on this system alone.

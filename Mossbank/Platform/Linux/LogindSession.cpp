@@ -85,6 +85,8 @@ LogindSession::LogindSession(QObject* parent)
             });
     m_bus->connect(kService, kManagerPath, kManager, u"PrepareForSleep"_s, this,
                    SLOT(onPrepareForSleep(bool)));
+    m_bus->connect(kService, kManagerPath, kManager, u"PrepareForShutdown"_s, this,
+                   SLOT(onPrepareForShutdown(bool)));
 
     // What is so now has to be known before the first look at the screen.
     m_questions = questions();
@@ -224,6 +226,13 @@ void LogindSession::onPrepareForSleep(bool isBeginning)
 {
     m_isGoingToSleep = isBeginning;
     Q_EMIT sleepChanged();
+}
+
+void LogindSession::onPrepareForShutdown(bool isBeginning)
+{
+    // The end of it is told where it was called off.
+    if (isBeginning)
+        Q_EMIT shutsDown();
 }
 
 void LogindSession::onPropertiesChanged(const QString& interface, const QVariantMap& changed,

@@ -44,9 +44,12 @@ Q_SIGNALS:
     void lockedChanged();
     void activeChanged();
     void sleepChanged();
+    /// The machine is about to be switched off or started anew.
+    void shutsDown();
 
 private Q_SLOTS:
     void onPrepareForSleep(bool isBeginning);
+    void onPrepareForShutdown(bool isBeginning);
     void onPropertiesChanged(const QString& interface, const QVariantMap& changed,
                              const QStringList& invalidated);
 

@@ -18,6 +18,8 @@ SessionWatch::SessionWatch()
     connect(&m_screenSavers, &ScreenSavers::activeChanged, this, &SessionWatch::followLock);
     connect(&m_logind, &LogindSession::activeChanged, this, &SessionWatch::followSession);
     connect(&m_logind, &LogindSession::sleepChanged, this, &SessionWatch::followSleep);
+    connect(&m_logind, &LogindSession::shutsDown, this,
+            [this] { m_workspace.post(QString::fromUtf16(SessionEvents::kWillPowerOff)); });
     m_wasLocked = isLocked();
 }
 

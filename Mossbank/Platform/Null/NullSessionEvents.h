@@ -18,13 +18,14 @@ public:
     }
 
     Availability availability() const override { return Availability::missing(m_reason); }
-    NotificationCenter& workspace() override { return m_center; }
-    NotificationCenter& distributed() override { return m_center; }
+    NotificationCenter& workspace() override { return m_workspace; }
+    NotificationCenter& distributed() override { return m_distributed; }
     std::optional<bool> isOnConsole() const override { return std::nullopt; }
 
 private:
     QString m_reason;
-    NotificationCenter m_center;
+    NotificationCenter m_workspace;
+    NotificationCenter m_distributed{true};
 };
 
 } // namespace mossbank

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QObject>
+
+namespace mossbank {
+
+/// Hears what wants to end the program by way of Qt, a menu or the session manager, and leaves the
+/// decision to others: on its own Qt would end the event loop with a save under way.
+///
+/// Threading: the main thread. While there is an application with windows.
+class QuitEvents : public QObject {
+    Q_OBJECT
+
+public:
+    QuitEvents();
+
+Q_SIGNALS:
+    /// The session manager has begun to end the session.
+    void sessionEnds();
+    void quits();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+} // namespace mossbank
