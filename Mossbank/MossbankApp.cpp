@@ -20,15 +20,20 @@
 #include "MossbankCore/Support/SystemClock.h"
 
 #include <QCommandLineParser>
+#include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QThreadPool>
+#include <QWindow>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
+#include <thread>
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -40,6 +45,8 @@ constexpr int kFailed = 1;
 struct CommandLine {
     /// The desktop starts the program, and not the user.
     bool isAtLogin = false;
+    /// The one that runs is about to end for this one.
+    bool isRelaunched = false;
 };
 
 CommandLine parseCommandLine(const QCoreApplication& application)
@@ -51,9 +58,11 @@ CommandLine parseCommandLine(const QCoreApplication& application)
     parser.addVersionOption();
     const QCommandLineOption atLogin(
         u"at-login"_s, localized("Said by the desktop that starts Mossbank at login."));
-    parser.addOption(atLogin);
+    QCommandLineOption relaunched(QString::fromUtf16(Relauncher::kRelaunched).mid(2));
+    relaunched.setFlags(QCommandLineOption::HiddenFromHelp);
+    parser.addOptions({atLogin, relaunched});
     parser.process(application);
-    return {.isAtLogin = parser.isSet(atLogin)};
+    return {.isAtLogin = parser.isSet(atLogin), .isRelaunched = parser.isSet(relaunched)};
 }
 
 void sayHowToRecord(const Preferences& preferences)
@@ -84,6 +93,37 @@ void followEnds(const TerminationSignals& signals, const QuitEvents& events, App
         Qt::QueuedConnection);
 }
 
+void bringWindowsToFront()
+{
+    for (QWindow* const window : QGuiApplication::topLevelWindows()) {
+        if (!window->isVisible())
+            continue;
+        window->raise();
+        window->requestActivate();
+    }
+}
+
+bool hasVisibleWindows()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    return std::ranges::any_of(windows, &QWindow::isVisible);
+}
+
+/// What other starts of the program, and the desktop, ask of this one.
+void followCalls(ProgramActivation& activation, AppModel& model)
+{
+    QObject::connect(&activation, &ProgramActivation::activated, &model, [&model] {
+        if (model.launch().handleReopen(hasVisibleWindows()))
+            bringWindowsToFront();
+    });
+    QObject::connect(&activation, &ProgramActivation::actionRequested, &model,
+                     [&model](const QString& action) {
+                         if (action == QStringView(ProgramActivation::kQuit))
+                             model.quitGuard().quit(QuitGuard::Cause::User);
+                     });
+    activation.listen();
+}
+
 int run(const Platform& platform, const QString& library, const CommandLine& commandLine)
 {
     SystemClock clock;
@@ -104,6 +144,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                     .loginService = *platform.loginService,
                     .quitQuestion = quitQuestion,
                     .relauncher = *platform.relauncher,
+                    .updates = *platform.updates,
                     .recognizer = *platform.recognizer,
                     .preferences = preferences},
                    OpenedLibrary::at(library, platform.keychain.get()));
@@ -111,6 +152,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     const TerminationSignals signals;
     const QuitEvents quitEvents;
     followEnds(signals, quitEvents, model);
+    followCalls(*platform.activation, model);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &model.launch(),
                      [&model](Qt::ApplicationState state) {
                          if (state == Qt::ApplicationActive)
@@ -147,18 +189,42 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
     return application;
 }
 
+/// Holds the library. One that another ends for waits until it has.
+std::unique_ptr<SingleInstance> takeLibrary(const QString& library, bool isRelaunched)
+{
+    // The end of the other may wait ten seconds for what it saves.
+    constexpr auto kPatience = std::chrono::seconds(30);
+    constexpr auto kBetweenTries = std::chrono::milliseconds(100);
+    const QDeadlineTimer deadline(isRelaunched ? kPatience : std::chrono::seconds(0));
+    auto instance = std::make_unique<SingleInstance>(library);
+    while (!instance->isFirst() && !deadline.hasExpired()) {
+        std::this_thread::sleep_for(kBetweenTries);
+        instance = std::make_unique<SingleInstance>(library);
+    }
+    return instance;
+}
+
+/// Whoever starts the program once more means the one that runs.
+int callFirst(const SingleInstance& instance, const CommandLine& commandLine)
+{
+    TerminalStatus::complain(instance.whoIsFirst());
+    const auto process = instance.firstProcess();
+    if (!process || commandLine.isAtLogin)
+        return kFailed;
+    const auto activation = makeProgramActivation(QString::fromUtf16(kOwnBundleID));
+    return activation->activateFirst(*process) ? 0 : kFailed;
+}
+
 int start(const Availability& windows, const CommandLine& commandLine)
 {
     const QString library = LibraryLocation::library();
-    const SingleInstance instance(library);
-    if (!instance.problem().isEmpty()) {
-        TerminalStatus::complain(instance.problem());
+    const auto instance = takeLibrary(library, commandLine.isRelaunched);
+    if (!instance->problem().isEmpty()) {
+        TerminalStatus::complain(instance->problem());
         return kFailed;
     }
-    if (!instance.isFirst()) {
-        TerminalStatus::complain(instance.whoIsFirst());
-        return kFailed;
-    }
+    if (!instance->isFirst())
+        return callFirst(*instance, commandLine);
     if (!windows.isAvailable) {
         TerminalStatus::complain(windows.reason);
         return kFailed;

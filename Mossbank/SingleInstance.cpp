@@ -151,20 +151,38 @@ void SingleInstance::sign() const
         ::fdatasync(m_file) == 0; // another computer sees it only then
 }
 
-QString SingleInstance::whoIsFirst() const
+bool SingleInstance::Signature::isOfThisComputer() const
+{
+    return host == QSysInfo::machineHostName();
+}
+
+SingleInstance::Signature SingleInstance::signature() const
 {
     const QByteArrayList lines = beginningOf(m_path).split('\n');
-    const qint64 process = lines.first().toLongLong();
-    const QString host = QString::fromUtf8(lines.value(1));
-    if (process <= 0 || host.isEmpty())
-        return localized("Mossbank is already running.");
-    if (host != QSysInfo::machineHostName())
-        return localized("Mossbank is already running on %1 (process %2).")
-            .arg(host, QString::number(process));
+    const Signature signature = {lines.first().toLongLong(), QString::fromUtf8(lines.value(1))};
+    const bool isOne = signature.process > 0 && !signature.host.isEmpty();
     // What a killed one has left, before who came after it wrote its own.
-    if (!isAlive(process))
+    const bool isLeftOver = signature.isOfThisComputer() && !isAlive(signature.process);
+    return isOne && !isLeftOver ? signature : Signature();
+}
+
+std::optional<qint64> SingleInstance::firstProcess() const
+{
+    const Signature first = signature();
+    if (first.process == 0 || !first.isOfThisComputer())
+        return std::nullopt;
+    return first.process;
+}
+
+QString SingleInstance::whoIsFirst() const
+{
+    const Signature first = signature();
+    if (first.process == 0)
         return localized("Mossbank is already running.");
-    return localized("Mossbank is already running (process %1).").arg(process);
+    if (!first.isOfThisComputer())
+        return localized("Mossbank is already running on %1 (process %2).")
+            .arg(first.host, QString::number(first.process));
+    return localized("Mossbank is already running (process %1).").arg(first.process);
 }
 
 } // namespace mossbank

@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace mossbank {
 
 /// Sees to it that one Mossbank runs on a library, however the path to it is written. What holds
@@ -30,8 +32,20 @@ public:
 
     /// After `isFirst` was false: who came first, as a sentence for the user.
     QString whoIsFirst() const;
+    /// And its process, where it is known and of this computer.
+    std::optional<qint64> firstProcess() const;
 
 private:
+    /// What who holds the library has signed with.
+    struct Signature {
+        /// 0 when there is none.
+        qint64 process = 0;
+        QString host = {};
+
+        bool isOfThisComputer() const;
+    };
+    Signature signature() const;
+
     void take(const QString& root);
     void takeFile();
     void sign() const;

@@ -69,6 +69,7 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
                               .housekeeping = m_housekeeping,
                               .loginItem = m_loginItem,
                               .quitGuard = m_quitGuard})
+    , m_updater(surroundings.updates, m_recorder)
 {
     m_afterSave.follow(m_housekeeping);
     connect(&m_preferences, &Preferences::cannotBeStored, this, &AppModel::tellOfUnstored);

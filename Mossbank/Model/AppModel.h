@@ -11,6 +11,7 @@
 #include "Mossbank/Model/QuitGuard.h"
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Model/TimedPause.h"
+#include "Mossbank/Model/Updater.h"
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/ImageVault.h"
 
@@ -61,6 +62,7 @@ public:
     LoginItem& loginItem() { return m_loginItem; }
     QuitGuard& quitGuard() { return m_quitGuard; }
     Launch& launch() { return m_launch; }
+    Updater& updater() { return m_updater; }
     /// What the user calls the displays, the main one first.
     QStringList displayNames() const;
     /// Absent when the library could not be opened.
@@ -101,6 +103,7 @@ private:
     LoginItem m_loginItem;
     QuitGuard m_quitGuard;
     Launch m_launch;
+    Updater m_updater;
     /// Last: cancelled before anything above goes.
     Job m_quitting;
 };

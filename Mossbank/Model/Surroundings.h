@@ -19,6 +19,7 @@ class ScreenState;
 class SecureInput;
 class SessionEvents;
 class TextRecognizer;
+class Updates;
 
 /// What the model runs on: the desktop, the time, the user's choices. All of it outlives the model,
 /// and the recogniser also the readings begun, which may still be running on the global pool.
@@ -36,6 +37,7 @@ struct Surroundings {
     LoginService& loginService;
     QuitQuestion& quitQuestion;
     Relauncher& relauncher;
+    Updates& updates;
     TextRecognizer& recognizer;
     Preferences& preferences;
 };

@@ -11,10 +11,14 @@
 #include "tests/Fakes/FakeAddressSource.h"
 #include "tests/Fakes/FakeApplicationChooser.h"
 #include "tests/Fakes/FakeClock.h"
+#include "tests/Fakes/FakeDesktop.h"
 #include "tests/Fakes/FakeGuards.h"
+#include "tests/Fakes/FakeLoginService.h"
 #include "tests/Fakes/FakeNeighbours.h"
+#include "tests/Fakes/FakeRelauncher.h"
 #include "tests/Fakes/FakeSessionEvents.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
+#include "tests/Fakes/FakeUpdates.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -93,6 +97,11 @@ private:
     FakeSessionEvents m_sessionEvents;
     FakeAddressSource m_addresses;
     FakeApplicationChooser m_applicationChooser;
+    FakeAppearance m_appearance;
+    FakeLoginService m_loginService;
+    FakeQuitQuestion m_quitQuestion;
+    FakeRelauncher m_relauncher;
+    FakeUpdates m_updates;
     FakeTextRecognizer m_recognizer{{u"what is there"_s}};
     Preferences m_preferences{m_folder.filePath(u"choices.ini"_s)};
     FakePauses m_pauses;
@@ -109,6 +118,11 @@ private:
                          .sessionEvents = m_sessionEvents,
                          .addresses = m_addresses,
                          .applicationChooser = m_applicationChooser,
+                         .appearance = m_appearance,
+                         .loginService = m_loginService,
+                         .quitQuestion = m_quitQuestion,
+                         .relauncher = m_relauncher,
+                         .updates = m_updates,
                          .recognizer = m_recognizer,
                          .preferences = m_preferences},
                         {.pauses = m_pauses,

@@ -129,9 +129,8 @@ excludedBundles=@Size(3 4)
                              << QStringList{u"a.b"_s, u"c.d"_s};
         QTest::newRow("blanks in quotes")
             << QByteArray("excludedBundles=\" a.b\", \"c.d \"") << QStringList{u"a.b"_s, u"c.d"_s};
-        QTest::newRow("an identity that ends so")
-            << QByteArray("excludedBundles=a.b.desktop, c.d")
-            << QStringList{u"a.b.desktop"_s, u"c.d"_s};
+        QTest::newRow("an identity that ends so") << QByteArray("excludedBundles=a.b.desktop, c.d")
+                                                  << QStringList{u"a.b.desktop"_s, u"c.d"_s};
         QTest::newRow("a comma too many")
             << QByteArray("excludedBundles=a.b, ,c.d") << QStringList{u"a.b"_s, u"c.d"_s};
     }

@@ -17,6 +17,7 @@
 #include "tests/Fakes/FakeScreen.h"
 #include "tests/Fakes/FakeSessionEvents.h"
 #include "tests/Fakes/FakeTextRecognizer.h"
+#include "tests/Fakes/FakeUpdates.h"
 #include "tests/Fakes/NonceHook.h"
 
 #include <QTemporaryDir>
@@ -55,6 +56,7 @@ public:
     FakeLoginService loginService;
     FakeQuitQuestion quitQuestion;
     FakeRelauncher relauncher;
+    FakeUpdates updates;
     FakeTextRecognizer recognizer{{QStringLiteral("first line"), QStringLiteral("second line")}};
     Preferences preferences{folder.filePath(QStringLiteral("choices.ini"))};
     FakePauses pauses;
@@ -111,6 +113,7 @@ public:
                 .loginService = loginService,
                 .quitQuestion = quitQuestion,
                 .relauncher = relauncher,
+                .updates = updates,
                 .recognizer = recognizer,
                 .preferences = choices};
     }
