@@ -252,6 +252,9 @@ Asked<QList<AccessibleWindow>> askWindows(AccessibilityBus& bus, Accessible root
         else if (bus.isLeftAlone(child.service))
             co_return std::nullopt;
     }
+    // One that shows windows of which nothing can be read has not closed them all.
+    if (windows.isEmpty() && !children->isEmpty())
+        co_return std::nullopt;
     co_return windows;
 }
 

@@ -214,9 +214,12 @@ QCoro::Task<> FocusWatch::checkFocused()
     const auto role = co_await askRole(m_bus, object);
     if (turn != m_turn)
         co_return;
-    if (states && role && states->has(AccessibleState::Focused))
+    const bool isFocused = states && states->has(AccessibleState::Focused);
+    if (isFocused && role) {
         take({object, *role == static_cast<quint32>(AccessibleRole::PasswordText)});
-    else {
+    } else if (isFocused && m_typing.place() == Place::PasswordField) {
+        // It has the focus still and does not say any more what it is, so it is what it was.
+    } else {
         // It has lost the focus, or is gone. What it was then does not stand for what has it now.
         if (!m_bus.isLeftAlone(object.service))
             m_typing.setPlace(Place::Asked);
