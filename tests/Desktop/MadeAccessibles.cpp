@@ -3,12 +3,14 @@
 
 #include "Mossbank/Platform/Linux/Accessible.h"
 #include "Mossbank/Platform/Linux/BusConnection.h"
+#include "Mossbank/Platform/Linux/X11ActiveWindow.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -130,6 +132,22 @@ MadeAccessibles::~MadeAccessibles()
     QDBusConnection::disconnectFromBus(m_name);
     m_thread.quit();
     m_thread.wait();
+}
+
+std::unique_ptr<PaintedWindows> MadeAccessibles::show(const QString& more)
+{
+    constexpr int kPatience = 20'000;
+    answer(Part::Window, u"Name"_s, {QVariant::fromValue(QDBusVariant(kTitle + more))});
+    auto windows = std::make_unique<PaintedWindows>();
+    const quint32 window = windows->open(
+        {.frame = {200, 200, 400, 300}, .windowClass = u"chromium"_s, .title = kTitle});
+    const auto isActive = [&] {
+        const auto active = X11ActiveWindow().read();
+        return active && active->id == window;
+    };
+    if (!window || !QTest::qWaitFor(isActive, kPatience))
+        windows.reset();
+    return windows;
 }
 
 QVariant MadeAccessibles::objects(const QList<Part>& parts) const

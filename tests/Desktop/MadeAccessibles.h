@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "tests/Desktop/PaintedWindows.h"
+
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 #include <QHash>
@@ -8,6 +10,7 @@
 #include <QThread>
 #include <QVariantList>
 
+#include <memory>
 #include <optional>
 
 namespace mossbank::test {
@@ -29,6 +32,10 @@ public:
 
     /// Whether it has come to the bus.
     bool isThere() const { return m_isThere; }
+
+    /// Shows its window and waits until it is the active one. It tells `more` behind the title to
+    /// assistive tools alone. Nothing when it does not come to be so.
+    std::unique_ptr<PaintedWindows> show(const QString& more = {});
 
     /// What of it is asked.
     enum class Part { Registry, Program, Window, Field, Document };

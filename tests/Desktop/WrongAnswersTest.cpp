@@ -5,7 +5,6 @@
 #include "Mossbank/Platform/Linux/AtspiAddressSource.h"
 #include "Mossbank/Platform/Linux/FocusWatch.h"
 #include "tests/Desktop/MadeAccessibles.h"
-#include "tests/Desktop/PaintedWindows.h"
 #include "tests/Desktop/TestBus.h"
 #include "tests/Desktop/VirtualDesktop.h"
 
@@ -111,17 +110,8 @@ void WrongAnswersTest::init()
     QVERIFY2(m_bus->problem().isEmpty(), qPrintable(m_bus->problem()));
     m_program = std::make_unique<MadeAccessibles>(m_bus->address());
     QVERIFY(m_program->isThere());
-    m_windows = std::make_unique<PaintedWindows>();
-    const quint32 window = m_windows->open({.frame = {200, 200, 400, 300},
-                                            .windowClass = u"chromium"_s,
-                                            .title = MadeAccessibles::kTitle});
-    QVERIFY(window);
-    QVERIFY(QTest::qWaitFor(
-        [&] {
-            const auto active = X11ActiveWindow().read();
-            return active && active->id == window;
-        },
-        kPatience));
+    m_windows = m_program->show();
+    QVERIFY(m_windows);
 }
 
 void WrongAnswersTest::cleanup()
