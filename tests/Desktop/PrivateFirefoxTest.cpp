@@ -1,36 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A real Firefox all of whose windows are private, which none of them says.
-#include "Mossbank/Platform/Linux/AccessibilityBus.h"
-#include "Mossbank/Platform/Linux/AtspiAddressSource.h"
 #include "Mossbank/Platform/Linux/PageQuestion.h"
-#include "tests/Desktop/AccessibilityTest.h"
-#include "tests/Desktop/PageServer.h"
+#include "tests/Desktop/BrowserTest.h"
 
 #include <QDebug>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
+#include <qcoro/qcorotask.h>
 
 using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
 
-class PrivateFirefoxTest final : public AccessibilityTest {
+class PrivateFirefoxTest final : public BrowserTest {
     Q_OBJECT
-
-public:
-    static void initMain() { useTestApplications(); }
 
 private Q_SLOTS:
     void whereAllWindowsArePrivateNoneHasAnAddress_data();
     void whereAllWindowsArePrivateNoneHasAnAddress();
     void aPrivateWindowsToolbarSaysSo();
-
-private:
-    void letGo() override { m_source.reset(); }
-
-    std::unique_ptr<AddressSource> m_source;
 };
 
 void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress_data()
@@ -49,8 +38,6 @@ void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress()
     QFETCH(QByteArray, setting);
     QFETCH(QStringList, options);
     QFETCH(bool, hasAddress);
-    const PageServer server;
-    QVERIFY(server.isListening());
     const QTemporaryDir profile;
     QFile choices(profile.filePath(u"user.js"_s));
     const QByteArray text = "user_pref(\"browser.shell.checkDefaultBrowser\", false);\n"
@@ -63,8 +50,8 @@ void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress()
     QVERIFY(choices.open(QIODevice::WriteOnly) && choices.write(text) == text.size());
     choices.close();
 
-    m_source = std::make_unique<AtspiAddressSource>(accessibility());
-    const QString page = server.address(u"Kingfisher"_s);
+    listen();
+    const QString page = server().address(u"Kingfisher"_s);
     const QStringList arguments =
         QStringList{u"--no-remote"_s, u"--profile"_s, profile.path()} + options + QStringList{page};
     QVERIFY2(desktop().start(u"firefox-esr"_s, arguments, u"firefox-esr"_s) != 0,
@@ -74,28 +61,13 @@ void PrivateFirefoxTest::whereAllWindowsArePrivateNoneHasAnAddress()
 
     // An ordinary one has an address within this time, so that a private one has had every chance.
     const int patience = hasAddress ? kPatience : 8000;
-    QStringList answers;
-    QElapsedTimer timer;
-    timer.start();
-    while (!timer.hasExpired(patience) && answers.isEmpty()) {
-        const auto answer = m_source->ask(u"firefox-esr"_s);
-        QVERIFY(QTest::qWaitFor([&] { return answer.isFinished(); }, kPatience));
-        if (answer.result() != AddressAnswer::failed())
-            answers.append(answer.result().text);
-    }
-    QCOMPARE(answers, hasAddress ? QStringList{page} : QStringList());
+    QCOMPARE(addressOf(u"firefox-esr"_s, patience), hasAddress ? QStringList{page} : QStringList());
 }
 
 /// Whatever its title is.
 void PrivateFirefoxTest::aPrivateWindowsToolbarSaysSo()
 {
-    const PageServer server;
-    QVERIFY(server.isListening());
-    AccessibilityBus bus;
-    AccessiblePrograms programs(bus);
-    bus.start();
-    QVERIFY(QTest::qWaitFor([&] { return bus.isOpen(); }, kPatience));
-    const qint64 process = desktop().startFirefox({server.address(u"Heron"_s)});
+    const qint64 process = desktop().startFirefox({server().address(u"Heron"_s)});
     QVERIFY2(process != 0, qPrintable(desktop().problem()));
     QVERIFY(desktop().bringToFront(u"Heron — Mozilla Firefox"_s));
     QVERIFY(desktop().press({u"ctrl+shift+p"_s}));
@@ -103,12 +75,9 @@ void PrivateFirefoxTest::aPrivateWindowsToolbarSaysSo()
     // By the names of its windows; whether each has the sign.
     const auto signs = [&]() -> QCoro::Task<QMap<QString, bool>> {
         QMap<QString, bool> found;
-        const auto roots = co_await programs.rootsOf(process);
-        for (const Accessible& root : roots.value_or(QList<Accessible>())) {
-            const auto windows = co_await askWindows(bus, root);
-            for (const AccessibleWindow& window : windows.value_or(QList<AccessibleWindow>()))
-                found.insert(window.name, co_await hasPrivateSign(bus, window.object));
-        }
+        const auto windows = co_await windowsOf(process);
+        for (const AccessibleWindow& window : windows)
+            found.insert(window.name, co_await hasPrivateSign(bus(), window.object));
         co_return found;
     };
     const QMap<QString, bool> expected = {{u"Heron — Mozilla Firefox"_s, false},

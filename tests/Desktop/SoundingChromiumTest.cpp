@@ -2,13 +2,8 @@
 //
 // A real Chromium whose tab plays a sound, which it says in the name of its window to assistive
 // tools and nowhere else.
-#include "Mossbank/Platform/Linux/AccessibilityBus.h"
-#include "Mossbank/Platform/Linux/AccessiblePrograms.h"
-#include "Mossbank/Platform/Linux/AtspiAddressSource.h"
-#include "tests/Desktop/AccessibilityTest.h"
-#include "tests/Desktop/PageServer.h"
+#include "tests/Desktop/BrowserTest.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 #include <qcoro/qcorotask.h>
 
@@ -18,20 +13,12 @@ using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
 
-class SoundingChromiumTest final : public AccessibilityTest {
+class SoundingChromiumTest final : public BrowserTest {
     Q_OBJECT
-
-public:
-    static void initMain() { useTestApplications(); }
 
 private Q_SLOTS:
     void aTabThatPlaysASoundHasAnAddressUnlessItIsPrivate_data();
     void aTabThatPlaysASoundHasAnAddressUnlessItIsPrivate();
-
-private:
-    void letGo() override { m_source.reset(); }
-
-    std::unique_ptr<AddressSource> m_source;
 };
 
 void SoundingChromiumTest::aTabThatPlaysASoundHasAnAddressUnlessItIsPrivate_data()
@@ -49,36 +36,22 @@ void SoundingChromiumTest::aTabThatPlaysASoundHasAnAddressUnlessItIsPrivate()
     QFETCH(QStringList, options);
     QFETCH(QString, ending);
     QFETCH(bool, hasAddress);
-    const PageServer server;
-    QVERIFY(server.isListening());
-    AccessibilityBus bus;
-    AccessiblePrograms programs(bus);
-    bus.start();
-    QVERIFY(QTest::qWaitFor([&] { return bus.isOpen(); }, kPatience));
-    m_source = std::make_unique<AtspiAddressSource>(accessibility());
-    const QString page = server.address(u"Heron/sounding"_s);
+    listen();
+    const QString page = server().address(u"Heron/sounding"_s);
     // A private window of one that was not started as private: that its command would tell.
     const QStringList allowed = {u"--autoplay-policy=no-user-gesture-required"_s, u"--lang=en"_s};
     const qint64 process =
-        desktop().startChromium(allowed + QStringList{server.address(u"Kingfisher"_s)});
+        desktop().startChromium(allowed + QStringList{server().address(u"Kingfisher"_s)});
     QVERIFY2(process != 0, qPrintable(desktop().problem()));
     QVERIFY(desktop().bringToFront(u"Kingfisher - Chromium"_s));
     QVERIFY(desktop().startChromium(allowed + options + QStringList{page}) != 0);
     QVERIFY(desktop().bringToFront(u"Heron - Chromium"_s));
 
     QStringList names;
-    const auto findNames = [&]() -> QCoro::Task<QStringList> {
-        QStringList found;
-        const auto roots = co_await programs.rootsOf(process);
-        for (const Accessible& root : roots.value_or(QList<Accessible>())) {
-            const auto windows = co_await askWindows(bus, root);
-            for (const AccessibleWindow& window : windows.value_or(QList<AccessibleWindow>()))
-                found.append(window.name);
-        }
-        co_return found;
-    };
     const auto isToldOfTheSound = [&] {
-        names = QCoro::waitFor(findNames());
+        names.clear();
+        for (const AccessibleWindow& window : QCoro::waitFor(windowsOf(process)))
+            names.append(window.name);
         return std::ranges::any_of(names, [&](const QString& name) {
             return name.startsWith(u"Heron - "_s) && name.endsWith(ending) &&
                    name.size() > u"Heron"_s.size() + ending.size();
@@ -89,16 +62,7 @@ void SoundingChromiumTest::aTabThatPlaysASoundHasAnAddressUnlessItIsPrivate()
 
     // An ordinary one has an address within this time, so that a private one has had every chance.
     const int patience = hasAddress ? kPatience : 6000;
-    QStringList answers;
-    QElapsedTimer timer;
-    timer.start();
-    while (!timer.hasExpired(patience) && answers.isEmpty()) {
-        const auto answer = m_source->ask(u"chromium"_s);
-        QVERIFY(QTest::qWaitFor([&] { return answer.isFinished(); }, kPatience));
-        if (answer.result() != AddressAnswer::failed())
-            answers.append(answer.result().text);
-    }
-    QCOMPARE(answers, hasAddress ? QStringList{page} : QStringList());
+    QCOMPARE(addressOf(u"chromium"_s, patience), hasAddress ? QStringList{page} : QStringList());
     QVERIFY2(isToldOfTheSound(), "it was told of until the end");
 }
 
