@@ -2,12 +2,11 @@
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Null/NullInstalledApplications.h"
 #include "tests/Contract/Contract.h"
+#include "tests/Desktop/InstalledFiles.h"
 #include "tests/Fakes/FakeInstalledApplications.h"
 
-#include <QDir>
 #include <QFile>
 #include <QSet>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -15,13 +14,6 @@ using namespace mossbank;
 using namespace mossbank::test;
 
 namespace {
-
-/// Lives as long as the process: GLib reads the variable once.
-const QTemporaryDir& dataHome()
-{
-    static const QTemporaryDir folder;
-    return folder;
-}
 
 const Application kHeron{u"org.example.Heron"_s, u"Reiher"_s};
 
@@ -31,12 +23,7 @@ class InstalledApplicationsContractTest final : public QObject {
     Q_OBJECT
 
 public:
-    static void initMain()
-    {
-        qputenv("XDG_DATA_HOME", dataHome().path().toUtf8());
-        qputenv("LANGUAGE", "de");
-        QDir(dataHome().path()).mkdir(u"applications"_s);
-    }
+    static void initMain() { useDataHome(); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -70,7 +57,7 @@ private Q_SLOTS:
         QVERIFY(!installed.list().contains(late));
         install(u"late"_s, "Name=Late\nExec=late\n");
         QVERIFY(installed.list().contains(late));
-        QVERIFY(QFile::remove(pathOf(u"late"_s)));
+        QVERIFY(QFile::remove(desktopFile(u"late"_s)));
         QVERIFY(!installed.list().contains(late));
     }
 
@@ -93,7 +80,7 @@ private Q_SLOTS:
         QVERIFY(std::ranges::none_of(DesktopFileApplications().list(), isWren));
         install(u"wren"_s, "Name=Wren\nExec=wren\n");
         QVERIFY(std::ranges::any_of(DesktopFileApplications().list(), isWren));
-        QVERIFY(QFile::remove(pathOf(u"wren"_s)));
+        QVERIFY(QFile::remove(desktopFile(u"wren"_s)));
     }
 
 private:
@@ -112,16 +99,6 @@ private:
         auto fake = std::make_unique<FakeInstalledApplications>();
         fake->installed = {{kHeron, u"/pictures/heron.png"_s}};
         return fake;
-    }
-    static QString pathOf(const QString& id)
-    {
-        return dataHome().filePath(u"applications/"_s + id + u".desktop"_s);
-    }
-    static void install(const QString& id, const QByteArray& lines)
-    {
-        QFile file(pathOf(id));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[Desktop Entry]\nType=Application\n" + lines);
     }
 };
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Platform/Linux/ApplicationCatalog.h"
 
+#include "tests/Desktop/InstalledFiles.h"
+
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 
@@ -14,22 +14,9 @@
 
 using namespace Qt::StringLiterals;
 using namespace mossbank;
+using namespace mossbank::test;
 
 namespace {
-
-/// Lives as long as the process: GLib reads the variable once.
-const QTemporaryDir& dataHome()
-{
-    static const QTemporaryDir folder;
-    return folder;
-}
-
-void install(const QString& id, const QByteArray& lines)
-{
-    QFile file(dataHome().filePath(u"applications/"_s + id + u".desktop"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("[Desktop Entry]\nType=Application\n" + lines);
-}
 
 /// An executable that is found, for the Exec lines.
 QString makeExecutable(const QString& name)
@@ -48,12 +35,7 @@ class ApplicationCatalogTest final : public QObject {
     Q_OBJECT
 
 public:
-    static void initMain()
-    {
-        qputenv("XDG_DATA_HOME", dataHome().path().toUtf8());
-        qputenv("LANGUAGE", "de");
-        QDir(dataHome().path()).mkdir(u"applications"_s);
-    }
+    static void initMain() { useDataHome(); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -155,7 +137,7 @@ private Q_SLOTS:
         install(u"org.example.Going"_s, "Name=Going\nExec=true\nStartupWMClass=going\n");
         QTRY_COMPARE(m_catalog->application(windowClass, QString()).bundleID,
                      u"org.example.Going"_s);
-        QVERIFY(QFile::remove(dataHome().filePath(u"applications/org.example.Going.desktop"_s)));
+        QVERIFY(QFile::remove(desktopFile(u"org.example.Going"_s)));
         QTRY_COMPARE(m_catalog->application(windowClass, QString()).bundleID, u"Going"_s);
         QVERIFY(m_catalog->application(windowClass, QString()).isAmong({u"org.example.Going"_s}));
     }
@@ -181,7 +163,7 @@ private Q_SLOTS:
         QCOMPARE(m_catalog->application(late, QString()).bundleID, u"Late"_s);
         install(u"org.example.Late"_s, "Name=Late\nExec=true\nStartupWMClass=late\n");
         QTRY_COMPARE(m_catalog->application(late, QString()).bundleID, u"org.example.Late"_s);
-        QVERIFY(QFile::remove(dataHome().filePath(u"applications/org.example.Late.desktop"_s)));
+        QVERIFY(QFile::remove(desktopFile(u"org.example.Late"_s)));
         QTRY_COMPARE(m_catalog->application(late, QString()).bundleID, u"Late"_s);
     }
 
