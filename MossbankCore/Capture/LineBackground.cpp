@@ -159,23 +159,27 @@ int borderOf(const QImage& picture, const QRect& area, QRgb first, QRgb next)
     return border;
 }
 
-/// Gives to its neighbour what is too narrow to hold a letter, and joins what turns out to be on
-/// the same background.
+/// Gives to its neighbour what is too narrow to hold a letter, to that before it where there is
+/// one, and joins what turns out to be on the same background.
 QList<LinePart> withoutSlivers(const QList<LinePart>& parts)
 {
     QList<LinePart> kept;
     for (const LinePart& part : parts) {
         const bool isSliver = part.area.width() * 10 < part.area.height() * 7;
         if (kept.isEmpty()) {
-            if (!isSliver || parts.size() == 1)
-                kept.append(part);
+            if (isSliver)
+                continue;
+            kept.append(part);
+            kept.first().area.setLeft(parts.first().area.left());
         } else if (isSliver || distance(kept.last().background, part.background) <= kSame) {
             kept.last().area.setRight(part.area.right());
         } else {
             kept.append(part);
         }
     }
-    return kept.isEmpty() ? parts.first(1) : kept;
+    if (kept.isEmpty())
+        kept.append({parts.first().area | parts.last().area, parts.first().background});
+    return kept;
 }
 
 } // namespace

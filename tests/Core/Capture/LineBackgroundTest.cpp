@@ -6,11 +6,28 @@
 
 #include <QTest>
 
+#include <array>
+#include <utility>
+
 namespace mossbank {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Colours and widths of stripes in which no letter of a line 20 high has room.
+constexpr std::array<std::pair<QRgb, int>, 3> kNarrow = {
+    {{qRgb(200, 40, 40), 13}, {qRgb(40, 40, 200), 10}, {qRgb(40, 160, 40), 13}}};
+
+/// Fills these stripes from a column on, and tells where they end.
+int fillNarrow(QImage& picture, int x)
+{
+    for (const auto& [colour, width] : kNarrow) {
+        fill(picture, {x, 0, width, picture.height()}, colour);
+        x += width;
+    }
+    return x;
+}
 
 /// An eight, 20 high, of which more is ink than not. Tells where it ends.
 int writeBoldEight(QImage& picture, const QPoint& at, QRgb ink)
@@ -94,6 +111,25 @@ private Q_SLOTS:
         fill(picture, {line.right() - 7, 10, 8, 20}, qRgb(200, 40, 40));
         QCOMPARE(partsOf(picture, line).size(), 1);
         QCOMPARE(partsOf(picture, line).first().area, line);
+    }
+
+    void narrowPartsBeforeTheFirstAreOfIt()
+    {
+        // Each too narrow for a letter, and of all that is looked at first red is the most.
+        QImage picture = plain({300, 60});
+        fillNarrow(picture, 20);
+        const QRect line(20, 20, 240, 20);
+        const QList<LinePart> expected = {{line, kWhite}};
+        QCOMPARE(partsOf(picture, line), expected);
+    }
+
+    void whereAllPartsAreNarrowTheyAreOne()
+    {
+        QImage picture = plain({300, 60});
+        const int end = fillNarrow(picture, 20);
+        const QRect line(20, 20, end - 20, 20);
+        const QList<LinePart> expected = {{line, kNarrow.front().first}};
+        QCOMPARE(partsOf(picture, line), expected);
     }
 
     void aGradientIsOneBackgroundThatChanges()
