@@ -9,7 +9,8 @@ namespace mossbank {
 
 /// Reads lines by Tesseract's neural models.
 ///
-/// Threading: any thread; a few read side by side, the rest wait.
+/// Threading: any thread, each with an engine of its own; none waits for another. A few engines are
+/// kept for the next lines.
 /// Errors: a Failure that names the package when a language's model is not installed.
 class TesseractLineRecognizer final : public LineRecognizer {
 public:
