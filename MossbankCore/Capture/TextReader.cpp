@@ -73,11 +73,14 @@ std::chrono::nanoseconds processorTime()
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-/// What a corner or an icon is read as.
+/// What a corner or an icon is read as. A figure alone is more often one, in a cell or on a badge.
 bool isNoise(const QList<RecognizedWord>& words)
 {
     constexpr double kSpeck = 60;
-    return words.size() == 1 && words.first().text.size() <= 2 && words.first().confidence < kSpeck;
+    if (words.size() != 1 || words.first().text.size() > 2 || words.first().confidence >= kSpeck)
+        return false;
+    return !std::ranges::all_of(words.first().text,
+                                [](QChar character) { return character.isDigit(); });
 }
 
 } // namespace

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void aPictureWithoutTextHasNoLines();
     void aSpeckIsNoText();
     void aWordOfOneLetterIsText();
+    void figuresAloneAreTextHoweverUnsure();
 
     void whatStayedTheSameIsNotReadAgain();
     void onlyTheLineThatChangedIsRead();
@@ -137,6 +138,21 @@ void TextReaderTest::aWordOfOneLetterIsText()
 {
     m_fake->setReader([](const QImage&, const QString&) { return word(u"7"_s, 60); });
     QCOMPARE(read(written({2})), QStringList{u"7"_s});
+}
+
+void TextReaderTest::figuresAloneAreTextHoweverUnsure()
+{
+    m_fake->setReader([](const QImage& line, const QString&) {
+        switch (FakeLineRecognizer::wordsOn(line).first().text.size()) {
+        case 1:
+            return word(u"7"_s, 12);
+        case 2:
+            return word(u"42"_s, 12);
+        default:
+            return word(u"7)"_s, 59);
+        }
+    });
+    QCOMPARE(read(written({1, 2, 3})), (QStringList{u"7"_s, u"42"_s}));
 }
 
 void TextReaderTest::whatStayedTheSameIsNotReadAgain()
