@@ -69,7 +69,9 @@ void sayHowToRecord(const Preferences& preferences)
 {
     if (!preferences.isReadable()) {
         TerminalStatus::complain(
-            localized("The choices in %1 cannot be read.").arg(preferences.path()));
+            localized("The choices in %1 cannot be read, so nothing is recorded unasked. Mend the "
+                      "file and start Mossbank again.")
+                .arg(preferences.path()));
         return;
     }
     if (!preferences.recordsAtLaunch())

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/ChoicesFile.h"
 
-#include "Mossbank/Model/Texts.h"
+#include "MossbankCore/Support/Failure.h"
+#include "MossbankCore/Support/Files.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
-#include <cmath>
-#include <utility>
+#include <optional>
 
 namespace mossbank {
 
@@ -15,114 +15,124 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// The settings keep to themselves what went wrong, so it is tried once more, up to the point where
-/// the file would be put in place of the one that is there.
-QString whyUnwritable(const QString& path)
+std::optional<QByteArray> contentOf(const QString& path)
 {
-    constexpr int kSomeBytes = 4096;
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(QByteArray(kSomeBytes, '\n')) == kSomeBytes &&
-        file.flush())
-        return localized("%1 cannot be written").arg(path);
-    return file.errorString();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray content = file.readAll();
+    return file.error() == QFile::NoError ? std::optional(content) : std::nullopt;
+}
+
+/// Goes to the end of the line, beyond those line breaks that are escaped. Whether it says
+/// something that a file of choices may say.
+bool skipGoodLine(const QByteArray& content, qsizetype& place)
+{
+    while (place < content.size() && (content.at(place) == ' ' || content.at(place) == '\t'))
+        ++place;
+    const char first = place < content.size() ? content.at(place) : '\n';
+    bool isGood = first == '\n' || first == '\r' || first == ';' || first == '#';
+    bool isQuoted = false;
+    bool isRemark = false;
+    while (place < content.size() && content.at(place) != '\n') {
+        const char sign = content.at(place++);
+        if (sign == '\\' && !isRemark)
+            ++place;
+        isQuoted = isQuoted != (sign == '"' && !isRemark);
+        isRemark = isRemark || (sign == ';' && !isQuoted);
+        isGood = isGood || (sign == (first == '[' ? ']' : '=') && !isRemark);
+    }
+    ++place;
+    return isGood && !isQuoted;
+}
+
+/// QSettings says nothing of a quotation without its end, which swallows the lines behind it, and
+/// of the rest only as it comes to it. It also minds remarks that begin with #, which do no harm.
+bool hasMistake(const QByteArray& content)
+{
+    const QByteArray mark = "\xef\xbb\xbf";
+    for (qsizetype place = content.startsWith(mark) ? mark.size() : 0; place < content.size();) {
+        if (!skipGoodLine(content, place))
+            return true;
+    }
+    return false;
+}
+
+bool canBeRead(const QSettings& settings)
+{
+    if (settings.status() != QSettings::NoError)
+        return false;
+    if (!QFileInfo::exists(settings.fileName()))
+        return true;
+    const auto content = contentOf(settings.fileName());
+    return content && !hasMistake(*content);
 }
 
 } // namespace
 
-ChoicesFile::ChoicesFile(const std::optional<QString>& path)
+ChoicesFile::ChoicesFile(const QString& path)
+    : m_settings(path, QSettings::IniFormat)
+    , m_isReadable(canBeRead(m_settings))
 {
-    if (!path)
-        return;
-    m_settings.emplace(*path, QSettings::IniFormat);
-    const QFileInfo file(*path);
-    m_isReadable = m_settings->status() == QSettings::NoError && !file.isDir() &&
-                   (!file.exists() || file.isReadable());
-}
-
-QString ChoicesFile::path() const
-{
-    return m_settings ? m_settings->fileName() : QString();
 }
 
 bool ChoicesFile::contains(const QString& key) const
 {
-    return m_settings && m_settings->contains(key);
+    return isHeld() ? m_held.contains(key) : m_settings.contains(key);
 }
 
 QVariant ChoicesFile::value(const QString& key) const
 {
-    return m_settings ? m_settings->value(key) : QVariant();
+    return isHeld() ? m_held.value(key) : m_settings.value(key);
 }
 
-double ChoicesFile::number(const QString& key, double fallback) const
+void ChoicesFile::setValue(const QString& key, const QVariant& value)
 {
-    bool isNumber = false;
-    const double stored = value(key).toDouble(&isNumber);
-    return isNumber && std::isfinite(stored) ? stored : fallback;
-}
-
-int ChoicesFile::wholeNumber(const QString& key, int fallback) const
-{
-    bool isNumber = false;
-    const int stored = value(key).toInt(&isNumber);
-    return isNumber ? stored : fallback;
-}
-
-bool ChoicesFile::flag(const QString& key, bool fallback) const
-{
-    const QVariant stored = value(key);
-    if (stored.typeId() == QMetaType::Bool)
-        return stored.toBool();
-    // QVariant takes any text for true.
-    const QString written = word(key, {}).toLower();
-    if (written == u"true" || written == u"1")
-        return true;
-    if (written == u"false" || written == u"0")
-        return false;
-    return fallback;
-}
-
-QString ChoicesFile::word(const QString& key, const QString& fallback) const
-{
-    const QVariant stored = value(key);
-    return stored.typeId() == QMetaType::QString ? stored.toString() : fallback;
-}
-
-QStringList ChoicesFile::list(const QString& key, const QStringList& fallback) const
-{
-    if (!contains(key))
-        return fallback;
-    const QVariant stored = value(key);
-    // An empty list is stored as a value that is none, and a list of one as that one.
-    if (!stored.isValid())
-        return {};
-    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
-        return fallback;
-    return stored.toStringList();
-}
-
-void ChoicesFile::store(const QString& key, const QVariant& value)
-{
-    if (m_settings)
-        m_settings->setValue(key, value);
+    if (!isHeld()) {
+        m_settings.setValue(key, value);
+        return;
+    }
+    m_held.insert(key, value);
+    m_isBegunAnew = keepUnderAnotherName();
+    if (!m_isBegunAnew)
+        return;
+    m_settings.clear();
+    for (auto held = m_held.constBegin(); held != m_held.constEnd(); ++held)
+        m_settings.setValue(held.key(), held.value());
 }
 
 void ChoicesFile::remove(const QString& key)
 {
-    if (m_settings)
-        m_settings->remove(key);
+    if (isHeld())
+        m_held.remove(key);
+    else
+        m_settings.remove(key);
 }
 
-std::optional<QString> ChoicesFile::makeSure()
+bool ChoicesFile::sync()
 {
-    if (!m_settings)
-        return std::nullopt;
-    m_settings->sync();
+    if (isHeld())
+        return false;
+    m_settings.sync();
     // What went wrong with a file once, its object says for ever; a fresh one, what is so now.
-    const bool isStored = QSettings(path(), QSettings::IniFormat).status() == QSettings::NoError;
-    if (std::exchange(m_isStored, isStored) && !isStored)
-        return whyUnwritable(path());
-    return std::nullopt;
+    return QSettings(fileName(), QSettings::IniFormat).status() == QSettings::NoError;
+}
+
+bool ChoicesFile::keepUnderAnotherName() const
+{
+    const auto content = contentOf(fileName());
+    if (!content)
+        return false;
+    // What was kept before is kept.
+    QString name = fileName() + u".unreadable"_s;
+    for (int number = 2; QFileInfo::exists(name) && contentOf(name) != content; ++number)
+        name = u"%1.unreadable.%2"_s.arg(fileName()).arg(number);
+    try {
+        Files::writeAtomically(name, *content);
+    } catch (const FileError&) {
+        return false;
+    }
+    return true;
 }
 
 } // namespace mossbank

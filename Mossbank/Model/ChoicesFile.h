@@ -3,50 +3,45 @@
 
 #include <QSettings>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
-
-#include <optional>
+#include <QVariantMap>
 
 namespace mossbank {
 
-/// The file that the user's choices are kept in, an INI file of keys and values. What was changed
-/// in it meanwhile by others stands beside what is stored.
+/// The file of the user's choices. QSettings takes from a file with mistakes in it what it can make
+/// out and, with the next choice, writes that over it: a list of exclusions that stood behind a
+/// mistake would be gone, and nobody would be told. So nothing is taken from a file that cannot be
+/// read as a whole, and it stays as it is until something is chosen. Then it is kept under another
+/// name, "{name}.unreadable", and begun anew.
 ///
-/// A value that is missing, or is not of the type asked for, is the fallback.
-///
-/// Threading: the main thread.
+/// Threading: that of its owner.
 class ChoicesFile {
 public:
-    /// The file at `path`, which need not exist. Without one nothing is read and nothing stored.
-    explicit ChoicesFile(const std::optional<QString>& path);
+    explicit ChoicesFile(const QString& path);
 
-    /// Whether the file could be read, or is not there.
+    /// Whether it could be read at the start, or was not there.
     bool isReadable() const { return m_isReadable; }
-    /// Empty without a file.
-    QString path() const;
+    QString fileName() const { return m_settings.fileName(); }
 
     bool contains(const QString& key) const;
-    double number(const QString& key, double fallback) const;
-    int wholeNumber(const QString& key, int fallback) const;
-    bool flag(const QString& key, bool fallback) const;
-    QString word(const QString& key, const QString& fallback) const;
-    QStringList list(const QString& key, const QStringList& fallback) const;
-
-    /// Written soon.
-    void store(const QString& key, const QVariant& value);
+    /// Invalid for what is not there.
+    QVariant value(const QString& key) const;
+    void setValue(const QString& key, const QVariant& value);
     void remove(const QString& key);
 
-    /// Has what was stored written at once. Why it could not be, in words for the user; not again
-    /// until it could be.
-    std::optional<QString> makeSure();
+    /// Has what was set written at once. Whether it is.
+    bool sync();
 
 private:
-    QVariant value(const QString& key) const;
+    bool keepUnderAnotherName() const;
+    /// Whether what is set goes nowhere: the file can be neither read nor kept.
+    bool isHeld() const { return !m_isReadable && !m_isBegunAnew; }
 
-    std::optional<QSettings> m_settings;
-    bool m_isReadable = true;
-    bool m_isStored = true;
+    QSettings m_settings;
+    bool m_isReadable;
+    bool m_isBegunAnew = false;
+    /// What was set while there is no file for it.
+    QVariantMap m_held;
 };
 
 } // namespace mossbank

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Mossbank/Model/ChoicesFile.h"
+#include "Mossbank/Model/StoredChoices.h"
 #include "MossbankCore/Support/Date.h"
 
 #include <QObject>
@@ -49,7 +49,8 @@ public:
     static QString userPath();
 
     /// Whether the file could be read, or is not there. Where it could not, every choice is at its
-    /// default, and the user must know.
+    /// default, so that nothing is recorded unasked, and the user must know. A copy of the file is
+    /// kept before anything is written to it.
     bool isReadable() const { return m_file.isReadable(); }
 
     /// Where the choices are stored. Empty with the sample library.
@@ -186,7 +187,7 @@ private:
     void storeDate(const QString& key, Date date);
     QStringList bundleIDs(const QStringList& fallback) const;
 
-    ChoicesFile m_file;
+    StoredChoices m_file;
     bool m_isDemo;
     double m_interval;
     int m_retentionDays;

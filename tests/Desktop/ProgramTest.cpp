@@ -43,6 +43,29 @@ private Q_SLOTS:
         QVERIFY(!mossbank.terminal().contains(u"Waiting"_s));
     }
 
+    void choicesThatCannotBeReadAreToldAndNothingIsRecorded()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        const QByteArray broken = "[General\nrecordsAtLaunch=true\nexcludedBundles=org.example.A\n";
+        QFile file(mossbank.choicesFile());
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(broken);
+        file.close();
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Recording is off"_s), qPrintable(mossbank.terminal()));
+        QVERIFY2(mossbank.terminal().contains(
+                     u"The choices in %1 cannot be read, so nothing is recorded unasked. "_s.arg(
+                         file.fileName())),
+                 qPrintable(mossbank.terminal()));
+        QTest::qWait(1500);
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+        QVERIFY(!mossbank.terminal().contains(u"Waiting"_s));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), broken);
+    }
+
     void aSecondStartFindsTheFirst()
     {
         VirtualDesktop desktop;

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Model/StoredChoices.h"
+
+#include "Mossbank/Model/Texts.h"
+
+#include <QSaveFile>
+
+#include <cmath>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// The settings keep to themselves what went wrong, so it is tried once more, up to the point where
+/// the file would be put in place of the one that is there.
+QString whyUnwritable(const QString& path)
+{
+    constexpr int kSomeBytes = 4096;
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(QByteArray(kSomeBytes, '\n')) == kSomeBytes &&
+        file.flush())
+        return localized("%1 cannot be written").arg(path);
+    return file.errorString();
+}
+
+} // namespace
+
+StoredChoices::StoredChoices(const std::optional<QString>& path)
+{
+    if (path)
+        m_file.emplace(*path);
+}
+
+QString StoredChoices::path() const
+{
+    return m_file ? m_file->fileName() : QString();
+}
+
+bool StoredChoices::contains(const QString& key) const
+{
+    return m_file && m_file->contains(key);
+}
+
+QVariant StoredChoices::value(const QString& key) const
+{
+    return m_file ? m_file->value(key) : QVariant();
+}
+
+double StoredChoices::number(const QString& key, double fallback) const
+{
+    bool isNumber = false;
+    const double stored = value(key).toDouble(&isNumber);
+    return isNumber && std::isfinite(stored) ? stored : fallback;
+}
+
+int StoredChoices::wholeNumber(const QString& key, int fallback) const
+{
+    bool isNumber = false;
+    const int stored = value(key).toInt(&isNumber);
+    return isNumber ? stored : fallback;
+}
+
+bool StoredChoices::flag(const QString& key, bool fallback) const
+{
+    const QVariant stored = value(key);
+    if (stored.typeId() == QMetaType::Bool)
+        return stored.toBool();
+    // QVariant takes any text for true.
+    const QString written = word(key, {}).toLower();
+    if (written == u"true" || written == u"1")
+        return true;
+    if (written == u"false" || written == u"0")
+        return false;
+    return fallback;
+}
+
+QString StoredChoices::word(const QString& key, const QString& fallback) const
+{
+    const QVariant stored = value(key);
+    return stored.typeId() == QMetaType::QString ? stored.toString() : fallback;
+}
+
+QStringList StoredChoices::list(const QString& key, const QStringList& fallback) const
+{
+    if (!contains(key))
+        return fallback;
+    const QVariant stored = value(key);
+    // An empty list is stored as a value that is none, and a list of one as that one.
+    if (!stored.isValid())
+        return {};
+    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
+        return fallback;
+    return stored.toStringList();
+}
+
+void StoredChoices::store(const QString& key, const QVariant& value)
+{
+    if (m_file)
+        m_file->setValue(key, value);
+}
+
+void StoredChoices::remove(const QString& key)
+{
+    if (m_file)
+        m_file->remove(key);
+}
+
+std::optional<QString> StoredChoices::makeSure()
+{
+    const bool isStored = !m_file || m_file->sync();
+    if (std::exchange(m_isStored, isStored) && !isStored)
+        return whyUnwritable(path());
+    return std::nullopt;
+}
+
+} // namespace mossbank

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A file of choices with a mistake in it: what is excluded by it is not known, and may not be lost.
+#include "Mossbank/Model/Preferences.h"
+#include "tests/Fakes/BadDisk.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cerrno>
+
+using namespace mossbank;
+using namespace Qt::StringLiterals;
+
+class UnreadableChoicesTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+
+    QString path() const { return m_folder.filePath(u"choices.ini"_s); }
+    QString kept() const { return path() + u".unreadable"_s; }
+
+    static bool write(const QString& path, const QByteArray& content)
+    {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    }
+
+    static QByteArray contentOf(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(not there)");
+    }
+
+    static QByteArray broken(const QByteArray& mistake = "[General")
+    {
+        return mistake + "\nrecordsAtLaunch=true\nexcludedBundles=a.b\nretentionDays=0\n"
+                         "pausedUntil=2999-01-01T00:00:00.000\nopensAtLogin=true\n";
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        for (const QString& name : QDir(m_folder.path()).entryList(QDir::Files))
+            QVERIFY(QFile::remove(m_folder.filePath(name)));
+    }
+
+    void nothingInItCounts_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("a section without its end") << broken();
+        QTest::newRow("a choice without its sign") << broken("[General]\ninterval 7");
+        QTest::newRow("behind all the rest") << broken("[General]") + "excludedBundles\n";
+        QTest::newRow("a quotation without its end")
+            << broken("[General]") + "excludedBundles=\"c.d\n";
+        QTest::newRow("the same in a remark") << broken("[General]\n# 15\" screen");
+        QTest::newRow("a sign in a remark alone") << broken("[General]\ninterval ; = 7");
+        QTest::newRow("zeros after a power cut") << broken("[General]") + QByteArray(4096, '\0');
+    }
+    void nothingInItCounts()
+    {
+        QFETCH(QByteArray, content);
+        QVERIFY(write(path(), content));
+        const Preferences preferences(path());
+        const Preferences fresh(m_folder.filePath(u"none.ini"_s));
+        QVERIFY(!preferences.isReadable());
+        QCOMPARE(preferences.recordsAtLaunch(), false);
+        QCOMPARE(preferences.excludedBundles(), fresh.excludedBundles());
+        QCOMPARE(preferences.retentionDays(), 30);
+        QCOMPARE(preferences.pausedUntil(), std::nullopt);
+        QCOMPARE(preferences.opensAtLogin(), false);
+        QVERIFY(!preferences.hasChosenAddresses());
+    }
+
+    void whatIsNoMistakeIsNone_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("remarks of both kinds") << QByteArray("# one\n ; \"two\n[General]\n\n");
+        QTest::newRow("line ends of another system")
+            << QByteArray("[General]\r\n\r\ninterval=7\r\n");
+        QTest::newRow("a mark of UTF-8") << QByteArray("\xef\xbb\xbf[General]\ninterval=7");
+        QTest::newRow("a line in two") << QByteArray("[General]\nexcludedBundles=a.b, \\\n c.d\n");
+        QTest::newRow("quotations") << QByteArray(R"([General]
+excludedBundles="a, ; \"b\"", c.d ; a "remark
+)");
+        QTest::newRow("another section") << QByteArray("[General]\ninterval=7\n[x]\ny=\n");
+    }
+    void whatIsNoMistakeIsNone()
+    {
+        QFETCH(QByteArray, content);
+        QVERIFY(write(path(), content));
+        QVERIFY(Preferences(path()).isReadable());
+    }
+
+    void whatHappensOfItselfLeavesItAsItIs()
+    {
+        QVERIFY(write(path(), broken()));
+        {
+            Preferences preferences(path());
+            preferences.removePausedUntil();
+            preferences.removeRecordsAfterRelaunch();
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(contentOf(path()), broken());
+        QVERIFY(!QFile::exists(kept()));
+    }
+
+    void aChoiceBeginsItAnewAndKeepsWhatWasThere()
+    {
+        QVERIFY(write(path(), broken()));
+        {
+            Preferences preferences(path());
+            QSignalSpy told(&preferences, &Preferences::cannotBeStored);
+            preferences.setExcludedBundles({u"c.d"_s});
+            preferences.setInterval(7);
+            QCOMPARE(told.size(), 0);
+        }
+        QCOMPARE(contentOf(kept()), broken());
+        QCOMPARE(contentOf(path()), "[General]\nexcludedBundles=c.d\ninterval=7\n");
+        QVERIFY(Preferences(path()).isReadable());
+    }
+
+    void whatWasKeptOnceIsKept()
+    {
+        for (const char* const mistake : {"[General", "[Generl", "[General"}) {
+            QVERIFY(write(path(), broken(mistake)));
+            Preferences(path()).setInterval(7);
+        }
+        QCOMPARE(contentOf(kept()), broken("[General"));
+        QCOMPARE(contentOf(kept() + u".2"_s), broken("[Generl"));
+        QVERIFY(!QFile::exists(kept() + u".3"_s));
+    }
+
+    void whatCannotBeKeptIsNotWrittenOver()
+    {
+        QVERIFY(write(path(), broken()));
+        {
+            Preferences preferences(path());
+            QSignalSpy told(&preferences, &Preferences::cannotBeStored);
+            {
+                const BadDisk disk(m_folder.path(), 1, BadDisk::Then::FailOn, ENOSPC);
+                preferences.setOpensAtLogin(true);
+                preferences.setExcludedBundles({u"c.d"_s});
+            }
+            QCOMPARE(told.size(), 1);
+            QCOMPARE(contentOf(path()), broken());
+            QCOMPARE(preferences.excludedBundles(), QStringList{u"c.d"_s});
+            QVERIFY(preferences.opensAtLogin());
+            // There is room again.
+            preferences.setInterval(7);
+        }
+        QCOMPARE(contentOf(kept()), broken());
+        QCOMPARE(contentOf(path()),
+                 "[General]\nexcludedBundles=c.d\ninterval=7\nopensAtLogin=true\n");
+    }
+};
+
+QTEST_GUILESS_MAIN(UnreadableChoicesTest)
+#include "UnreadableChoicesTest.moc"
