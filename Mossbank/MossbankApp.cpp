@@ -3,6 +3,7 @@
 // The program: builds the parts, hands them over, starts.
 #include "Mossbank/MissingParts.h"
 #include "Mossbank/Model/AppModel.h"
+#include "Mossbank/Model/ExclusionForm.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Platform/PlatformFactory.h"
@@ -78,6 +79,25 @@ void sayHowToRecord(const Preferences& preferences)
         TerminalStatus::say(
             localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")
                 .arg(preferences.path()));
+}
+
+void sayWhatExcludesNothing(const Preferences& preferences)
+{
+    const auto quoted = [](const QStringList& texts) {
+        return u'"' + texts.join(u"\", \""_s) + u'"';
+    };
+    const QStringList others = ExclusionForm::others(preferences.excludedBundles());
+    if (!others.isEmpty())
+        TerminalStatus::complain(
+            localized("What excludedBundles holds here looks like no application's id and may "
+                      "exclude nothing: %1")
+                .arg(quoted(others)));
+    const QStringList meant = ExclusionForm::meant(preferences.remarkBehindExclusions());
+    if (!meant.isEmpty())
+        TerminalStatus::complain(
+            localized("What stands behind a semicolon in excludedBundles is a remark and excludes "
+                      "nothing: %1. A comma goes between two.")
+                .arg(quoted(meant)));
 }
 
 /// Everything that can end the program, to the one that asks about it.
@@ -163,6 +183,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
 
     TerminalStatus::say(localized("Library: %1").arg(library));
     sayHowToRecord(preferences);
+    sayWhatExcludesNothing(preferences);
     terminal.show();
     model.finishedLaunching(commandLine.isAtLogin);
     const MissingParts missing(platform, preferences);

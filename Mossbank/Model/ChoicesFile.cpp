@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <optional>
 
@@ -107,6 +108,16 @@ void ChoicesFile::remove(const QString& key)
         m_held.remove(key);
     else
         m_settings.remove(key);
+}
+
+QString ChoicesFile::remarkBehind(const QString& key) const
+{
+    const QRegularExpression line(
+        uR"(^[ \t]*%1[ \t]*=(?:[^;"\\\n]|\\.|"(?:[^"\\]|\\.)*")*;(.*)$)"_s.arg(
+            QRegularExpression::escape(key)),
+        QRegularExpression::MultilineOption);
+    const QString content = QString::fromUtf8(contentOf(fileName()).value_or(QByteArray()));
+    return line.match(content).captured(1).trimmed();
 }
 
 bool ChoicesFile::sync()

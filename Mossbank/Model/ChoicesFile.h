@@ -29,6 +29,9 @@ public:
     void setValue(const QString& key, const QVariant& value);
     void remove(const QString& key);
 
+    /// What stands as a remark behind the value of a key, as the file is now. Empty for none.
+    QString remarkBehind(const QString& key) const;
+
     /// Has what was set written at once. Whether it is.
     bool sync();
 

@@ -204,6 +204,11 @@ void Preferences::setExcludedBundles(const QStringList& bundleIDs)
     Q_EMIT excludedBundlesChanged();
 }
 
+QString Preferences::remarkBehindExclusions() const
+{
+    return m_file.remarkBehind(kExcludedBundles);
+}
+
 std::optional<Date> Preferences::pausedUntil() const
 {
     return date(kPausedUntil);

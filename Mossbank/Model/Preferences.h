@@ -131,6 +131,8 @@ public:
     /// Identities of the applications that are never to be in a picture.
     QStringList excludedBundles() const { return m_excludedBundles; }
     void setExcludedBundles(const QStringList& bundleIDs);
+    /// What stands behind them in the file as a remark, and so excludes nothing.
+    QString remarkBehindExclusions() const;
 
     /// The end of a timed pause, kept across a restart. Absent when none is stored, and when what
     /// is stored is no date.

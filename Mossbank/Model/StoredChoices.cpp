@@ -96,6 +96,11 @@ QStringList StoredChoices::list(const QString& key, const QStringList& fallback)
     return stored.toStringList();
 }
 
+QString StoredChoices::remarkBehind(const QString& key) const
+{
+    return m_file ? m_file->remarkBehind(key) : QString();
+}
+
 void StoredChoices::store(const QString& key, const QVariant& value)
 {
     if (m_file)

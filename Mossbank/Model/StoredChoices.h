@@ -31,6 +31,8 @@ public:
     bool flag(const QString& key, bool fallback) const;
     QString word(const QString& key, const QString& fallback) const;
     QStringList list(const QString& key, const QStringList& fallback) const;
+    /// What stands as a remark behind the value. Empty for none.
+    QString remarkBehind(const QString& key) const;
 
     /// Written soon.
     void store(const QString& key, const QVariant& value);

@@ -66,6 +66,41 @@ private Q_SLOTS:
         QCOMPARE(file.readAll(), broken);
     }
 
+    void exclusionsThatExcludeNothingAreTold_data()
+    {
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("what may be installed some day")
+            << u"org.example.Some-Day_2, somewhere, notepad++ ; but the bank"_s << QString();
+        QTest::newRow("a path, a pattern, a remark and a word")
+            << u"/usr/bin/x, org.example.A, org.example.*, org.example.B # bank, My App"_s
+            << u"What excludedBundles holds here looks like no application's id and may exclude "
+               "nothing: \"/usr/bin/x\", \"org.example.*\", \"org.example.B # bank\", \"My App\"\n"_s;
+        QTest::newRow("semicolons")
+            << u"org.example.A; org.example.B;org.example.C"_s
+            << u"What stands behind a semicolon in excludedBundles is a remark and excludes "
+               u"nothing: "
+               "\"org.example.B\", \"org.example.C\". A comma goes between two.\n"_s;
+        QTest::newRow("a semicolon in a quotation")
+            << u"\"org.example.A;org.example.B\""_s
+            << u"What excludedBundles holds here looks like no application's id and may exclude "
+               "nothing: \"org.example.A;org.example.B\"\n"_s;
+    }
+    void exclusionsThatExcludeNothingAreTold()
+    {
+        QFETCH(QString, written);
+        QFETCH(QString, told);
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        mossbank.choose({{u"excludedBundles"_s, written}});
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Waiting for"_s), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+        QVERIFY2(mossbank.terminal().contains(told), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.terminal().count(u"excludedBundles"_s), told.isEmpty() ? 0 : 1);
+    }
+
     void aSecondStartFindsTheFirst()
     {
         VirtualDesktop desktop;
