@@ -46,19 +46,27 @@ QString whyNoWindows()
                      .arg(platform);
 }
 
+/// Qt itself would wait for somebody to read it.
+void passOn(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    TerminalStatus::complain(qFormatLogMessage(type, context, message));
+}
+
 /// It is all that Qt says before it aborts.
 void whileStarting(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type == QtFatalMsg)
         end(whyNoWindows());
-    g_usual(type, context, message);
+    passOn(type, context, message);
 }
 
 /// Before Qt ends the program for a server that has gone, it says so.
 void whileRunning(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     endIfGone();
-    g_usual(type, context, message);
+    if (type == QtFatalMsg)
+        g_usual(type, context, message);
+    passOn(type, context, message);
 }
 
 } // namespace

@@ -108,14 +108,18 @@ private Q_SLOTS:
     void aFullPipeDoesNotStopTheRecording_data()
     {
         QTest::addColumn<int>("file");
-        QTest::newRow("standard output") << STDOUT_FILENO;
-        QTest::newRow("standard error") << STDERR_FILENO;
+        QTest::addColumn<QString>("rules");
+        QTest::newRow("standard output") << STDOUT_FILENO << QString();
+        QTest::newRow("standard error") << STDERR_FILENO << QString();
+        QTest::newRow("standard error, and Qt says a lot") << STDERR_FILENO << u"*=true"_s;
     }
     void aFullPipeDoesNotStopTheRecording()
     {
         QFETCH(int, file);
+        QFETCH(QString, rules);
         const FullPipe pipe;
         RunningMossbank mossbank;
+        mossbank.setVariable(u"QT_LOGGING_RULES"_s, rules);
         recordAlways(mossbank);
         mossbank.setBeginning([file, end = pipe.writeEnd()] { ::dup2(end, file); });
         QVERIFY(mossbank.start());
