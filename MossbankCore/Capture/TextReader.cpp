@@ -5,14 +5,13 @@
 #include "MossbankCore/Capture/ReadingOrder.h"
 #include "MossbankCore/Capture/TextLineFinder.h"
 #include "MossbankCore/Support/Background.h"
+#include "MossbankCore/Support/SystemClock.h"
 
 #include <QCryptographicHash>
 #include <QMutexLocker>
 #include <QScopeGuard>
 #include <QSet>
 #include <QThread>
-
-#include <time.h>
 
 #include <algorithm>
 #include <atomic>
@@ -65,14 +64,6 @@ QByteArray digestOf(const LineImage& line)
     return hash.result();
 }
 
-/// That of the calling thread.
-std::chrono::nanoseconds processorTime()
-{
-    timespec time = {};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
 /// What a corner or an icon is read as. A figure alone is more often one, in a cell or on a badge.
 bool isNoise(const QList<RecognizedWord>& words)
 {
@@ -122,11 +113,11 @@ std::vector<char> TextReader::forEach(qsizetype count, int threads,
     std::atomic<qsizetype> next = 0;
     std::vector<char> isDone(static_cast<std::size_t>(count), 0);
     const auto workOn = [&] {
-        auto last = processorTime();
+        auto last = processorTimeOfThread();
         for (qsizetype at = next++; at < count && !isGivenUp(); at = next++) {
             work(at);
             isDone[static_cast<std::size_t>(at)] = 1;
-            const auto now = processorTime();
+            const auto now = processorTimeOfThread();
             m_spent += (now - std::exchange(last, now)).count();
         }
     };

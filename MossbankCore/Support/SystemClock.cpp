@@ -3,6 +3,8 @@
 
 #include <QDeadlineTimer>
 
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -36,6 +38,13 @@ std::chrono::milliseconds untilNextLook(const QDeadlineTimer& due)
 }
 
 } // namespace
+
+std::chrono::nanoseconds processorTimeOfThread()
+{
+    timespec time = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
 
 Date SystemClock::now() const
 {

@@ -5,10 +5,14 @@
 
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 #include <unordered_map>
 
 namespace mossbank {
+
+/// The processor time that the calling thread has taken so far.
+std::chrono::nanoseconds processorTimeOfThread();
 
 /// The machine's own clock. Sleep is counted on the monotonic clock by the event loop's timers;
 /// on Linux that clock stands still while the machine is suspended.

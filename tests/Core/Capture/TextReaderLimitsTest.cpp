@@ -3,14 +3,13 @@
 // How long the reading of a picture may take: of one that is text all over, of one that nobody
 // waits for any more.
 #include "MossbankCore/Support/Background.h"
+#include "MossbankCore/Support/SystemClock.h"
 #include "tests/Core/Capture/DrawnText.h"
 #include "tests/Core/Capture/ReaderOfFakeLines.h"
 
 #include <QFuture>
 #include <QSemaphore>
 #include <QTest>
-
-#include <time.h>
 
 #include <atomic>
 #include <thread>
@@ -32,18 +31,11 @@ QImage manyLines()
     return picture;
 }
 
-std::chrono::nanoseconds processorTime()
-{
-    timespec time = {};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
 /// Takes so much of a processor's time on this thread.
 void work(std::chrono::milliseconds time)
 {
-    const auto end = processorTime() + time;
-    while (processorTime() < end) {
+    const auto end = processorTimeOfThread() + time;
+    while (processorTimeOfThread() < end) {
     }
 }
 
