@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The program: builds the parts, hands them over, starts.
+#include "Mossbank/CallsFromOutside.h"
+#include "Mossbank/ChoicesInWords.h"
 #include "Mossbank/MissingParts.h"
 #include "Mossbank/Model/AppModel.h"
-#include "Mossbank/Model/ExclusionForm.h"
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Platform/PlatformFactory.h"
@@ -24,14 +25,11 @@
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QThreadPool>
-#include <QWindow>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <memory>
 #include <thread>
@@ -64,86 +62,6 @@ CommandLine parseCommandLine(const QCoreApplication& application)
     parser.addOptions({atLogin, relaunched});
     parser.process(application);
     return {.isAtLogin = parser.isSet(atLogin), .isRelaunched = parser.isSet(relaunched)};
-}
-
-void sayHowToRecord(const Preferences& preferences)
-{
-    if (!preferences.isReadable()) {
-        TerminalStatus::complain(
-            localized("The choices in %1 cannot be read, so nothing is recorded unasked. Mend the "
-                      "file and start Mossbank again.")
-                .arg(preferences.path()));
-        return;
-    }
-    if (!preferences.recordsAtLaunch())
-        TerminalStatus::say(
-            localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")
-                .arg(preferences.path()));
-}
-
-void sayWhatExcludesNothing(const Preferences& preferences)
-{
-    const auto quoted = [](const QStringList& texts) {
-        return u'"' + texts.join(u"\", \""_s) + u'"';
-    };
-    const QStringList others = ExclusionForm::others(preferences.excludedBundles());
-    if (!others.isEmpty())
-        TerminalStatus::complain(
-            localized("What excludedBundles holds here looks like no application's id and may "
-                      "exclude nothing: %1")
-                .arg(quoted(others)));
-    const QStringList meant = ExclusionForm::meant(preferences.remarkBehindExclusions());
-    if (!meant.isEmpty())
-        TerminalStatus::complain(
-            localized("What stands behind a semicolon in excludedBundles is a remark and excludes "
-                      "nothing: %1. A comma goes between two.")
-                .arg(quoted(meant)));
-}
-
-/// Everything that can end the program, to the one that asks about it.
-void followEnds(const TerminationSignals& signals, const QuitEvents& events, AppModel& model)
-{
-    QuitGuard& guard = model.quitGuard();
-    QObject::connect(&signals, &TerminationSignals::received, &guard, [&guard](int signal) {
-        guard.quit(signal == SIGINT ? QuitGuard::Cause::Interrupt : QuitGuard::Cause::Session);
-    });
-    QObject::connect(&events, &QuitEvents::sessionEnds, &guard, &QuitGuard::expectQuit);
-    QObject::connect(&events, &QuitEvents::quits, &guard,
-                     [&guard] { guard.quit(QuitGuard::Cause::User); });
-    QObject::connect(
-        &model, &AppModel::readyToQuit, qApp, [] { QCoreApplication::exit(); },
-        Qt::QueuedConnection);
-}
-
-void bringWindowsToFront()
-{
-    for (QWindow* const window : QGuiApplication::topLevelWindows()) {
-        if (!window->isVisible())
-            continue;
-        window->raise();
-        window->requestActivate();
-    }
-}
-
-bool hasVisibleWindows()
-{
-    const QWindowList windows = QGuiApplication::topLevelWindows();
-    return std::ranges::any_of(windows, &QWindow::isVisible);
-}
-
-/// What other starts of the program, and the desktop, ask of this one.
-void followCalls(ProgramActivation& activation, AppModel& model)
-{
-    QObject::connect(&activation, &ProgramActivation::activated, &model, [&model] {
-        if (model.launch().handleReopen(hasVisibleWindows()))
-            bringWindowsToFront();
-    });
-    QObject::connect(&activation, &ProgramActivation::actionRequested, &model,
-                     [&model](const QString& action) {
-                         if (action == QStringView(ProgramActivation::kQuit))
-                             model.quitGuard().quit(QuitGuard::Cause::User);
-                     });
-    activation.listen();
 }
 
 int run(const Platform& platform, const QString& library, const CommandLine& commandLine)
@@ -182,8 +100,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                      });
 
     TerminalStatus::say(localized("Library: %1").arg(library));
-    sayHowToRecord(preferences);
-    sayWhatExcludesNothing(preferences);
+    sayWhatChoicesMean(preferences);
     terminal.show();
     model.finishedLaunching(commandLine.isAtLogin);
     const MissingParts missing(platform, preferences);

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/ChoicesInWords.h"
+
+#include "Mossbank/Model/ExclusionForm.h"
+#include "Mossbank/Model/Preferences.h"
+#include "Mossbank/Model/Texts.h"
+#include "Mossbank/TerminalStatus.h"
+
+using namespace Qt::StringLiterals;
+
+namespace mossbank {
+
+namespace {
+
+void sayHowToRecord(const Preferences& preferences)
+{
+    if (!preferences.isReadable()) {
+        TerminalStatus::complain(
+            localized("The choices in %1 cannot be read, so nothing is recorded unasked. Mend the "
+                      "file and start Mossbank again.")
+                .arg(preferences.path()));
+        return;
+    }
+    if (!preferences.recordsAtLaunch())
+        TerminalStatus::say(
+            localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")
+                .arg(preferences.path()));
+}
+
+void sayWhatExcludesNothing(const Preferences& preferences)
+{
+    const auto quoted = [](const QStringList& texts) {
+        return u'"' + texts.join(u"\", \""_s) + u'"';
+    };
+    const QStringList others = ExclusionForm::others(preferences.excludedBundles());
+    if (!others.isEmpty())
+        TerminalStatus::complain(
+            localized("What excludedBundles holds here looks like no application's id and may "
+                      "exclude nothing: %1")
+                .arg(quoted(others)));
+    const QStringList meant = ExclusionForm::meant(preferences.remarkBehindExclusions());
+    if (!meant.isEmpty())
+        TerminalStatus::complain(
+            localized("What stands behind a semicolon in excludedBundles is a remark and excludes "
+                      "nothing: %1. A comma goes between two.")
+                .arg(quoted(meant)));
+}
+
+} // namespace
+
+void sayWhatChoicesMean(const Preferences& preferences)
+{
+    sayHowToRecord(preferences);
+    sayWhatExcludesNothing(preferences);
+}
+
+} // namespace mossbank
