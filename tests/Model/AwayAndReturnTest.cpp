@@ -5,6 +5,8 @@
 
 #include <QSignalSpy>
 
+#include <thread>
+
 using namespace mossbank;
 using namespace Qt::StringLiterals;
 
@@ -88,6 +90,37 @@ private Q_SLOTS:
         m_rig->preferences.setResumesAfterAway(true);
         happens(u"unlock"_s);
         QVERIFY(!recorder().isRecording());
+    }
+
+    // The main thread waits meanwhile: a center has no lock of its own.
+    void whatIsToldOnAnotherThreadIsActedOnInTheMainOne()
+    {
+        start();
+        QList<QThread*> threads;
+        QObject guard;
+        QObject::connect(
+            &recorder(), &Recorder::isRecordingChanged, &guard,
+            [&] { threads.append(QThread::currentThread()); }, Qt::DirectConnection);
+        const FakeSessionEvents& session = m_rig->sessionEvents;
+
+        m_rig->state.isLockedNow = true;
+        std::thread([&] { session.tell(InactivityEvent(InactivityEvent::ScreenLocked)); }).join();
+        QVERIFY(threads.isEmpty());
+        settle();
+        QCOMPARE(threads, QList<QThread*>{thread()});
+        QVERIFY(!recorder().isRecording());
+        QCOMPARE(recorder().status(), u"Paused when the screen locked"_s);
+
+        m_rig->state.isLockedNow = false;
+        std::thread([&] { session.tell(ReturnEvent(ReturnEvent::ScreenUnlocked)); }).join();
+        // Would begin a job that the other thread had made.
+        QCoreApplication::sendPostedEvents(QCoreApplication::instance());
+        QCOMPARE(m_rig->clock.sleepers(), std::size_t(0));
+        settle();
+        QCOMPARE(m_rig->clock.sleepers(), std::size_t(1));
+        pass(kUntilSettled);
+        QCOMPARE(threads, (QList<QThread*>{thread(), thread()}));
+        QVERIFY(recorder().isRecording());
     }
 
     void recordingComesBackASecondAndAHalfAfterTheReturn()
