@@ -213,6 +213,29 @@ private Q_SLOTS:
         QVERIFY(recorder().isRecording());
     }
 
+    void aPauseThatEndsWithoutALibraryLeavesRecordingOff()
+    {
+        m_model.reset();
+        m_rig->preferences.setPausedUntil(kMorning + 3600);
+        QVERIFY(QDir(m_rig->libraryRoot()).removeRecursively());
+        QFile blocking(m_rig->libraryRoot());
+        QVERIFY(blocking.open(QIODevice::WriteOnly));
+        launch();
+        QVERIFY(!m_model->store());
+        m_model->finishedLaunching(false);
+        settle();
+        QCOMPARE(m_model->timedPause().pausedUntil(), std::optional(kMorning + 3600));
+        QVERIFY(recorder().status().startsWith(u"Paused until "_s));
+        QVERIFY(
+            QSettings(m_rig->preferences.path(), QSettings::IniFormat).contains(u"pausedUntil"_s));
+        pass(3600);
+        QVERIFY(!recorder().isRecording());
+        QVERIFY(!m_model->timedPause().isPaused());
+        QCOMPARE(recorder().status(), u"Recording is off"_s);
+        QVERIFY(
+            !QSettings(m_rig->preferences.path(), QSettings::IniFormat).contains(u"pausedUntil"_s));
+    }
+
     void aStoredPauseThatIsOverIsForgotten_data()
     {
         QTest::addColumn<QVariant>("stored");
