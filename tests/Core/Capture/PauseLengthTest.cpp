@@ -96,6 +96,43 @@ private Q_SLOTS:
         QCOMPARE(deadline, moment(until, timeZone));
     }
 
+    void aMorningThatIsLeftOutOrShownTwiceIsMet_data()
+    {
+        QTest::addColumn<QString>("zone");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("until");
+        const auto row = [](const char* what, const char* zone, const char* from,
+                            const char* until) {
+            QTest::newRow(what) << QString::fromLatin1(zone) << QString::fromLatin1(from)
+                                << QString::fromLatin1(until);
+        };
+        // On UTC in winter and an hour ahead in summer. Clocks change at eight and at nine, for no
+        // place on Earth does so at that time of day.
+        const char* eight = "STD0DST-1,M3.5.0/8,M10.5.0/9";
+        row("left out", eight, "2024-03-30T20:00:00Z", "2024-03-31T08:00:00Z");
+        row("a moment before it is left out", eight, "2024-03-31T07:58:00Z",
+            "2024-03-31T08:00:00Z");
+        row("as it has been left out", eight, "2024-03-31T08:00:00Z", "2024-04-01T07:00:00Z");
+        row("shown twice", eight, "2024-10-26T20:00:00Z", "2024-10-27T07:00:00Z");
+        row("between the two", eight, "2024-10-27T07:30:00Z", "2024-10-28T08:00:00Z");
+        row("at the second of the two", eight, "2024-10-27T08:00:00Z", "2024-10-28T08:00:00Z");
+        // From midnight to ten, when the station got clocks.
+        row("left out with the night", "Antarctica/Macquarie", "1948-03-24T20:00:00Z",
+            "1948-03-25T00:00:00Z");
+    }
+    void aMorningThatIsLeftOutOrShownTwiceIsMet()
+    {
+        QFETCH(QString, zone);
+        QFETCH(QString, from);
+        QFETCH(QString, until);
+        const QTimeZone timeZone(zone.toLatin1());
+        QVERIFY(timeZone.isValid());
+        const Calendar calendar(timeZone, QLocale::c());
+        const Date deadline = PauseLength(PauseLength::UntilMorning)
+                                  .deadline(moment(from, QTimeZone::utc()), calendar);
+        QCOMPARE(deadline, moment(until, QTimeZone::utc()));
+    }
+
     void beyondTheCalendarTheNightIsEightHours()
     {
         const Date from = {1e14};
