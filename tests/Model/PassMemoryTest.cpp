@@ -41,6 +41,8 @@ class PassMemoryTest : public QObject {
     }
     static void switchApplication(RecorderRig& rig)
     {
+        // The second takes the place of the first.
+        rig.front.activate(RecorderRig::kOther);
         rig.front.activate(RecorderRig::kEditor);
         waitFor([&rig] { return rig.clock.sleepers() == 2; });
         constexpr double kUntilDrawn = 0.45;
