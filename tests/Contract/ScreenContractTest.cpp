@@ -5,6 +5,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
@@ -44,10 +46,7 @@ private Q_SLOTS:
             return;
         QVERIFY(!screen->isAllowed());
         QCOMPARE(failureOf([&] { screen->content().result(); }), availability.reason);
-        QCOMPARE(failureOf([&] {
-                     screen->picture({1, {}, {10, 10}}).result();
-                 }),
-                 availability.reason);
+        QCOMPARE(failureOfPicture(*screen, {1, {}, {10, 10}}), availability.reason);
     }
 
     void askingIsNoFailure_data() { screens(); }
@@ -64,8 +63,10 @@ private Q_SLOTS:
     void theContentIsConsistent()
     {
         const auto screen = make();
-        if (!screen->availability().isAvailable)
+        if (const QString reason = screen->availability().reason; !reason.isEmpty()) {
+            QCOMPARE(failureOf([&] { screen->content().result(); }), reason);
             return;
+        }
         const ScreenContent content = screen->content().result();
         QSet<DisplayID> displays;
         for (const auto& display : content.displays) {
@@ -91,8 +92,10 @@ private Q_SLOTS:
     void aPictureIsOfTheSizeAskedForAndKeepsItsPixels()
     {
         auto screen = make();
-        if (!screen->availability().isAvailable)
+        if (const QString reason = screen->availability().reason; !reason.isEmpty()) {
+            QCOMPARE(failureOfPicture(*screen, {1, {kAlpha}, {20, 10}}), reason);
             return;
+        }
         const ScreenContent content = screen->content().result();
         QCOMPARE(content.displays.size(), 1);
         const QSize size = content.displays.constFirst().frame.size();
@@ -105,12 +108,80 @@ private Q_SLOTS:
         QCOMPARE(first, copy);
     }
 
+    void anotherSizeThanTheDisplaysIsAsGood_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QSize>("size");
+        for (const char* const kind : {"X11", "fake"}) {
+            const auto row = [kind](const char* what, const QSize& size) {
+                QTest::addRow("%s, %s", kind, what) << QString::fromLatin1(kind) << size;
+            };
+            row("smaller", {160, 100});
+            row("of another shape", {64, 200});
+            row("larger", {2500, 1600});
+            row("none", {});
+        }
+    }
+    void anotherSizeThanTheDisplaysIsAsGood()
+    {
+        QFETCH(QSize, size);
+        const auto screen = make();
+        const ScreenContent content = screen->content().result();
+        const QSize own = content.displays.constFirst().frame.size();
+        const QImage picture = screen->picture({*content.mainDisplay, {kAlpha}, size}).result();
+        QCOMPARE(picture.size(), size.isEmpty() ? own : size);
+    }
+
+    void aDisplayThatIsNotThereIsAClearFailure_data() { availableScreens(); }
+    void aDisplayThatIsNotThereIsAClearFailure()
+    {
+        const auto screen = make();
+        DisplayID unknown = 77;
+        for (const auto& display : screen->content().result().displays)
+            unknown = std::max(unknown, display.id + 1);
+        const PictureRequest request = {unknown, {kAlpha}, {20, 10}};
+        QCOMPARE(failureOfPicture(*screen, request),
+                 u"No display is available. Check your display connection and try again."_s);
+        // It is as good for the next.
+        const DisplayID known = *screen->content().result().mainDisplay;
+        QCOMPARE(failureOfPicture(*screen, {known, {kAlpha}, {20, 10}}), QString());
+    }
+
+    void eachDisplayIsCalledByANameOfItsOwnOrNoneIs_data() { screens(); }
+    void eachDisplayIsCalledByANameOfItsOwnOrNoneIs()
+    {
+        const auto screen = make();
+        const QStringList names = screen->displayNames();
+        if (!screen->availability().isAvailable) {
+            QCOMPARE(names, QStringList());
+            return;
+        }
+        // The X11 adapter has them from Qt, which has not asked in a program without windows.
+        const auto named = dynamic_cast<const FakeScreen*>(screen.get())
+                               ? screen->content().result().displays.size()
+                               : 0;
+        QCOMPARE(names.size(), named);
+        QCOMPARE(QSet(names.begin(), names.end()).size(), named);
+        QVERIFY(!names.contains(QString()));
+    }
+
 private:
     static void screens()
     {
+        availableScreens();
+        QTest::newRow("Null") << u"Null"_s;
+    }
+
+    static void availableScreens()
+    {
         QTest::addColumn<QString>("kind");
-        for (const char* const kind : {"X11", "Null", "fake"})
+        for (const char* const kind : {"X11", "fake"})
             QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+
+    static QString failureOfPicture(Screen& screen, const PictureRequest& request)
+    {
+        return failureOf([&] { screen.picture(request).result(); });
     }
 
     static std::unique_ptr<Screen> make()

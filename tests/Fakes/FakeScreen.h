@@ -6,6 +6,7 @@
 
 #include <QPromise>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -71,8 +72,11 @@ public:
             onPicture();
         if (!pictureFailure.isEmpty())
             return QtFuture::makeExceptionalFuture<QImage>(StoreError(pictureFailure));
+        if (!hasDisplay(request.display))
+            return QtFuture::makeExceptionalFuture<QImage>(Failure(QStringLiteral(
+                "No display is available. Check your display connection and try again.")));
         if (!holdsPicture)
-            return QtFuture::makeReadyFuture(pictureNow);
+            return QtFuture::makeReadyFuture(pictureOf(request));
         m_picture = {};
         m_picture.start();
         return m_picture.future();
@@ -89,11 +93,25 @@ public:
     }
     void releasePicture()
     {
-        m_picture.addResult(pictureNow);
+        m_picture.addResult(pictureOf(requests.back()));
         m_picture.finish();
     }
 
 private:
+    bool hasDisplay(DisplayID id) const
+    {
+        return std::ranges::any_of(contentNow.displays,
+                                   [id](const Display& display) { return display.id == id; });
+    }
+
+    /// At the size asked for, if one is.
+    QImage pictureOf(const PictureRequest& request) const
+    {
+        if (request.size.isEmpty() || request.size == pictureNow.size())
+            return pictureNow;
+        return pictureNow.scaled(request.size);
+    }
+
     QPromise<ScreenContent> m_content;
     QPromise<QImage> m_picture;
 };

@@ -17,10 +17,11 @@ class UnchangedScreenTest : public QObject {
     }
 
     /// A screen of which each pixel is a cell.
-    static void makeSmall(RecorderRig& rig)
+    static void makeSmall(RecorderRig& rig, const QColor& colour = Qt::white)
     {
         rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
-        rig.screen.pictureNow.fill(Qt::white);
+        rig.screen.pictureNow.fill(colour);
+        rig.screen.contentNow.displays.first().frame = rig.screen.pictureNow.rect();
     }
 
     /// Before the third blink of a caret it is not yet known for one: that its cells have moved for
@@ -227,8 +228,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, mode);
         RecorderRig rig;
-        rig.screen.pictureNow = QImage(192, 192, QImage::Format_RGB32);
-        rig.screen.pictureNow.fill(qRgb(100, 100, 100));
+        makeSmall(rig, QColor(100, 100, 100));
         rig.preferences.setChangeMode(mode);
         rig.start();
         // No step is more than what counts as the same; the third is, since the picture saved.
