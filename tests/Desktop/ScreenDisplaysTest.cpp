@@ -1,9 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/Desktop/DesktopTest.h"
 
+#include <QGuiApplication>
+
+#include <cstdio>
+
 using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
+
+namespace {
+
+/// Given to this program: only write the displays' names.
+const QString kTellNames = u"--tell-names"_s;
+
+} // namespace
 
 /// Several displays, large ones, and their coming and going.
 class ScreenDisplaysTest final : public QObject {
@@ -111,6 +122,26 @@ private Q_SLOTS:
                  u"No display is available. Check your display connection and try again."_s);
     }
 
+    void theNamesOfDisplaysBeginWithTheMainOnes_data()
+    {
+        QTest::addColumn<QString>("main");
+        QTest::addColumn<QStringList>("names");
+        QTest::newRow("left") << u"Left"_s << QStringList{u"Left"_s, u"Right"_s};
+        QTest::newRow("right") << u"Right"_s << QStringList{u"Right"_s, u"Left"_s};
+    }
+    void theNamesOfDisplaysBeginWithTheMainOnes()
+    {
+        QFETCH(QString, main);
+        QFETCH(QStringList, names);
+        QVERIFY(split(main));
+        // Qt asks for the displays when a program with windows starts, which this one is not.
+        qputenv("QT_QPA_PLATFORM", "xcb");
+        const auto named =
+            m_desktop->run(QCoreApplication::applicationFilePath(), {kTellNames}, u"qt6"_s);
+        QVERIFY2(named.isSuccess, qPrintable(named.text));
+        QCOMPARE(named.text.split(u'\n', Qt::SkipEmptyParts), names);
+    }
+
 private:
     bool xrandr(const QStringList& arguments)
     {
@@ -121,20 +152,40 @@ private:
     }
 
     /// Two displays that are neither of one size nor of one height.
-    bool split()
+    bool split(const QString& main = {})
     {
-        return xrandr({u"--setmonitor"_s, u"Left"_s, u"1920/500x1080/280+0+0"_s, u"screen"_s}) &&
-               addRight();
+        return xrandr({u"--setmonitor"_s, marked(u"Left"_s, main), u"1920/500x1080/280+0+0"_s,
+                       u"screen"_s}) &&
+               addRight(main);
     }
 
-    bool addRight()
+    bool addRight(const QString& main = {})
     {
-        return xrandr({u"--setmonitor"_s, u"Right"_s, u"1280/330x1024/270+1920+56"_s, u"none"_s});
+        return xrandr({u"--setmonitor"_s, marked(u"Right"_s, main), u"1280/330x1024/270+1920+56"_s,
+                       u"none"_s});
+    }
+
+    /// As xrandr is told which display is the main one.
+    static QString marked(const QString& name, const QString& main)
+    {
+        return name == main ? u'*' + name : name;
     }
 
     std::unique_ptr<VirtualDesktop> m_desktop;
     std::unique_ptr<X11Screen> m_screen;
 };
 
-QTEST_GUILESS_MAIN(ScreenDisplaysTest)
+int main(int argc, char* argv[])
+{
+    if (argc == 2 && kTellNames == QLatin1String(argv[1])) {
+        const QGuiApplication application(argc, argv);
+        for (const QString& name : makeScreen()->displayNames())
+            std::puts(qPrintable(name));
+        return 0;
+    }
+    ScreenDisplaysTest::initMain();
+    QCoreApplication application(argc, argv);
+    ScreenDisplaysTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "ScreenDisplaysTest.moc"

@@ -155,6 +155,16 @@ private Q_SLOTS:
                  savesAddresses ? std::optional(kStartAgain) : std::nullopt);
     }
 
+    void displaysAreCalledAsTheScreenCallsThem()
+    {
+        RecorderRig rig(false);
+        rig.screen.displayNamesNow = {u"LG HDR 4K"_s, u"eDP-1"_s};
+        const AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        QCOMPARE(model.displayNames(), (QStringList{u"LG HDR 4K"_s, u"eDP-1"_s}));
+        rig.screen.displayNamesNow = {u"eDP-1"_s};
+        QCOMPARE(model.displayNames(), QStringList{u"eDP-1"_s});
+    }
+
     void aLibraryThatCannotBeOpenedIsToldAndNothingIsRecorded()
     {
         RecorderRig rig(false);
