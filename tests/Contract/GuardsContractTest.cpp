@@ -59,6 +59,56 @@ private Q_SLOTS:
         QTRY_VERIFY(!state.isLocked());
     }
 
+    void aScreenStateTellsTheLockByAScreenSaver_data() { aScreenStateTellsTheLock_data(); }
+    void aScreenStateTellsTheLockByAScreenSaver()
+    {
+        QFETCH(bool, isFake);
+        const VirtualDesktop desktop;
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere");
+        TestBus sessionBus(TestBus::Kind::Session);
+        MockedScreenSaver saver(sessionBus);
+        QVERIFY2(saver.problem().isEmpty(), qPrintable(saver.problem()));
+        FakeScreenState fake;
+        const LinuxScreenState real(std::make_shared<SessionWatch>());
+        const ScreenState& state = isFake ? static_cast<const ScreenState&>(fake) : real;
+        const auto lock = [&](bool isLocked) {
+            fake.isLockedNow = isLocked;
+            return saver.setActive(isLocked);
+        };
+        QVERIFY(isSound(state.availability()));
+        QVERIFY(state.availability().isAvailable);
+        QVERIFY(!state.isLocked());
+        QVERIFY(lock(true));
+        QTRY_VERIFY(state.isLocked());
+        QVERIFY(lock(false));
+        QTRY_VERIFY(!state.isLocked());
+    }
+
+    void aScreenStateTellsTheSleepOfTheDisplay_data() { aScreenStateTellsTheLock_data(); }
+    void aScreenStateTellsTheSleepOfTheDisplay()
+    {
+        QFETCH(bool, isFake);
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const TestBus sessionBus(TestBus::Kind::Session);
+        FakeScreenState fake;
+        const LinuxScreenState real(std::make_shared<SessionWatch>());
+        const ScreenState& state = isFake ? static_cast<const ScreenState&>(fake) : real;
+        const auto sleep = [&](bool isAsleep) {
+            fake.isAsleepNow = isAsleep;
+            const QString what = isAsleep ? u"activate"_s : u"reset"_s;
+            return desktop.run(u"xset"_s, {u"s"_s, what}, u"x11-xserver-utils"_s).isSuccess;
+        };
+        QVERIFY(!state.isMainDisplayAsleep());
+        for (int time = 0; time < 2; ++time) {
+            QVERIFY(sleep(true));
+            QTRY_VERIFY(state.isMainDisplayAsleep());
+            QVERIFY(!state.isLocked());
+            QVERIFY(sleep(false));
+            QTRY_VERIFY(!state.isMainDisplayAsleep());
+        }
+    }
+
     void aSecureInputTellsAPassword_data() { aScreenStateTellsTheLock_data(); }
     void aSecureInputTellsAPassword()
     {
