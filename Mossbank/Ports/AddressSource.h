@@ -35,7 +35,8 @@ struct AddressAnswer {
 /// What asks browsers for the address of the page they show.
 ///
 /// Threading: called on the main thread, which it never holds; the asking is done elsewhere.
-/// Errors: a failed answer; no future throws.
+/// Errors: a failed answer. No future is meant to throw; whoever asks takes one that does for a
+/// failed answer, for no screenshot is worth losing over an address.
 class AddressSource {
 public:
     AddressSource() = default;

@@ -49,6 +49,27 @@ private Q_SLOTS:
         source->letBe();
     }
 
+    void whoSwitchesOnAgainIsToldNothing_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("fake") << u"fake"_s;
+        QTest::newRow("Linux") << u"Linux"_s;
+    }
+    void whoSwitchesOnAgainIsToldNothing()
+    {
+        QFETCH(QString, kind);
+        const AccessibleDesktop desktop({.isSwitchedOn = false});
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        const auto source = make(kind, u"http://example.org"_s);
+        QVERIFY(!source->switchOn().isEmpty());
+        QVERIFY(QTest::qWaitFor([&] { return source->availability().isAvailable; }, kPatience));
+        QCOMPARE(source->switchOn(), QString());
+        // What is on stays on.
+        source->letBe();
+        QVERIFY(source->availability().isAvailable);
+        QCOMPARE(source->switchOn(), QString());
+    }
+
     void aBrowserInFrontTellsItsAddress_data()
     {
         rows();

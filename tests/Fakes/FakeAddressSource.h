@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <utility>
 
 namespace mossbank {
 
@@ -17,7 +18,7 @@ public:
     QStringList browsers;
     AddressAnswer answerNow;
     bool holdsAnswers = false;
-    /// When not empty, what every answer fails with.
+    /// When not empty, what every answer throws, which none is meant to.
     QString failure;
     QStringList asked;
     int timesSwitchedOn = 0;
@@ -43,7 +44,8 @@ public:
     {
         ++timesSwitchedOn;
         isWantedOn = true;
-        return QStringLiteral("Browsers have to be started again.");
+        return std::exchange(m_isOn, true) ? QString()
+                                           : QStringLiteral("Browsers have to be started again.");
     }
     void letBe() override { isWantedOn = false; }
 
@@ -56,6 +58,8 @@ public:
     }
 
 private:
+    /// What is on stays on.
+    bool m_isOn = false;
     std::deque<QPromise<AddressAnswer>> m_held;
 };
 
