@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Mossbank/Ports/ApplicationChooser.h"
+#include "MossbankCore/Support/Failure.h"
 
 #include <utility>
 
@@ -18,7 +19,7 @@ public:
     Availability availability() const override { return Availability::missing(m_reason); }
     QFuture<std::optional<Application>> choose(const QString&) override
     {
-        return QtFuture::makeReadyFuture(std::optional<Application>());
+        return QtFuture::makeExceptionalFuture<std::optional<Application>>(Failure(m_reason));
     }
 
 private:
