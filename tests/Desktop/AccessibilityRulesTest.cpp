@@ -252,10 +252,37 @@ void AccessibilityRulesTest::aPromptIsKnownByItsClass_data()
                              "xsecurelock",
                              "XScreenSaver",
                              "light-locker",
-                             "slock"})
+                             "slock",
+                             "org.gnupg.pinentry-qt",
+                             "org.kde.pinentry-qt",
+                             "gcr-viewer",
+                             "org.gnome.gcr.Prompter",
+                             "org.kde.kwalletd6",
+                             "kwallet-query",
+                             "ksecretd",
+                             "org.kde.ksecretd",
+                             "polkit-mate-authentication-agent-1",
+                             "polkit-ukui-authentication-agent-1",
+                             "org.kde.polkit-kde-authentication-agent-1",
+                             "ukui-polkit",
+                             "gksu",
+                             "Gksudo",
+                             "kdesu",
+                             "kdesudo",
+                             "lxqt-sudo",
+                             "lxsudo",
+                             "lxsu",
+                             "xlock",
+                             "mate-screensaver-dialog",
+                             "cinnamon-screensaver",
+                             "kscreenlocker_greet",
+                             "gnome-screensaver-dialog",
+                             "xfce4-screensaver-dialog",
+                             "ukui-screensaver-dialog"})
         QTest::newRow(name) << QString() << QString::fromLatin1(name) << true;
     QTest::newRow("by its instance") << u"pinentry"_s << u"Anything"_s << true;
-    for (const char* name : {"", "XTerm", "firefox-esr", "Slocket", "my-pinentry", "gcr"})
+    for (const char* name : {"", "XTerm", "firefox-esr", "Slocket", "my-pinentry", "gcr",
+                             "screensaver", "xlocker", "sudo", "kwallet"})
         QTest::newRow(*name ? name : "no class")
             << QString::fromLatin1(name) << QString::fromLatin1(name) << false;
 }
@@ -357,9 +384,12 @@ void AccessibilityRulesTest::whatKeepsPasswordsIsExcludedFromTheStart()
 {
     const QStringList expected = {u"org.keepassxc.KeePassXC"_s,
                                   u"keepassxc"_s,
+                                  u"keepassxc_keepassxc"_s,
                                   u"1password"_s,
+                                  u"1password_1password"_s,
                                   u"com.onepassword.OnePassword"_s,
                                   u"bitwarden"_s,
+                                  u"bitwarden_bitwarden"_s,
                                   u"org.gnome.World.Secrets"_s,
                                   u"secrets"_s,
                                   u"org.gnome.seahorse.Application"_s,

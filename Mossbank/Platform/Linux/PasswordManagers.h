@@ -12,9 +12,12 @@ inline QStringList passwordManagersOfLinux()
     using namespace Qt::StringLiterals;
     return {u"org.keepassxc.KeePassXC"_s,
             u"keepassxc"_s,
+            u"keepassxc_keepassxc"_s,
             u"1password"_s,
+            u"1password_1password"_s,
             u"com.onepassword.OnePassword"_s,
             u"bitwarden"_s,
+            u"bitwarden_bitwarden"_s,
             u"org.gnome.World.Secrets"_s,
             u"secrets"_s,
             u"org.gnome.seahorse.Application"_s,

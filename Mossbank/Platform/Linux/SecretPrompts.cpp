@@ -60,6 +60,9 @@ const QStringList& patterns()
         u"light-locker*"_s,
         u"mate-screensaver*"_s,
         u"cinnamon-screensaver*"_s,
+        u"gnome-screensaver*"_s,
+        u"xfce4-screensaver*"_s,
+        u"ukui-screensaver*"_s,
         u"kscreenlocker*"_s,
     };
     return kPatterns;
