@@ -1,19 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The real program on a real screen, whose user leaves and comes back.
-#include "tests/Desktop/MockedSession.h"
-#include "tests/Desktop/RunningMossbank.h"
-#include "tests/Desktop/VirtualDesktop.h"
+// The real program on a real screen, whose user leaves and comes back. Most of its time is waited
+// for something that must not come: several programs, each on a desktop of its own, wait at once.
+#include "tests/Desktop/AwayDesk.h"
 
 #include <QTest>
 
 #include <csignal>
-#include <functional>
 #include <memory>
+#include <vector>
 
 using namespace mossbank;
 using namespace mossbank::test;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kBegins = u"Waiting for your next screen"_s;
+const QString kPaused = u"Paused when "_s;
+const QString kBlank = u"Skipped while the display is asleep"_s;
+
+/// Milliseconds after which the program knows what has taken place, and a pass that was on its way
+/// has ended.
+constexpr int kHeard = 700;
+/// It waits a second and a half before it comes back.
+constexpr int kLongEnough = 2200;
+
+/// Two ways of being away, in one of the orders in which they begin and end.
+struct Sequence {
+    QString first;
+    QString second;
+    QString firstEnd;
+    QString lastEnd;
+
+    QString name() const { return QStringList{first, second, firstEnd, lastEnd}.join(u' '); }
+};
+
+/// All orders of these two.
+QList<Sequence> sequencesOf(const QString& one, const QString& other)
+{
+    QList<Sequence> all;
+    for (const auto& [first, second] : {std::pair{one, other}, std::pair{other, one}}) {
+        all.append({first, second, u'-' + first, u'-' + second});
+        all.append({first, second, u'-' + second, u'-' + first});
+    }
+    return all;
+}
+
+} // namespace
 
 class AwayTest : public QObject {
     Q_OBJECT
@@ -25,216 +59,254 @@ private Q_SLOTS:
         qunsetenv("XDG_SESSION_ID");
     }
 
-    void init()
-    {
-        m_desktop = std::make_unique<VirtualDesktop>();
-        QVERIFY2(m_desktop->problem().isEmpty(), qPrintable(m_desktop->problem()));
-        QVERIFY(m_desktop->start(u"xterm"_s, {u"-class"_s, u"Alpha"_s, u"-e"_s, u"sleep 1000"_s},
-                                 u"xterm"_s));
-        m_systemBus = std::make_unique<TestBus>(TestBus::Kind::System);
-        m_sessionBus = std::make_unique<TestBus>(TestBus::Kind::Session);
-        m_logind = std::make_unique<MockedLogind>(*m_systemBus);
-        QVERIFY2(m_logind->problem().isEmpty(), qPrintable(m_logind->problem()));
-        m_screenSaver = std::make_unique<MockedScreenSaver>(*m_sessionBus);
-        QVERIFY2(m_screenSaver->problem().isEmpty(), qPrintable(m_screenSaver->problem()));
-        m_mossbank = std::make_unique<RunningMossbank>();
-        m_mossbank->setSessionBus(m_sessionBus->address());
-    }
-
     void cleanup()
     {
-        m_mossbank.reset();
-        m_screenSaver.reset();
-        m_logind.reset();
-        m_sessionBus.reset();
-        m_systemBus.reset();
-        m_desktop.reset();
+        while (!m_desks.empty())
+            m_desks.pop_back();
     }
 
-    void recordingStopsAndComesBack_data()
-    {
-        QTest::addColumn<QString>("event");
-        QTest::addColumn<QString>("status");
-        QTest::newRow("lock by logind") << u"lock"_s << u"Paused when the screen locked"_s;
-        QTest::newRow("lock by the screen saver")
-            << u"saver"_s << u"Paused when the screen locked"_s;
-        QTest::newRow("sleep") << u"sleep"_s << u"Paused when this computer went to sleep"_s;
-        QTest::newRow("another session")
-            << u"session"_s << u"Paused when your session became inactive"_s;
-    }
     void recordingStopsAndComesBack()
     {
-        QFETCH(QString, event);
-        QFETCH(QString, status);
-        QVERIFY(startRecording({}));
-        QVERIFY(happens(event, true));
-        QVERIFY2(m_mossbank->waitFor(status), qPrintable(m_mossbank->terminal()));
-        QVERIFY(happens(event, false));
-        QVERIFY2(m_mossbank->waitFor(u"Waiting for your next screen"_s, 2),
-                 qPrintable(m_mossbank->terminal()));
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        const QString locked = u"Paused when the screen locked"_s;
+        const std::vector<std::pair<QString, QString>> events = {
+            {u"lock"_s, locked},
+            {u"saver"_s, locked},
+            {u"sleep"_s, u"Paused when this computer went to sleep"_s},
+            {u"session"_s, u"Paused when your session became inactive"_s}};
+        startRecording(events.size());
+        for (std::size_t place = 0; place < events.size(); ++place)
+            QVERIFY(m_desks.at(place)->takePlace(events[place].first));
+        for (std::size_t place = 0; place < events.size(); ++place)
+            waitFor(place, events[place].second);
+        QTest::qWait(kHeard);
+        noteKept();
+        QTest::qWait(kLongEnough);
+        nothingMoreIsKept();
+        for (std::size_t place = 0; place < events.size(); ++place)
+            QVERIFY(m_desks.at(place)->takePlace(u'-' + events[place].first));
+        for (std::size_t place = 0; place < events.size(); ++place) {
+            waitFor(place, kBegins, 2);
+            QVERIFY(QTest::qWaitFor(
+                [&] { return m_desks.at(place)->kept().rows > m_kept.at(place).rows; }, kPatience));
+        }
+        stopAll();
     }
 
-    void whoDoesNotWantItBackStaysUnrecorded_data()
-    {
-        QTest::addColumn<QString>("event");
-        for (const char* event : {"lock", "saver", "sleep", "session"})
-            QTest::newRow(event) << QString::fromLatin1(event);
-    }
     void whoDoesNotWantItBackStaysUnrecorded()
     {
-        QFETCH(QString, event);
-        QVERIFY(startRecording({{u"resumesAfterAway"_s, u"false"_s}}));
-        QVERIFY(happens(event, true));
-        QVERIFY2(m_mossbank->waitFor(u"Paused when "_s), qPrintable(m_mossbank->terminal()));
-        QVERIFY(happens(event, false));
+        const QList<QStringList> steps = {{u"lock"_s, u"-lock"_s},
+                                          {u"saver"_s, u"-saver"_s},
+                                          {u"sleep"_s, u"-sleep"_s},
+                                          {u"session"_s, u"-session"_s},
+                                          {u"sleep"_s, u"lock"_s, u"-sleep"_s, u"-lock"_s},
+                                          {u"lock"_s, u"blank"_s, u"-lock"_s, u"-blank"_s}};
+        startRecording(static_cast<std::size_t>(steps.size()),
+                       {{u"resumesAfterAway"_s, u"false"_s}});
+        for (qsizetype place = 0; place < steps.size(); ++place) {
+            for (const QString& step : steps[place].first(steps[place].size() / 2))
+                QVERIFY(m_desks.at(static_cast<std::size_t>(place))->takePlace(step));
+        }
+        for (std::size_t place = 0; place < m_desks.size(); ++place)
+            waitFor(place, kPaused);
+        QTest::qWait(kHeard);
+        noteKept();
+        for (qsizetype place = 0; place < steps.size(); ++place) {
+            for (const QString& step : steps[place].last(steps[place].size() / 2))
+                QVERIFY(m_desks.at(static_cast<std::size_t>(place))->takePlace(step));
+        }
         QTest::qWait(3000);
-        QCOMPARE(m_mossbank->terminal().count(u"Waiting for your next screen"_s), 1);
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        for (std::size_t place = 0; place < m_desks.size(); ++place)
+            QCOMPARE(m_desks.at(place)->mossbank().terminal().count(kBegins), 1);
+        nothingMoreIsKept();
+        stopAll();
     }
 
-    void itComesBackOnlyWhenNothingStandsAgainstIt_data()
-    {
-        // Each step is an event, with a minus for its end.
-        QTest::addColumn<QStringList>("steps");
-        const auto add = [](const char* steps) {
-            QTest::newRow(steps) << QString::fromLatin1(steps).split(u' ');
-        };
-        add("lock sleep -sleep -lock");
-        add("sleep lock -sleep -lock");
-        add("lock session -lock -session");
-        add("session saver -session -saver");
-        add("saver sleep -saver -sleep");
-    }
+    /// Each two ways of being away in every order, on as many desktops as there are orders, and
+    /// one pair after the other.
     void itComesBackOnlyWhenNothingStandsAgainstIt()
     {
-        QFETCH(QStringList, steps);
-        const QString begins = u"Waiting for your next screen"_s;
-        QVERIFY(startRecording({}));
-        const QString last = steps.takeLast();
-        for (const QString& step : std::as_const(steps)) {
-            QVERIFY(takePlace(step));
-            QTest::qWait(500);
+        const QStringList ways = {u"lock"_s, u"saver"_s, u"sleep"_s, u"session"_s, u"blank"_s};
+        startRecording(4);
+        int pairs = 0;
+        for (qsizetype one = 0; one < ways.size(); ++one) {
+            for (qsizetype other = one + 1; other < ways.size(); ++other) {
+                goThrough(sequencesOf(ways[one], ways[other]), ++pairs);
+                if (QTest::currentTestFailed())
+                    return;
+            }
         }
-        constexpr int kLongEnough = 2000;
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_mossbank->terminal().count(begins), 1);
-        QVERIFY(takePlace(last));
-        QVERIFY2(m_mossbank->waitFor(begins, 2), qPrintable(m_mossbank->terminal()));
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        QCOMPARE(pairs, 10);
+        stopAll();
     }
 
     void aBlankedScreenIsNotRecorded()
     {
-        QVERIFY(startRecording({{u"skipsUnchangedScreens"_s, u"false"_s}}));
-        QVERIFY(happens(u"blank"_s, true));
-        QVERIFY2(m_mossbank->waitFor(u"Skipped while the display is asleep"_s),
-                 qPrintable(m_mossbank->terminal()));
-        const auto before = m_mossbank->pictureFiles().size();
+        startRecording(1);
+        AwayDesk& desk = *m_desks.front();
+        QVERIFY(desk.takePlace(u"blank"_s));
+        waitFor(0, kBlank);
+        noteKept();
         QTest::qWait(3000);
-        QCOMPARE(m_mossbank->pictureFiles().size(), before);
-        QVERIFY(happens(u"blank"_s, false));
-        QTRY_VERIFY_WITH_TIMEOUT(m_mossbank->pictureFiles().size() > before, 10'000);
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        nothingMoreIsKept();
+        QVERIFY(desk.takePlace(u"-blank"_s));
+        QVERIFY(QTest::qWaitFor([&] { return desk.kept().rows > m_kept.front().rows; }, kPatience));
+        stopAll();
     }
 
     void aLockedScreenIsNotRecordedFromTheStart()
     {
-        QVERIFY(m_screenSaver->setActive(true));
-        m_mossbank->choose({{u"interval"_s, u"1"_s}});
-        QVERIFY(m_mossbank->start());
-        QVERIFY2(m_mossbank->waitFor(u"Paused when the screen locked"_s),
-                 qPrintable(m_mossbank->terminal()));
-        QCOMPARE(m_mossbank->pictureFiles(), QStringList());
-        QVERIFY(m_screenSaver->setActive(false));
-        QVERIFY2(m_mossbank->waitFor(u"Saved at "_s), qPrintable(m_mossbank->terminal()));
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        AwayDesk& desk = makeDesk();
+        QVERIFY2(desk.problem().isEmpty(), qPrintable(desk.problem()));
+        QVERIFY(desk.takePlace(u"saver"_s));
+        QVERIFY(desk.startMossbank());
+        waitFor(0, u"Paused when the screen locked"_s);
+        QCOMPARE(desk.kept(), AwayDesk::Kept());
+        QVERIFY(desk.takePlace(u"-saver"_s));
+        waitFor(0, u"Saved at "_s);
+        stopAll();
     }
 
     void aLogindThatGoesAndComesBackStopsItAtTheNextLock()
     {
-        QVERIFY(startRecording({}));
-        m_logind.reset();
+        startRecording(1);
+        AwayDesk& desk = *m_desks.front();
+        desk.endLogind();
         QTest::qWait(2000);
-        QVERIFY2(!m_mossbank->terminal().contains(u"Paused"_s), qPrintable(m_mossbank->terminal()));
-        m_logind = std::make_unique<MockedLogind>(*m_systemBus);
-        QVERIFY2(m_logind->problem().isEmpty(), qPrintable(m_logind->problem()));
-        QVERIFY(m_logind->setLocked(true));
-        QVERIFY2(m_mossbank->waitFor(u"Paused when the screen locked"_s),
-                 qPrintable(m_mossbank->terminal()));
-        QVERIFY(m_logind->setLocked(false));
-        QVERIFY2(m_mossbank->waitFor(u"Waiting for your next screen"_s, 2),
-                 qPrintable(m_mossbank->terminal()));
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        const QString terminal = desk.mossbank().terminal();
+        QVERIFY2(!terminal.contains(u"Paused"_s), qPrintable(terminal));
+        QVERIFY(desk.startLogind());
+        QVERIFY(desk.takePlace(u"lock"_s));
+        waitFor(0, u"Paused when the screen locked"_s);
+        QVERIFY(desk.takePlace(u"-lock"_s));
+        waitFor(0, kBegins, 2);
+        stopAll();
     }
 
-    void servicesThatGoLeaveTheRecordingAlone()
+    /// On one desktop there is nobody who could tell, on the other one all of them go.
+    void whatCannotBeToldIsSaidOnceAndStopsNothing()
     {
-        QVERIFY(startRecording({}));
-        m_logind.reset();
-        m_screenSaver.reset();
-        TestBus::end(m_systemBus->process());
-        TestBus::end(m_sessionBus->process());
-        const auto before = m_mossbank->pictureFiles().size();
-        QVERIFY(m_desktop->start(u"xterm"_s,
-                                 {u"-class"_s, u"Beta"_s, u"-geometry"_s, u"100x40+200+100"_s,
-                                  u"-bg"_s, u"darkgreen"_s, u"-e"_s, u"sleep 1000"_s},
-                                 u"xterm"_s));
-        QTRY_VERIFY_WITH_TIMEOUT(m_mossbank->pictureFiles().size() > before, 10'000);
-        const QString unknown = u"Mossbank cannot tell when the screen is locked"_s;
-        QVERIFY2(m_mossbank->waitFor(unknown), qPrintable(m_mossbank->terminal()));
+        AwayDesk& without = makeDesk();
+        QVERIFY2(without.problem().isEmpty(), qPrintable(without.problem()));
+        without.endLogind();
+        without.endScreenSaver();
+        QVERIFY(without.startMossbank());
+        startRecording(1);
+        waitFor(0, u"Saved at "_s);
+        AwayDesk& left = *m_desks.back();
+        left.endBuses();
+        noteKept();
+        for (std::size_t place = 0; place < m_desks.size(); ++place) {
+            for (const QString& sentence : unknown())
+                waitFor(place, sentence);
+        }
+        // It looks again every ten seconds.
         QTest::qWait(12'000);
-        QCOMPARE(m_mossbank->terminal().count(unknown), 1);
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
-    }
-
-    void whatCannotBeToldIsSaidOnce()
-    {
-        m_logind.reset();
-        m_screenSaver.reset();
-        QVERIFY(startRecording({}));
-        QTest::qWait(3000);
-        const QString terminal = m_mossbank->terminal();
-        QCOMPARE(terminal.count(u"Mossbank cannot tell when the screen is locked"_s), 1);
-        QCOMPARE(terminal.count(u"Mossbank cannot tell when this computer goes to sleep"_s), 1);
-        QCOMPARE(m_mossbank->stop(SIGINT), 0);
+        for (const auto& desk : m_desks) {
+            for (const QString& sentence : unknown())
+                QVERIFY2(desk->mossbank().terminal().count(sentence) == 1,
+                         qPrintable(sentence + u'\n' + desk->mossbank().terminal()));
+        }
+        QVERIFY(without.kept().rows > m_kept.front().rows);
+        QVERIFY(left.kept().rows > m_kept.back().rows);
+        stopAll();
     }
 
 private:
-    bool startRecording(QMap<QString, QString> choices)
+    static constexpr int kPatience = 20'000;
+
+    static QStringList unknown()
     {
-        choices.insert(u"interval"_s, u"1"_s);
-        m_mossbank->choose(choices);
-        return m_mossbank->start() && m_mossbank->waitFor(u"Saved at "_s);
+        return {u"Mossbank cannot tell when the screen is locked"_s,
+                u"Mossbank cannot tell when this computer goes to sleep"_s,
+                u"So Mossbank may not notice that a password is typed"_s};
     }
 
-    bool happens(const QString& event, bool isLeaving)
+    AwayDesk& makeDesk()
     {
-        if (event == u"lock"_s)
-            return m_logind->setLocked(isLeaving);
-        if (event == u"saver"_s)
-            return m_screenSaver->setActive(isLeaving);
-        if (event == u"sleep"_s)
-            return m_logind->sleep(isLeaving);
-        if (event == u"blank"_s) {
-            const QString option = isLeaving ? u"activate"_s : u"reset"_s;
-            return m_desktop->run(u"xset"_s, {u"s"_s, option}, u"x11-xserver-utils"_s).isSuccess;
+        m_desks.push_back(std::make_unique<AwayDesk>());
+        return *m_desks.back();
+    }
+
+    /// So many more, on which the program has begun to record. Fails the case when it cannot.
+    void startRecording(std::size_t count, const QMap<QString, QString>& choices = {})
+    {
+        const std::size_t before = m_desks.size();
+        for (std::size_t place = 0; place < count; ++place) {
+            AwayDesk& desk = makeDesk();
+            QVERIFY2(desk.problem().isEmpty(), qPrintable(desk.problem()));
+            QVERIFY(desk.startMossbank(choices));
         }
-        return m_logind->setActive(!isLeaving);
+        for (std::size_t place = before; place < m_desks.size(); ++place)
+            waitFor(place, u"Saved at "_s);
     }
 
-    bool takePlace(const QString& step)
+    /// The `round`th time that the user leaves: begun, it comes back with the last end alone.
+    void goThrough(const QList<Sequence>& sequences, int round)
     {
-        const bool isEnd = step.startsWith(u'-');
-        return happens(isEnd ? step.mid(1) : step, !isEnd);
+        const auto each = [&](QString Sequence::*step) {
+            for (std::size_t place = 0; place < m_desks.size(); ++place)
+                QVERIFY(
+                    m_desks.at(place)->takePlace(sequences[static_cast<qsizetype>(place)].*step));
+        };
+        std::vector<qsizetype> skips;
+        for (const auto& desk : m_desks)
+            skips.push_back(desk->mossbank().terminal().count(kBlank));
+        each(&Sequence::first);
+        for (std::size_t place = 0; place < m_desks.size(); ++place) {
+            // It does not stop for a dark screen, it only skips it.
+            if (sequences[static_cast<qsizetype>(place)].first == u"blank")
+                waitFor(place, kBlank, static_cast<int>(skips[place]) + 1);
+            else
+                waitFor(place, kPaused, round);
+        }
+        each(&Sequence::second);
+        for (std::size_t place = 0; place < m_desks.size(); ++place)
+            waitFor(place, kPaused, round);
+        QTest::qWait(kHeard);
+        noteKept();
+        each(&Sequence::firstEnd);
+        QTest::qWait(kLongEnough);
+        nothingMoreIsKept();
+        for (std::size_t place = 0; place < m_desks.size(); ++place) {
+            const QString name = sequences[static_cast<qsizetype>(place)].name();
+            const QString terminal = m_desks.at(place)->mossbank().terminal();
+            QVERIFY2(terminal.count(kBegins) == round, qPrintable(name + u'\n' + terminal));
+        }
+        each(&Sequence::lastEnd);
+        for (std::size_t place = 0; place < m_desks.size(); ++place)
+            waitFor(place, kBegins, round + 1);
     }
 
-    std::unique_ptr<VirtualDesktop> m_desktop;
-    std::unique_ptr<TestBus> m_systemBus;
-    std::unique_ptr<TestBus> m_sessionBus;
-    std::unique_ptr<MockedLogind> m_logind;
-    std::unique_ptr<MockedScreenSaver> m_screenSaver;
-    std::unique_ptr<RunningMossbank> m_mossbank;
+    void waitFor(std::size_t place, const QString& line, int times = 1)
+    {
+        RunningMossbank& mossbank = m_desks.at(place)->mossbank();
+        QVERIFY2(mossbank.waitFor(line, times), qPrintable(line + u'\n' + mossbank.terminal()));
+    }
+
+    void noteKept()
+    {
+        m_kept.clear();
+        for (const auto& desk : m_desks)
+            m_kept.push_back(desk->kept());
+    }
+
+    void nothingMoreIsKept()
+    {
+        for (std::size_t place = 0; place < m_desks.size(); ++place) {
+            const AwayDesk::Kept now = m_desks.at(place)->kept();
+            QCOMPARE(now.pictures, m_kept.at(place).pictures);
+            QCOMPARE(now.rows, m_kept.at(place).rows);
+        }
+    }
+
+    void stopAll()
+    {
+        for (const auto& desk : m_desks)
+            QCOMPARE(desk->mossbank().stop(SIGINT), 0);
+    }
+
+    std::vector<std::unique_ptr<AwayDesk>> m_desks;
+    std::vector<AwayDesk::Kept> m_kept;
 };
 
 QTEST_GUILESS_MAIN(AwayTest)
