@@ -159,6 +159,7 @@ private Q_SLOTS:
                                                    .windowClass = u"Gamma"_s,
                                                    .overridesRedirect = true});
             QVERIFY(window != 0);
+            QTest::qWait(opened % 20);
             QVERIFY(m_secret->close(window));
             QTest::qWait(10);
             ++opened;

@@ -172,9 +172,11 @@ private Q_SLOTS:
                                                 .windowClass = u"Gamma"_s,
                                                 .overridesRedirect = true});
             QVERIFY(window != 0);
-            ++opened;
+            // Gone at once, or there for as long as a look at the windows takes.
+            QTest::qWait(opened % 10);
             QVERIFY(secret.close(window));
             QTest::qWait(5);
+            ++opened;
         }
         QCOMPARE(mossbank.stop(SIGINT), 0);
         QVERIFY2(isMet(), qPrintable(mossbank.terminal()));
