@@ -28,6 +28,15 @@ QStringList linksOf(const QList<Memory>& rows, const QString& title)
     return links;
 }
 
+/// Seconds from one of these to the next, the newest first.
+double longestGap(const QList<Memory>& rows)
+{
+    double longest = 0;
+    for (qsizetype row = 1; row < rows.size(); ++row)
+        longest = std::max(longest, rows[row - 1].timestamp - rows[row].timestamp);
+    return longest;
+}
+
 /// Starts it recording, with what the page in front has for an address, every second.
 bool savesAddresses(RunningMossbank& mossbank)
 {
@@ -168,7 +177,12 @@ void SecretsAndPagesTest::aBrowserThatStopsHoldsNoPass()
     QVERIFY2(QTest::qWaitFor([&] { return count(address) > 0; }, kPatience),
              qPrintable(mossbank.terminal()));
 
-    const Date last = mossbank.rows().first().timestamp;
+    // What a pass takes on this machine anyway.
+    constexpr int kUsual = 4;
+    QVERIFY(QTest::qWaitFor([&] { return mossbank.rows().size() > kUsual; }, kPatience));
+    const QList<Memory> answering = mossbank.rows().first(kUsual);
+    const double usual = longestGap(answering);
+    const Date last = answering.first().timestamp;
     ::kill(browser, SIGSTOP);
     const auto since = [&] {
         QList<Memory> rows = mossbank.rows();
@@ -181,13 +195,10 @@ void SecretsAndPagesTest::aBrowserThatStopsHoldsNoPass()
     QVERIFY2(count(QString()) > 0, "it did not answer");
     // The newest first; the oldest is the last one before it stopped.
     const QList<Memory> stopped = since();
-    double longest = 0;
-    for (qsizetype row = 1; row < stopped.size(); ++row)
-        longest = std::max(longest, stopped[row - 1].timestamp - stopped[row].timestamp);
-    qInfo("at most %f seconds from one to the next", longest);
-    constexpr double kInterval = 1;
+    const double longest = longestGap(stopped);
+    qInfo("at most %f seconds from one to the next, before %f", longest, usual);
     constexpr double kLongestWait = 2.2;
-    QVERIFY(longest <= kInterval + kLongestWait);
+    QVERIFY(longest <= usual + kLongestWait);
     ::kill(browser, SIGCONT);
     const auto answered = count(address);
     QVERIFY2(QTest::qWaitFor([&] { return count(address) > answered; }, kPatience),
