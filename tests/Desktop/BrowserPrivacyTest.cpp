@@ -75,6 +75,7 @@ class BrowserPrivacyTest final : public QObject {
 private Q_SLOTS:
     void aCommandSaysThatAllWindowsArePrivate_data();
     void aCommandSaysThatAllWindowsArePrivate();
+    void aBrowserThatIsNotKnownToTellMayBePrivate();
     void settingsSayThatAllWindowsArePrivate_data();
     void settingsSayThatAllWindowsArePrivate();
     void rulesOfTheOwnerSayThatAllWindowsArePrivate_data();
@@ -133,6 +134,17 @@ void BrowserPrivacyTest::aCommandSaysThatAllWindowsArePrivate()
     const Processes processes;
     processes.write(u"cmdline"_s, command);
     QCOMPARE(BrowserPrivacy(processes.path()).mayBePrivate(*browserOf(id), kProcess), isPrivate);
+}
+
+void BrowserPrivacyTest::aBrowserThatIsNotKnownToTellMayBePrivate()
+{
+    const Processes processes;
+    for (const auto& id : {u"vivaldi-stable"_s, u"com.vivaldi.Vivaldi"_s, u"opera"_s,
+                           u"opera_opera"_s, u"com.opera.Opera"_s, u"chromium"_s}) {
+        processes.write(u"cmdline"_s, id.toUtf8());
+        QCOMPARE(BrowserPrivacy(processes.path()).mayBePrivate(*browserOf(id), kProcess),
+                 id != u"chromium");
+    }
 }
 
 void BrowserPrivacyTest::settingsSayThatAllWindowsArePrivate_data()

@@ -97,6 +97,8 @@ bool hasPrivateRule(const QByteArray& rules)
 
 bool BrowserPrivacy::mayBePrivate(const Browser& browser, qint64 process)
 {
+    if (!browser.tellsOfPrivateWindows)
+        return true;
     const QString folder = m_processes + u'/' + QString::number(process);
     if (isStartedPrivate(browser, textOf(folder + u"/cmdline"_s).value_or(QByteArray())))
         return true;

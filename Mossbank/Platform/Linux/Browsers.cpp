@@ -22,8 +22,10 @@ const QHash<QString, Browser>& browsers()
     static const Browser kChrome = {Kin::Chromium, {u"Google Chrome"_s}};
     static const Browser kBrave = {Kin::Chromium, {u"Brave"_s}};
     static const Browser kEdge = {Kin::Chromium, {kEdgeBrand}};
-    static const Browser kVivaldi = {Kin::Chromium, {u"Vivaldi"_s}};
-    static const Browser kOpera = {Kin::Chromium, {u"Opera"_s}};
+    // These two make their windows in ways of their own, and nobody has seen what assistive tools
+    // are told of a private one.
+    static const Browser kVivaldi = {Kin::Chromium, {u"Vivaldi"_s}, false};
+    static const Browser kOpera = {Kin::Chromium, {u"Opera"_s}, false};
     static const Browser kWeb = {Kin::WebKit, {}};
     static const QHash<QString, Browser> kBrowsers = {
         {u"firefox-esr"_s, kFirefox},

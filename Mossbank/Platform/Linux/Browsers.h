@@ -18,6 +18,8 @@ struct Browser {
     Kin kin;
     /// The names that its windows end in, after the title of the page.
     QStringList brands;
+    /// Whether it is known how it tells a private window from any other.
+    bool tellsOfPrivateWindows = true;
 };
 
 /// The browser with this desktop-file id. Absent when it is none that can be asked.
