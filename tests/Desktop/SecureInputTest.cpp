@@ -181,7 +181,8 @@ void SecureInputTest::aPasswordFieldOfAProgramThatStoppedStaysSecret()
     QVERIFY2(open(u"GTK"_s), qPrintable(desktop().problem()));
     QTest::qWait(500);
     QVERIFY(desktop().press({u"Tab"_s}));
-    QVERIFY(becomes(*m_input, true));
+    // While it is being asked it counts as secret as well, and might be stopped before it answers.
+    QVERIFY(settles(*m_input, true));
     ::kill(static_cast<pid_t>(m_process), SIGSTOP);
     const qint64 longest = longestAnswer(4000);
     QVERIFY(m_input->isActive());
