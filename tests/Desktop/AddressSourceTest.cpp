@@ -39,6 +39,7 @@ private Q_SLOTS:
     void aBrowserThatStoppedIsNotWaitedForLong_data() { browsers(); }
     void aBrowserThatStoppedIsNotWaitedForLong();
     void switchedOffItHasNoneUntilItIsSwitchedOn();
+    void aChromiumFromBeforeItWasSwitchedOnNeverAnswers();
     void theBusMayGoAndComeBack();
     void withoutItsBusItSaysWhy_data();
     void withoutItsBusItSaysWhy();
@@ -220,6 +221,28 @@ void AddressSourceTest::switchedOffItHasNoneUntilItIsSwitchedOn()
     QVERIFY(QTest::qWaitFor([&] { return m_source->availability().isAvailable; }, kPatience));
     QVERIFY(becomes(kFirefox, address));
     QVERIFY2(m_source->switchOn().isEmpty(), "there is nothing to be told");
+}
+
+void AddressSourceTest::aChromiumFromBeforeItWasSwitchedOnNeverAnswers()
+{
+    startDesktop({.isSwitchedOn = false});
+    begin();
+    const QString address = m_server.address(u"Kingfisher"_s);
+    QVERIFY2(open(kChromium, {address}), qPrintable(desktop().problem()));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(!m_source->switchOn().isEmpty());
+    QVERIFY(QTest::qWaitFor([&] { return m_source->availability().isAvailable; }, kPatience));
+    QElapsedTimer timer;
+    timer.start();
+    // It fails, and is not taken for a browser that refuses.
+    while (!timer.hasExpired(4000))
+        QCOMPARE(ask(kChromium), AddressAnswer::failed());
+    ::kill(static_cast<pid_t>(m_process), SIGTERM);
+    QVERIFY(
+        QTest::qWaitFor([&] { return ::kill(static_cast<pid_t>(m_process), 0) != 0; }, kPatience));
+    QVERIFY2(open(kChromium, {address}), qPrintable(desktop().problem()));
+    QVERIFY(isInFront(kChromium, u"Kingfisher"_s));
+    QVERIFY(becomes(kChromium, address));
 }
 
 void AddressSourceTest::theBusMayGoAndComeBack()

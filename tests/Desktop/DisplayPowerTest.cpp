@@ -60,6 +60,26 @@ private Q_SLOTS:
         QCOMPARE(m_told, QStringList{kScreensWake});
     }
 
+    // No virtual server has DPMS; this is what is made of its answer.
+    void displaysAreOffByTheirLevelWhereThatIsInUse_data()
+    {
+        QTest::addColumn<bool>("isEnabled");
+        QTest::addColumn<int>("level");
+        QTest::addColumn<bool>("isOff");
+        const char* const levels[] = {"on", "standby", "suspend", "off"};
+        for (int level = 0; level < 4; ++level) {
+            QTest::addRow("%s", levels[level]) << true << level << (level != 0);
+            QTest::addRow("%s, not in use", levels[level]) << false << level << false;
+        }
+    }
+    void displaysAreOffByTheirLevelWhereThatIsInUse()
+    {
+        QFETCH(bool, isEnabled);
+        QFETCH(int, level);
+        QFETCH(bool, isOff);
+        QCOMPARE(X11DisplayPower::isOffBy(isEnabled, static_cast<quint16>(level)), isOff);
+    }
+
     void anXServerThatEndsIsNotAsleep()
     {
         watch();

@@ -33,7 +33,12 @@ bool X11DisplayPower::isOff() const
     if (!m_connection->hasDpms())
         return false;
     const auto power = m_connection->reply<xcb_dpms_info_reply_t>(xcb_dpms_info(*m_connection));
-    return power && power->state && power->power_level != XCB_DPMS_DPMS_MODE_ON;
+    return power && isOffBy(power->state != 0, power->power_level);
+}
+
+bool X11DisplayPower::isOffBy(bool isEnabled, quint16 level)
+{
+    return isEnabled && level != XCB_DPMS_DPMS_MODE_ON;
 }
 
 bool X11DisplayPower::isBlanked() const

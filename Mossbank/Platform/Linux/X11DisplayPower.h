@@ -20,6 +20,10 @@ public:
     /// False where nothing says so. Absent when the server does not answer.
     std::optional<bool> isAsleep();
 
+    /// Whether displays are off by what DPMS says of itself: a state that is switched off says
+    /// nothing, whatever level stands beside it.
+    static bool isOffBy(bool isEnabled, quint16 level);
+
 private:
     bool isOff() const;
     bool isBlanked() const;
