@@ -21,6 +21,15 @@ struct CheckBounds {
     static constexpr double kGrowthMegabytes = 2;
 };
 
+/// What the program may take that is left running.
+struct ProgramBounds {
+    /// From the start of its process until it can be used: the library is open and its listing
+    /// answered.
+    static constexpr double kReadyMilliseconds = 300;
+    /// Of memory that is its own alone, without a window.
+    static constexpr double kOwnMegabytes = 60;
+};
+
 /// Says of each figure that exceeds its bound which it is, and remembers that one did.
 class Bounds {
 public:

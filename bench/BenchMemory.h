@@ -29,4 +29,19 @@ inline double residentMegabytes(const QByteArray& field,
     return static_cast<double>(residentBytes(field, process)) / kMegabyte;
 }
 
+/// What of a process's memory is its own alone, in bytes. 0 where that is not told.
+inline qint64 ownBytes(qint64 process)
+{
+    constexpr qint64 kKilobyte = 1024;
+    QFile mapped(QStringLiteral("/proc/%1/smaps_rollup").arg(process));
+    if (!mapped.open(QIODevice::ReadOnly))
+        return 0;
+    qint64 bytes = 0;
+    for (const QByteArray& line : mapped.readAll().split('\n')) {
+        if (line.startsWith("Private_"))
+            bytes += line.simplified().split(' ').value(1).toLongLong() * kKilobyte;
+    }
+    return bytes;
+}
+
 } // namespace mossbank

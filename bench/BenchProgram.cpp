@@ -8,13 +8,12 @@
 #include "bench/BenchOutput.h"
 #include "bench/BenchSession.h"
 #include "bench/BenchTiming.h"
+#include "bench/ProgramHome.h"
 
-#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <unistd.h>
 
@@ -38,36 +37,14 @@ QByteArray contentsOf(const QString& path)
     return file.readAll();
 }
 
-/// On which there is nobody.
-const QString kNoBus = u"unix:path=/nowhere/bus"_s;
-
 /// The program, recording once a second. Ended when this goes.
 class RecordingProgram {
 public:
     explicit RecordingProgram(const QString& sessionBus)
     {
-        const QDir home(m_home.path());
-        home.mkpath(u"config/Mossbank"_s);
-        home.mkpath(u"run"_s);
-        QFile::setPermissions(home.filePath(u"run"_s),
-                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QFile choices(home.filePath(u"config/Mossbank/Mossbank.ini"_s));
-        if (!choices.open(QIODevice::WriteOnly))
-            throw FileError(choices.errorString(), choices.fileName());
-        choices.write("[General]\nrecordsAtLaunch=true\ninterval=1\n");
-        choices.close();
-
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"HOME"_s, home.path());
-        environment.insert(u"XDG_DATA_HOME"_s, home.filePath(u"data"_s));
-        environment.insert(u"XDG_CONFIG_HOME"_s, home.filePath(u"config"_s));
-        environment.insert(u"XDG_RUNTIME_DIR"_s, home.filePath(u"run"_s));
-        // Not the user's, whose keyring would be asked.
-        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, sessionBus);
-        m_process.setProcessEnvironment(environment);
+        m_process.setProcessEnvironment(m_home.environment(sessionBus));
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(QCoreApplication::applicationDirPath() + u"/../Mossbank/mossbank"_s,
-                        QStringList());
+        m_process.start(ProgramHome::program(), QStringList());
     }
 
     ~RecordingProgram()
@@ -108,7 +85,7 @@ public:
 
     qsizetype pictures() const
     {
-        return QDir(m_home.filePath(u"data/Mossbank/Images"_s)).entryList(QDir::Files).size();
+        return QDir(m_home.library() + u"/Images"_s).entryList(QDir::Files).size();
     }
 
     /// What it last said.
@@ -120,7 +97,7 @@ public:
     }
 
 private:
-    QTemporaryDir m_home;
+    ProgramHome m_home{"recordsAtLaunch=true\ninterval=1\n"};
     QProcess m_process;
     QString m_terminal;
 };
@@ -204,7 +181,8 @@ void measureProgram(int seconds, const QStringList& front, Bounds& bounds)
 {
     const BenchSession session;
     const FrontProgram inFront(front, session);
-    Measured alone = {u"no session bus"_s, RecordingProgram(kNoBus)};
+    Measured alone = {u"no session bus"_s,
+                      RecordingProgram(QString::fromUtf16(ProgramHome::kNoBus))};
     Measured listening = {u"a session bus, accessibility on"_s,
                           RecordingProgram(session.address())};
     waitUntilOn(session, listening.program.process());

@@ -4,6 +4,7 @@
 #include "bench/BenchLibrary.h"
 #include "bench/BenchRead.h"
 #include "bench/BenchSave.h"
+#include "bench/BenchStart.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -33,6 +34,10 @@ constexpr const char* kUsage =
     "  check --program SECS [COMMAND...]\n"
     "                          the same in the real program, checking once a second, with a "
     "program of its session in front\n"
+    "  start --rows N          the program from its start until its library of N rows can be used, "
+    "beside one that only says its version\n"
+    "  hour [MINUTES]          the program's own memory after a picture and after an hour of "
+    "recording, or so many minutes, on a clock ten times as fast\n"
     "  grab                    one picture of the display, beside a bare grab of it\n";
 
 } // namespace
@@ -48,7 +53,8 @@ int main(int argc, char* argv[])
     const std::map<QString, std::function<int(const QStringList&)>> benchmarks = {
         {u"check"_s, mossbank::benchCheck},     {u"grab"_s, mossbank::benchGrab},
         {u"library"_s, mossbank::benchLibrary}, {u"read"_s, mossbank::benchRead},
-        {u"save"_s, mossbank::benchSave},
+        {u"hour"_s, mossbank::benchHour},       {u"save"_s, mossbank::benchSave},
+        {u"start"_s, mossbank::benchStart},
     };
     const QStringList arguments = QCoreApplication::arguments();
     const auto chosen = benchmarks.find(arguments.value(1));
