@@ -148,8 +148,11 @@ std::unique_ptr<SingleInstance> takeLibrary(const QString& library, bool isRelau
 int callFirst(const SingleInstance& instance, const CommandLine& commandLine)
 {
     TerminalStatus::complain(instance.whoIsFirst());
+    // At login nobody asks for anything: what was to be started is running.
+    if (commandLine.isAtLogin)
+        return 0;
     const auto process = instance.firstProcess();
-    if (!process || commandLine.isAtLogin)
+    if (!process)
         return kFailed;
     const auto activation = makeProgramActivation(QString::fromUtf16(kOwnBundleID));
     return activation->activateFirst(*process) ? 0 : kFailed;

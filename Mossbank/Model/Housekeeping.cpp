@@ -40,7 +40,9 @@ Housekeeping::Housekeeping(Surroundings surroundings, Recorder& recorder, Histor
 QCoro::Task<> Housekeeping::applyRetention(bool force)
 {
     const int days = m_around.preferences.retentionDays();
-    if (days < 1 || !m_store)
+    // Choices that cannot be read may say to keep all for ever, and what is removed does not come
+    // back.
+    if (days < 1 || !m_store || !m_around.preferences.isReadable())
         co_return;
     const Date now = m_around.clock.now();
     const auto cutoff = m_around.calendar().daysBefore(days, now);

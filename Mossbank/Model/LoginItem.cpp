@@ -41,7 +41,8 @@ LoginItem::LoginItem(LoginService& service, Preferences& preferences, Recorder& 
 
 void LoginItem::keepWithThisCopy()
 {
-    if (m_service.isWithoutHome())
+    // Choices that cannot be read may hold the wish. They are to be mended, and not written over.
+    if (m_service.isWithoutHome() || !m_preferences.isReadable())
         return;
     const QString here = m_service.path();
     if (!m_preferences.opensAtLogin()) {
@@ -70,7 +71,7 @@ void LoginItem::refresh()
     const State state = stateOf(m_service.status());
     if (state == m_state)
         return;
-    if (state == State::Off && m_state == State::On)
+    if (state == State::Off && m_state == State::On && m_preferences.isReadable())
         m_preferences.setOpensAtLogin(false);
     m_state = state;
     Q_EMIT stateChanged();

@@ -152,7 +152,7 @@ void Preferences::setSavesAddresses(bool saves)
 
 bool Preferences::hasChosenAddresses() const
 {
-    return m_file.contains(kSavesAddresses);
+    return m_file.flag(kSavesAddresses).has_value();
 }
 
 void Preferences::setRecordsAtLaunch(bool records)
@@ -177,6 +177,8 @@ void Preferences::setSearchesByMeaning(bool searches)
     if (searches != m_searchesByMeaning)
         choose(&Preferences::m_searchesByMeaning, searches, kSearchesByMeaning,
                &Preferences::searchesByMeaningChanged);
+    else
+        m_file.store(kSearchesByMeaning, searches);
 }
 
 void Preferences::setEmbeddingModel(const QString& model)
@@ -184,6 +186,8 @@ void Preferences::setEmbeddingModel(const QString& model)
     if (model != m_embeddingModel)
         choose(&Preferences::m_embeddingModel, model, kEmbeddingModel,
                &Preferences::embeddingModelChanged);
+    else
+        m_file.store(kEmbeddingModel, model);
 }
 
 void Preferences::setOllamaModel(const QString& model)

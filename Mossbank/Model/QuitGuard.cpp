@@ -35,9 +35,11 @@ bool QuitGuard::isQuitExpected() const
 
 void QuitGuard::quit(Cause cause)
 {
+    if (m_isTerminating)
+        return;
     // What is stored of a pause or a relaunch is for the start that follows.
     if (isQuitExpected() || cause == Cause::Session)
-        Q_EMIT terminates();
+        terminate();
     else if (cause == Cause::User && m_recorder.isRecording())
         ask();
     else
@@ -48,7 +50,8 @@ void QuitGuard::ask()
 {
     if (m_question.isRunning()) {
         // It is shown again, and the one that waits for the answer gets it.
-        m_around.quitQuestion.isQuitMeant();
+        if (m_isAsked)
+            m_around.quitQuestion.isQuitMeant();
         return;
     }
     m_question = Job::start(&QuitGuard::question, this);
@@ -57,13 +60,17 @@ void QuitGuard::ask()
 QCoro::Task<> QuitGuard::question(Cancellation cancellation)
 {
     bool isMeant = true;
+    m_isAsked = true;
     try {
         isMeant = co_await awaited(m_around.quitQuestion.isQuitMeant());
     } catch (const Failure&) {
         // Nobody can be asked. Whoever wants an end and is refused one has no other way.
         isMeant = true;
     }
-    if (isMeant && !cancellation.isRequested())
+    if (cancellation.isRequested())
+        co_return;
+    m_isAsked = false;
+    if (isMeant)
         terminateByUser();
 }
 
@@ -72,6 +79,13 @@ void QuitGuard::terminateByUser()
     // With the sample library this does nothing.
     m_around.preferences.removePausedUntil();
     m_around.preferences.removeRecordsAfterRelaunch();
+    terminate();
+}
+
+void QuitGuard::terminate()
+{
+    m_isTerminating = true;
+    m_question = Job();
     Q_EMIT terminates();
 }
 

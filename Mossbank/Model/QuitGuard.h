@@ -43,7 +43,8 @@ public:
     /// Until when it is.
     const std::optional<Date>& quitExpectedUntil() const { return m_quitExpectedUntil; }
 
-    /// Somebody wants the program to end. `terminates` follows, if that is to be.
+    /// Somebody wants the program to end. `terminates` follows, if that is to be, and only once:
+    /// from then on nothing more is asked or stored.
     void quit(Cause cause);
 
 Q_SIGNALS:
@@ -51,6 +52,7 @@ Q_SIGNALS:
 
 private:
     bool isQuitExpected() const;
+    void terminate();
     void ask();
     QCoro::Task<> question(Cancellation cancellation);
     void terminateByUser();
@@ -58,6 +60,8 @@ private:
     Surroundings m_around;
     Recorder& m_recorder;
     std::optional<Date> m_quitExpectedUntil;
+    bool m_isAsked = false;
+    bool m_isTerminating = false;
     /// Last: cancelled before anything above goes.
     Job m_question;
 };

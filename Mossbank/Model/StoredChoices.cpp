@@ -63,18 +63,20 @@ int StoredChoices::wholeNumber(const QString& key, int fallback) const
     return isNumber ? stored : fallback;
 }
 
-bool StoredChoices::flag(const QString& key, bool fallback) const
+std::optional<bool> StoredChoices::flag(const QString& key) const
 {
     const QVariant stored = value(key);
     if (stored.typeId() == QMetaType::Bool)
         return stored.toBool();
     // QVariant takes any text for true.
     const QString written = word(key, {}).toLower();
-    if (written == u"true" || written == u"1")
+    static const QStringList kYes = {u"true"_s, u"1"_s, u"yes"_s, u"on"_s};
+    static const QStringList kNo = {u"false"_s, u"0"_s, u"no"_s, u"off"_s};
+    if (kYes.contains(written))
         return true;
-    if (written == u"false" || written == u"0")
+    if (kNo.contains(written))
         return false;
-    return fallback;
+    return std::nullopt;
 }
 
 QString StoredChoices::word(const QString& key, const QString& fallback) const

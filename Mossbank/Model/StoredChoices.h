@@ -28,7 +28,9 @@ public:
     bool contains(const QString& key) const;
     double number(const QString& key, double fallback) const;
     int wholeNumber(const QString& key, int fallback) const;
-    bool flag(const QString& key, bool fallback) const;
+    bool flag(const QString& key, bool fallback) const { return flag(key).value_or(fallback); }
+    /// Absent where none is stored.
+    std::optional<bool> flag(const QString& key) const;
     QString word(const QString& key, const QString& fallback) const;
     QStringList list(const QString& key, const QStringList& fallback) const;
     /// What stands as a remark behind the value. Empty for none.

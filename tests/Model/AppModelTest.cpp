@@ -88,22 +88,42 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(cutShort.arg(u"Images"_s)));
     }
 
+    void aSaveRemovesWhatIsTooOld_data()
+    {
+        QTest::addColumn<bool>("isReadable");
+        QTest::newRow("as chosen") << true;
+        QTest::newRow("what was chosen cannot be read") << false;
+    }
     void aSaveRemovesWhatIsTooOld()
     {
+        QFETCH(bool, isReadable);
         RecorderRig rig(false);
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
+        const QString path = rig.folder.filePath(u"broken.ini"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(isReadable ? "" : "[General\nretentionDays=0\n");
+        file.close();
+        Preferences preferences(path);
+        AppModel model(rig.surroundings(preferences),
+                       OpenedLibrary::at(rig.libraryRoot(), nullptr));
         onlyPictureOf(model);
         model.recorder().stop();
-        const QString first = model.store()->fetch({}).result().at(0).id;
+        const QString first = model.store()->fetch({.limit = 10}).result().at(0).id;
         rig.clock.advance(31 * 86'400.0);
         model.finishedLaunching(false);
         QCoreApplication::processEvents();
-        QCOMPARE(model.store()->fetch({}).result().size(), 1);
+        QCOMPARE(model.store()->fetch({.limit = 10}).result().size(), 1);
         rig.drawBlock({0, 0, 200, 150});
         model.recorder().toggleRecording();
-        QTRY_VERIFY(!model.store()->fetch({}).result().isEmpty() &&
-                    model.store()->fetch({}).result().at(0).id != first);
-        QTRY_COMPARE(model.store()->fetch({}).result().size(), 1);
+        QTRY_VERIFY(!model.store()->fetch({.limit = 10}).result().isEmpty() &&
+                    model.store()->fetch({.limit = 10}).result().at(0).id != first);
+        if (isReadable) {
+            QTRY_COMPARE(model.store()->fetch({.limit = 10}).result().size(), 1);
+        } else {
+            QTRY_VERIFY(!model.recorder().isCapturing());
+            QTest::qWait(100);
+            QCOMPARE(model.store()->fetch({.limit = 10}).result().size(), 2);
+        }
     }
 
     void whoChoosesAddressesHasThemSwitchedOn()

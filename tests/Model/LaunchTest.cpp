@@ -257,6 +257,30 @@ private Q_SLOTS:
         QVERIFY(!m_rig->preferences.opensAtLogin());
     }
 
+    void choicesThatCannotBeReadAreNotWrittenOverByALaunch()
+    {
+        const QString path = m_rig->folder.filePath(u"broken.ini"_s);
+        const QByteArray broken = "[General]\nexcludedBundles=\"a.b\nopensAtLogin=true\n";
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(broken);
+        file.close();
+        m_rig->loginService.statusNow = LoginService::Status::Enabled;
+        for (int launches = 0; launches < 2; ++launches) {
+            Preferences preferences(path);
+            QVERIFY(!preferences.isReadable());
+            AppModel model(m_rig->surroundings(preferences),
+                           OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
+            model.finishedLaunching(true);
+            m_rig->loginService.statusNow = LoginService::Status::NotRegistered;
+            model.launch().becameActive();
+            settle();
+        }
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), broken);
+        QVERIFY(m_rig->loginService.calls.isEmpty());
+    }
+
     void aCopyThatHasMovedIsRegisteredAtLaunch()
     {
         m_rig->preferences.setOpensAtLogin(true);

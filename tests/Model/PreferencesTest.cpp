@@ -83,7 +83,7 @@ capturesOnAppSwitch=
 unchangedRefreshMinutes=1 hour
 savesAddresses=@ByteArray(x)
 recordsAtLaunch=2
-resumesAfterAway=no
+resumesAfterAway=never
 changeMode=any, flicker
 appearanceMode=light, dark
 hasSeenSearchHint=seen
@@ -99,6 +99,37 @@ opensAtLoginPath=a, b
 excludedBundles=@Size(3 4)
 )"));
         compareWithDefaults(preferences);
+    }
+
+    void yesAndNoAreUnderstoodHoweverTheyAreWritten_data()
+    {
+        QTest::addColumn<QByteArray>("written");
+        QTest::addColumn<bool>("saves");
+        QTest::addColumn<bool>("isChosen");
+        const auto add = [](const char* written, bool saves, bool isChosen) {
+            QTest::newRow(written) << QByteArray(written) << saves << isChosen;
+        };
+        add("true", true, true);
+        add("Yes", true, true);
+        add("on", true, true);
+        add("1", true, true);
+        add("false", false, true);
+        add("NO", false, true);
+        add("off", false, true);
+        add("0", false, true);
+        // As if nothing were there: nobody has chosen to have accessibility switched on.
+        add("perhaps", true, false);
+        add("", true, false);
+    }
+    void yesAndNoAreUnderstoodHoweverTheyAreWritten()
+    {
+        QFETCH(QByteArray, written);
+        QFETCH(bool, saves);
+        QFETCH(bool, isChosen);
+        const QTemporaryDir folder;
+        const Preferences preferences(write(folder, "[General]\nsavesAddresses=" + written + "\n"));
+        QCOMPARE(preferences.savesAddresses(), saves);
+        QCOMPARE(preferences.hasChosenAddresses(), isChosen);
     }
 
     void aModeOfNoKnownNameStandsAsItIs_data()
@@ -262,6 +293,7 @@ excludedBundles=@Size(3 4)
         preferences.setSearchesByMeaning(false);
         preferences.setEmbeddingModel({});
         QCOMPARE(meaning.count() + model.count(), 0);
+        QCOMPARE(QSettings(preferences.path(), QSettings::IniFormat).allKeys().size(), 2);
         preferences.setSearchesByMeaning(true);
         preferences.setEmbeddingModel(u"nomic"_s);
         QCOMPARE(meaning.count(), 1);

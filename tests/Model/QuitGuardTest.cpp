@@ -109,6 +109,34 @@ private Q_SLOTS:
         QCOMPARE(m_terminations->count(), 1);
     }
 
+    void whoQuitsTwiceAtOnceIsAskedOnceAndHeard()
+    {
+        m_rig->start();
+        m_guard->quit(Cause::User);
+        m_guard->quit(Cause::User);
+        settle();
+        QCOMPARE(m_rig->quitQuestion.timesShown, 1);
+        m_rig->quitQuestion.answer(true);
+        settle();
+        QCOMPARE(m_terminations->count(), 1);
+    }
+
+    void anEndUnderWayIsFinal()
+    {
+        m_rig->start();
+        storeSomething();
+        m_guard->quit(Cause::User);
+        settle();
+        m_guard->quit(Cause::Session);
+        // The window of the question goes with the program; until then it can be pressed.
+        m_rig->quitQuestion.answer(true);
+        m_guard->quit(Cause::Interrupt);
+        m_guard->quit(Cause::User);
+        settle();
+        QCOMPARE(m_terminations->count(), 1);
+        QVERIFY2(isSomethingStored(), "it is the session that ends");
+    }
+
     void theSessionEndsAlsoWhileTheQuestionIsOpen()
     {
         m_rig->start();
@@ -129,20 +157,26 @@ private Q_SLOTS:
         QCOMPARE(m_terminations->count(), 1);
     }
 
+    void anEndIsExpectedForAMinute_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<bool>("isAsked");
+        QTest::newRow("just in time") << 59.9 << false;
+        QTest::newRow("too late") << 60.0 << true;
+    }
     void anEndIsExpectedForAMinute()
     {
+        QFETCH(double, seconds);
+        QFETCH(bool, isAsked);
         m_rig->start();
         QVERIFY(!m_guard->quitExpectedUntil());
         m_guard->expectQuit();
         QCOMPARE(m_guard->quitExpectedUntil(), std::optional(m_rig->clock.now() + 60));
-        m_rig->clock.advance(59.9);
-        m_guard->quit(Cause::User);
-        QCOMPARE(m_terminations->count(), 1);
-        m_rig->clock.advance(0.1);
+        m_rig->clock.advance(seconds);
         m_guard->quit(Cause::User);
         settle();
-        QCOMPARE(m_terminations->count(), 1);
-        QCOMPARE(m_rig->quitQuestion.timesShown, 1);
+        QCOMPARE(m_terminations->count(), isAsked ? 0 : 1);
+        QCOMPARE(m_rig->quitQuestion.timesShown, isAsked ? 1 : 0);
     }
 
 private:
