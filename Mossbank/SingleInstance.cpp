@@ -140,7 +140,8 @@ bool SingleInstance::isStillNamed() const
            Files::identity(m_path) == Files::Identity{status.st_dev, status.st_ino};
 }
 
-/// Writes down whose the library is now. Nothing hangs on it but a sentence.
+/// Writes down whose the library is now. The locks alone decide; this tells others whom to name and
+/// to call.
 void SingleInstance::sign() const
 {
     const QByteArray text = QByteArray::number(QCoreApplication::applicationPid()) + '\n' +

@@ -57,15 +57,6 @@ Calendar utc()
     return {QTimeZone::utc(), QLocale::c()};
 }
 
-void copyLibrary(const QString& from, const QString& to)
-{
-    QDir(to).removeRecursively();
-    QDir().mkpath(to + u"/Images"_s);
-    QDir().mkpath(to + u"/Pending"_s);
-    if (!QFile::copy(from + u"/history.sqlite"_s, to + u"/history.sqlite"_s))
-        throw FileError(u"could not be copied"_s, from);
-}
-
 void printMemory(const char* what)
 {
     printFigures({
@@ -307,14 +298,8 @@ void measureSealing(SyntheticScreenshots& screenshots)
 
 void measure(const QString& folder, int rows)
 {
-    const QString library = folder + u"/library-%1"_s.arg(rows);
     SyntheticScreenshots screenshots;
-    if (!QFile::exists(library + u"/history.sqlite"_s)) {
-        const QString half = library + u".half"_s;
-        QDir(half).removeRecursively();
-        makeLibrary(half, rows, screenshots);
-        QDir().rename(half, library);
-    }
+    const QString library = keptLibrary(folder, rows, screenshots);
     printMemory("memory at the start");
     {
         HistoryStore store(HistoryStore::Writing{.root = library, .calendar = utc});

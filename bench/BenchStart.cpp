@@ -72,29 +72,13 @@ private:
     QByteArray m_said;
 };
 
-void copyLibrary(const QString& from, const QString& to)
-{
-    QDir().mkpath(to + u"/Images"_s);
-    QDir().mkpath(to + u"/Pending"_s);
-    if (!QFile::copy(from + u"/history.sqlite"_s, to + u"/history.sqlite"_s))
-        throw FileError(u"could not be copied"_s, from);
-}
-
 void provideLibrary(const QString& library, int rows, const QString& kept)
 {
     SyntheticScreenshots screenshots;
-    if (kept.isEmpty()) {
+    if (kept.isEmpty())
         makeLibrary(library, rows, screenshots);
-        return;
-    }
-    const QString found = kept + u"/library-%1"_s.arg(rows);
-    if (!QFile::exists(found + u"/history.sqlite"_s)) {
-        const QString half = found + u".half"_s;
-        QDir(half).removeRecursively();
-        makeLibrary(half, rows, screenshots);
-        QDir().rename(half, found);
-    }
-    copyLibrary(found, library);
+    else
+        copyLibrary(keptLibrary(kept, rows, screenshots), library);
 }
 
 /// What a window lists first.

@@ -4,6 +4,7 @@
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Support/Failure.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSet>
 
@@ -220,6 +221,28 @@ void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshot
     }
     if (rows > 0)
         database.run(u"COMMIT; PRAGMA wal_checkpoint(TRUNCATE)"_s);
+}
+
+QString keptLibrary(const QString& folder, int rows, SyntheticScreenshots& screenshots)
+{
+    const QString library = folder + u"/library-%1"_s.arg(rows);
+    if (!QFile::exists(library + u"/history.sqlite"_s)) {
+        // One that was cut short must not be found as a whole one.
+        const QString half = library + u".half"_s;
+        QDir(half).removeRecursively();
+        makeLibrary(half, rows, screenshots);
+        QDir().rename(half, library);
+    }
+    return library;
+}
+
+void copyLibrary(const QString& from, const QString& to)
+{
+    QDir(to).removeRecursively();
+    QDir().mkpath(to + u"/Images"_s);
+    QDir().mkpath(to + u"/Pending"_s);
+    if (!QFile::copy(from + u"/history.sqlite"_s, to + u"/history.sqlite"_s))
+        throw FileError(u"could not be copied"_s, from);
 }
 
 } // namespace mossbank

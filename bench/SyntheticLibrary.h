@@ -69,4 +69,10 @@ private:
 /// Makes a library of so many screenshots at `root`, without their pictures.
 void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshots);
 
+/// The same in a folder for such libraries, where an earlier run may have left it. Where it lies.
+QString keptLibrary(const QString& folder, int rows, SyntheticScreenshots& screenshots);
+
+/// Puts a copy in place of what is at `to`. Throws a FileError.
+void copyLibrary(const QString& from, const QString& to);
+
 } // namespace mossbank
