@@ -167,12 +167,12 @@ void TextReader::prepare(QList<Piece>& pieces)
         Piece& piece = pieces[unknown.at(at)];
         auto prepared = std::make_shared<Prepared>();
         const std::optional<FixedPitch> pitch = fixedPitchOf(piece.image.whole);
-        prepared->image = withPlainZeros(piece.image.whole, pitch);
-        prepared->thirds = piece.image.thirds;
-        const bool isAsBefore = prepared->image.cacheKey() == piece.image.whole.cacheKey();
-        prepared->cells =
-            letterCellsOf(prepared->image, isAsBefore ? pitch : fixedPitchOf(prepared->image));
-        prepared->stops = fullStopsOf(prepared->image);
+        const QImage image = withPlainZeros(piece.image.whole, pitch);
+        const bool isAsBefore = image.cacheKey() == piece.image.whole.cacheKey();
+        prepared->cells = letterCellsOf(image, isAsBefore ? pitch : fixedPitchOf(image));
+        prepared->stops = fullStopsOf(image);
+        if (!isAsBefore)
+            prepared->plainZeros = image;
         piece.prepared = std::move(prepared);
     });
     for (const Piece& piece : std::as_const(pieces)) {
@@ -182,14 +182,15 @@ void TextReader::prepare(QList<Piece>& pieces)
     m_prepared = std::move(all);
 }
 
-TextReader::PieceReading TextReader::readPiece(const Prepared& prepared, const Way& way)
+TextReader::PieceReading TextReader::readPiece(const Piece& piece, const Way& way)
 {
-    QImage image = prepared.image;
+    const QImage& plainZeros = piece.prepared->plainZeros;
+    QImage image = plainZeros.isNull() ? piece.image.whole : plainZeros;
     if (way.hasRoomAroundStops)
-        image = withRoomAround(prepared.stops, image);
+        image = withRoomAround(piece.prepared->stops, image);
     const int width = image.width();
-    if (!way.hasRoomAroundStops && !prepared.thirds.isNull())
-        image = way.isSharp ? prepared.thirds : softened(prepared.thirds);
+    if (const QImage& thirds = piece.image.thirds; !way.hasRoomAroundStops && !thirds.isNull())
+        image = way.isSharp ? thirds : softened(thirds);
     const QImage line = scaled(image, width, way.height);
     return readingOf(m_recognizer->read(line, way.language, way.correctsLanguage), way.language);
 }
@@ -237,7 +238,7 @@ QList<TextReader::PieceReading> TextReader::readAll(const QList<Piece>& pieces, 
     std::vector<PieceReading> found(static_cast<std::size_t>(unknown.size()));
     const int threads = way.isOnOneThread ? 1 : m_pool.maxThreadCount();
     const std::vector<char> isRead = forEach(unknown.size(), threads, [&](qsizetype at) {
-        found[static_cast<std::size_t>(at)] = readPiece(*pieces.at(unknown.at(at)).prepared, way);
+        found[static_cast<std::size_t>(at)] = readPiece(pieces.at(unknown.at(at)), way);
     });
     for (std::size_t at = 0; at < found.size(); ++at) {
         const Piece& piece = pieces.at(unknown.at(static_cast<qsizetype>(at)));

@@ -65,11 +65,11 @@ public:
     void rest() override;
 
 private:
-    /// What is made of a piece once, however often it is read.
+    /// What is made of a piece once, however often it is read, and kept for the next picture. Not
+    /// its images: they are the larger part, and the next picture has them again.
     struct Prepared {
-        QImage image;
-        /// As in the line's image: a zero's mark is told from a letter in them.
-        QImage thirds;
+        /// Null where it has none of the marked zeros that would be read as another letter.
+        QImage plainZeros;
         /// Where its letters are all equally wide.
         std::optional<LetterCells> cells;
         /// To be seen on it, whatever is read.
@@ -126,7 +126,7 @@ private:
     QList<PieceReading> readAll(const QList<Piece>& pieces, const Way& way,
                                 const IsWanted& isWanted);
     static PieceReading readingOf(const QList<RecognizedWord>& words, const QString& language);
-    PieceReading readPiece(const Prepared& prepared, const Way& way);
+    PieceReading readPiece(const Piece& piece, const Way& way);
     QList<PieceReading> readInAll(const QList<Piece>& pieces, const Options& options);
     /// Takes from another language what it reads better. `most`: of how many pieces it is looked
     /// for.

@@ -68,8 +68,7 @@ std::exception_ptr TextReader::readAhead(const QList<Piece>& pieces, const Way& 
         if (isOver)
             return;
         try {
-            others[static_cast<std::size_t>(at)] =
-                readPiece(*pieces.at(unknown.at(at)).prepared, otherWay);
+            others[static_cast<std::size_t>(at)] = readPiece(pieces.at(unknown.at(at)), otherWay);
         } catch (const Failure&) {
             if (!isOver.exchange(true))
                 failure = std::current_exception();
@@ -81,7 +80,7 @@ std::exception_ptr TextReader::readAhead(const QList<Piece>& pieces, const Way& 
     forEach(isLongAlone ? 2 : unknown.size(), threads, [&](qsizetype at) {
         if (at == unknown.size())
             return readInOther(0);
-        const PieceReading reading = readPiece(*pieces.at(unknown.at(at)).prepared, way);
+        const PieceReading reading = readPiece(pieces.at(unknown.at(at)), way);
         found[static_cast<std::size_t>(at)] = reading;
         if (reading.confidence < kDoubtful && !isLongAlone)
             readInOther(at);
