@@ -14,17 +14,21 @@ namespace {
 
 void sayHowToRecord(const Preferences& preferences)
 {
-    if (!preferences.isReadable()) {
-        TerminalStatus::complain(
-            localized("The choices in %1 cannot be read, so nothing is recorded unasked. Mend the "
-                      "file and start Mossbank again.")
-                .arg(preferences.path()));
-        return;
-    }
-    if (!preferences.recordsAtLaunch())
+    if (preferences.isReadable() && !preferences.recordsAtLaunch())
         TerminalStatus::say(
             localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")
                 .arg(preferences.path()));
+}
+
+void sayWhatCountsAsNotChosen(const Preferences& preferences)
+{
+    for (const QString& key : preferences.unusableKeys())
+        TerminalStatus::complain(
+            localized("%1 in %2 cannot be read, so that it counts as not chosen.")
+                .arg(key, preferences.path()));
+    for (const QString& key : preferences.unknownKeys())
+        TerminalStatus::complain(
+            localized("%1 in %2 is none of Mossbank's choices.").arg(key, preferences.path()));
 }
 
 void sayWhatExcludesNothing(const Preferences& preferences)
@@ -51,6 +55,7 @@ void sayWhatExcludesNothing(const Preferences& preferences)
 void sayWhatChoicesMean(const Preferences& preferences)
 {
     sayHowToRecord(preferences);
+    sayWhatCountsAsNotChosen(preferences);
     sayWhatExcludesNothing(preferences);
 }
 

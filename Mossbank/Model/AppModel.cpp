@@ -73,11 +73,17 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
 {
     m_afterSave.follow(m_housekeeping);
     connect(&m_preferences, &Preferences::cannotBeStored, this, &AppModel::tellOfUnstored);
+    connect(&m_preferences, &Preferences::storedAgain, this, &AppModel::tellOfStored);
     connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);
     connect(&m_preferences, &Preferences::appearanceModeChanged, this, &AppModel::applyAppearance);
     connect(&m_quitGuard, &QuitGuard::terminates, this, &AppModel::prepareToQuit);
     if (library.errorMessage)
         m_recorder.setErrorMessage(library.errorMessage);
+    if (!m_preferences.isReadable())
+        tellBesides(
+            localized("The choices in %1 cannot be read, so nothing is recorded unasked. Mend the "
+                      "file and start Mossbank again.")
+                .arg(m_preferences.path()));
 }
 
 AppModel::~AppModel() = default;
@@ -127,12 +133,23 @@ void AppModel::followAddresses()
 
 void AppModel::tellOfUnstored(const QString& reason)
 {
-    QStringList words = {
-        localized("Your choices cannot be saved: %1. They hold until Mossbank ends.").arg(reason)};
-    // What stands there is not settled by this.
-    if (const auto& message = m_recorder.errorMessage())
-        words.prepend(*message);
-    m_recorder.setErrorMessage(words.join(u' '));
+    m_unstored =
+        localized("Your choices cannot be saved: %1. They hold until Mossbank ends.").arg(reason);
+    tellBesides(m_unstored);
+}
+
+void AppModel::tellOfStored()
+{
+    if (!m_recorder.errorMessage())
+        return;
+    const QString rest = QString(*m_recorder.errorMessage()).remove(m_unstored).trimmed();
+    m_recorder.setErrorMessage(rest.isEmpty() ? std::nullopt : std::optional(rest));
+}
+
+void AppModel::tellBesides(const QString& message)
+{
+    const auto& before = m_recorder.errorMessage();
+    m_recorder.setErrorMessage(before ? *before + u' ' + message : message);
 }
 
 void AppModel::prepareToQuit()

@@ -83,6 +83,9 @@ private:
     void applyAppearance();
     void followAddresses();
     void tellOfUnstored(const QString& reason);
+    void tellOfStored();
+    /// Leaves what stands there, which is not settled by it.
+    void tellBesides(const QString& message);
     void prepareToQuit();
     QCoro::Task<> quitInAnyCase(Cancellation cancellation);
 
@@ -104,6 +107,8 @@ private:
     QuitGuard m_quitGuard;
     Launch m_launch;
     Updater m_updater;
+    /// What the user was told of choices that could not be stored.
+    QString m_unstored;
     /// Last: cancelled before anything above goes.
     Job m_quitting;
 };

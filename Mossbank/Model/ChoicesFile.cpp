@@ -4,11 +4,15 @@
 #include "MossbankCore/Support/Failure.h"
 #include "MossbankCore/Support/Files.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopeGuard>
+#include <QSettings>
 
 #include <optional>
+#include <utility>
 
 namespace mossbank {
 
@@ -16,10 +20,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// Absent also for what is no file: a pipe would be waited for.
 std::optional<QByteArray> contentOf(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
     const QByteArray content = file.readAll();
     return file.error() == QFile::NoError ? std::optional(content) : std::nullopt;
@@ -59,55 +64,45 @@ bool hasMistake(const QByteArray& content)
     return false;
 }
 
-bool canBeRead(const QSettings& settings)
+/// QSettings takes a line for a choice that others take for a remark.
+bool isRemark(const QString& key)
 {
-    if (settings.status() != QSettings::NoError)
-        return false;
-    if (!QFileInfo::exists(settings.fileName()))
-        return true;
-    const auto content = contentOf(settings.fileName());
-    return content && !hasMistake(*content);
+    return key.section(u'/', -1).startsWith(u'#');
 }
+
+const QString kDraft = u".draft"_s;
 
 } // namespace
 
 ChoicesFile::ChoicesFile(const QString& path)
-    : m_settings(path, QSettings::IniFormat)
-    , m_isReadable(canBeRead(m_settings))
+    : m_path(path)
+    , m_isReadable(content() != Content::Unreadable)
 {
+    clearUp();
+    if (m_isReadable)
+        read();
 }
 
-bool ChoicesFile::contains(const QString& key) const
+bool ChoicesFile::setValue(const QString& key, const QVariant& value)
 {
-    return isHeld() ? m_held.contains(key) : m_settings.contains(key);
+    m_values.insert(key, value);
+    m_unwritten.insert(key);
+    return write();
 }
 
-QVariant ChoicesFile::value(const QString& key) const
+bool ChoicesFile::remove(const QString& key)
 {
-    return isHeld() ? m_held.value(key) : m_settings.value(key);
+    // Somebody else may have written it.
+    refresh();
+    if (m_values.remove(key) > 0)
+        m_unwritten.insert(key);
+    return m_unwritten.isEmpty() || write();
 }
 
-void ChoicesFile::setValue(const QString& key, const QVariant& value)
+void ChoicesFile::refresh()
 {
-    if (!isHeld()) {
-        m_settings.setValue(key, value);
-        return;
-    }
-    m_held.insert(key, value);
-    m_isBegunAnew = keepUnderAnotherName();
-    if (!m_isBegunAnew)
-        return;
-    m_settings.clear();
-    for (auto held = m_held.constBegin(); held != m_held.constEnd(); ++held)
-        m_settings.setValue(held.key(), held.value());
-}
-
-void ChoicesFile::remove(const QString& key)
-{
-    if (isHeld())
-        m_held.remove(key);
-    else
-        m_settings.remove(key);
+    if (content() == Content::Whole)
+        read();
 }
 
 QString ChoicesFile::remarkBehind(const QString& key) const
@@ -116,28 +111,103 @@ QString ChoicesFile::remarkBehind(const QString& key) const
         uR"(^[ \t]*%1[ \t]*=(?:[^;"\\\n]|\\.|"(?:[^"\\]|\\.)*")*;(.*)$)"_s.arg(
             QRegularExpression::escape(key)),
         QRegularExpression::MultilineOption);
-    const QString content = QString::fromUtf8(contentOf(fileName()).value_or(QByteArray()));
+    const QString content = QString::fromUtf8(contentOf(m_path).value_or(QByteArray()));
     return line.match(content).captured(1).trimmed();
 }
 
-bool ChoicesFile::sync()
+ChoicesFile::Content ChoicesFile::content() const
 {
-    if (isHeld())
+    if (!QFileInfo::exists(m_path))
+        return Content::None;
+    const auto content = contentOf(m_path);
+    if (!content || hasMistake(*content))
+        return Content::Unreadable;
+    return content->trimmed().isEmpty() ? Content::None : Content::Whole;
+}
+
+void ChoicesFile::read()
+{
+    // For reading alone: what it once could not write, QSettings would write at any time later,
+    // over whatever is there by then.
+    const QSettings file(m_path, QSettings::IniFormat);
+    m_stored.clear();
+    for (const QString& key : file.allKeys()) {
+        if (!isRemark(key))
+            m_stored.insert(key, file.value(key));
+    }
+    QVariantMap values = m_stored;
+    for (const QString& key : std::as_const(m_unwritten)) {
+        values.remove(key);
+        if (const auto own = m_values.constFind(key); own != m_values.constEnd())
+            values.insert(key, *own);
+    }
+    m_values = std::move(values);
+}
+
+bool ChoicesFile::write()
+{
+    const Content before = content();
+    if (before == Content::Whole)
+        read();
+    if (before == Content::Unreadable && !keepUnderAnotherName())
         return false;
-    m_settings.sync();
-    // What went wrong with a file once, its object says for ever; a fresh one, what is so now.
-    return QSettings(fileName(), QSettings::IniFormat).status() == QSettings::NoError;
+    if (!writeAnew(m_values))
+        return false;
+    m_unwritten.clear();
+    m_stored = m_values;
+    return true;
+}
+
+bool ChoicesFile::writeAnew(const QVariantMap& values) const
+{
+    const QFileInfo place(m_path);
+    // Whoever has write-protected it means that.
+    if (place.exists() && !place.isWritable())
+        return false;
+    const QString draft = m_path + kDraft;
+    const auto draftGoes = qScopeGuard([&draft] { QFile::remove(draft); });
+    try {
+        Files::createFolder(place.path());
+        {
+            QSettings file(draft, QSettings::IniFormat);
+            file.clear();
+            for (auto value = values.constBegin(); value != values.constEnd(); ++value)
+                file.setValue(value.key(), *value);
+            file.sync();
+            if (file.status() != QSettings::NoError)
+                return false;
+        }
+        const auto content = contentOf(draft);
+        if (!content && !values.isEmpty())
+            return false;
+        Files::writeAtomically(place.isSymLink() ? place.symLinkTarget() : m_path,
+                               content.value_or(QByteArray()));
+    } catch (const FileError&) {
+        return false;
+    }
+    return true;
+}
+
+void ChoicesFile::clearUp() const
+{
+    const QFileInfo place(m_path);
+    const QString draft = place.fileName() + kDraft;
+    for (const QString& name : place.dir().entryList(QDir::Files | QDir::Hidden)) {
+        const auto unfinished = Files::beingWritten(name);
+        if (name == draft || unfinished == place.fileName() || unfinished == draft)
+            QFile::remove(place.dir().filePath(name));
+    }
 }
 
 bool ChoicesFile::keepUnderAnotherName() const
 {
-    const auto content = contentOf(fileName());
+    const auto content = contentOf(m_path);
     if (!content)
         return false;
     // What was kept before is kept.
-    QString name = fileName() + u".unreadable"_s;
+    QString name = m_path + u".unreadable"_s;
     for (int number = 2; QFileInfo::exists(name) && contentOf(name) != content; ++number)
-        name = u"%1.unreadable.%2"_s.arg(fileName()).arg(number);
+        name = u"%1.unreadable.%2"_s.arg(m_path).arg(number);
     try {
         Files::writeAtomically(name, *content);
     } catch (const FileError&) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <QSettings>
+#include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVariantMap>
 
@@ -12,7 +13,11 @@ namespace mossbank {
 /// out and, with the next choice, writes that over it: a list of exclusions that stood behind a
 /// mistake would be gone, and nobody would be told. So nothing is taken from a file that cannot be
 /// read as a whole, and it stays as it is until something is chosen. Then it is kept under another
-/// name, "{name}.unreadable", and begun anew.
+/// name, "{name}.unreadable", and begun anew with what is known; with nothing at the start, with
+/// all that was chosen where the mistake came while the program ran. A file that was taken away or
+/// emptied meanwhile is begun anew in the same way.
+///
+/// What others write meanwhile is kept, but for remarks: QSettings leaves those out.
 ///
 /// Threading: that of its owner.
 class ChoicesFile {
@@ -21,30 +26,42 @@ public:
 
     /// Whether it could be read at the start, or was not there.
     bool isReadable() const { return m_isReadable; }
-    QString fileName() const { return m_settings.fileName(); }
+    const QString& fileName() const { return m_path; }
 
-    bool contains(const QString& key) const;
+    QStringList keys() const { return m_values.keys(); }
+    bool contains(const QString& key) const { return m_values.contains(key); }
     /// Invalid for what is not there.
-    QVariant value(const QString& key) const;
-    void setValue(const QString& key, const QVariant& value);
-    void remove(const QString& key);
+    QVariant value(const QString& key) const { return m_values.value(key); }
+    /// What stands in the file as it was last read or written, whatever was set since.
+    QVariant stored(const QString& key) const { return m_stored.value(key); }
+
+    /// Written when they return, or they return false. What could not be written counts all the
+    /// same, and is tried again with the next.
+    bool setValue(const QString& key, const QVariant& value);
+    bool remove(const QString& key);
+
+    /// Takes up what others have written meanwhile, where it can be read.
+    void refresh();
 
     /// What stands as a remark behind the value of a key, as the file is now. Empty for none.
     QString remarkBehind(const QString& key) const;
 
-    /// Has what was set written at once. Whether it is.
-    bool sync();
-
 private:
+    /// What there is to be taken from the file, as far as it can be.
+    enum class Content { None, Whole, Unreadable };
+    Content content() const;
+    void read();
+    bool write();
+    bool writeAnew(const QVariantMap& values) const;
     bool keepUnderAnotherName() const;
-    /// Whether what is set goes nowhere: the file can be neither read nor kept.
-    bool isHeld() const { return !m_isReadable && !m_isBegunAnew; }
+    /// Removes what a process that was killed while it wrote has left.
+    void clearUp() const;
 
-    QSettings m_settings;
+    QString m_path;
     bool m_isReadable;
-    bool m_isBegunAnew = false;
-    /// What was set while there is no file for it.
-    QVariantMap m_held;
+    QVariantMap m_values;
+    QVariantMap m_stored;
+    QSet<QString> m_unwritten;
 };
 
 } // namespace mossbank

@@ -5,9 +5,11 @@
 #include "Mossbank/Model/Recorder.h"
 #include "Mossbank/Model/Texts.h"
 #include "MossbankCore/Library/HistoryStore.h"
+#include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Awaited.h"
 
+#include <QFileInfo>
 #include <QPointer>
 
 #include <algorithm>
@@ -15,6 +17,8 @@
 #include <utility>
 
 namespace mossbank {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -42,7 +46,7 @@ QCoro::Task<> Housekeeping::applyRetention(bool force)
     const int days = m_around.preferences.retentionDays();
     // Choices that cannot be read may say to keep all for ever, and what is removed does not come
     // back.
-    if (days < 1 || !m_store || !m_around.preferences.isReadable())
+    if (days < 1 || !m_store || !m_around.preferences.isRetentionKnown())
         co_return;
     const Date now = m_around.clock.now();
     const auto cutoff = m_around.calendar().daysBefore(days, now);
@@ -126,6 +130,14 @@ QCoro::Task<> Housekeeping::deleteEverything(Cancellation cancellation)
 void Housekeeping::report(const char* sentence, const QString& reason)
 {
     m_recorder.setErrorMessage(localized(sentence).arg(reason));
+}
+
+QString Housekeeping::libraryFolder() const
+{
+    // The sample library is in a folder that means nothing to anybody.
+    if (m_around.preferences.isDemo())
+        return u"Mossbank"_s;
+    return QFileInfo(m_store ? m_store->root() : LibraryLocation::library()).fileName();
 }
 
 QString Housekeeping::estimate(double interval, bool skipsUnchangedScreens, const QLocale& locale)

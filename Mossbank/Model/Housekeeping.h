@@ -43,6 +43,9 @@ public:
     /// Stops recording and removes every screenshot. `deleted` follows, also when that failed.
     void deleteAll();
 
+    /// Name of the folder that the library is in.
+    QString libraryFolder() const;
+
     /// What the user can expect of an interval of so many seconds: a note for the settings.
     static QString estimate(double interval, bool skipsUnchangedScreens, const QLocale& locale);
 

@@ -6,6 +6,11 @@
 
 #include <QDateTime>
 
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
 namespace mossbank {
 
 namespace {
@@ -42,6 +47,73 @@ const QStringList kPasswordManagers = {
     u"com.apple.keychainaccess"_s, u"com.bitwarden.desktop"_s,      u"com.lastpass.LastPass"_s,
     u"com.dashlane.Dashlane"_s};
 
+enum class Kind { Number, WholeNumber, Flag, Word, Moment, List };
+
+/// All of them, and what they are.
+const std::vector<std::pair<QString, Kind>> kChoices = {
+    {kInterval, Kind::Number},
+    {kRetentionDays, Kind::WholeNumber},
+    {kImageQuality, Kind::Number},
+    {kSkipsUnchangedScreens, Kind::Flag},
+    {kChangeMode, Kind::Word},
+    {kAppearanceMode, Kind::Word},
+    {kCapturesOnAppSwitch, Kind::Flag},
+    {kUnchangedRefreshMinutes, Kind::Number},
+    {kHasSeenSearchHint, Kind::Flag},
+    {kSavesAddresses, Kind::Flag},
+    {kRecordsAtLaunch, Kind::Flag},
+    {kResumesAfterAway, Kind::Flag},
+    {kAnswerEngine, Kind::Word},
+    {kSearchesByMeaning, Kind::Flag},
+    {kEmbeddingModel, Kind::Word},
+    {kOllamaModel, Kind::Word},
+    {kLens, Kind::Word},
+    {kExcludedBundles, Kind::List},
+    {kPausedUntil, Kind::Moment},
+    {kOpensAtLogin, Kind::Flag},
+    {kOpensAtLoginPath, Kind::Word},
+    {kRecordsAfterRelaunch, Kind::Moment},
+};
+
+std::optional<Date> dateOf(const QString& written)
+{
+    const QDateTime moment = QDateTime::fromString(written, Qt::ISODateWithMs).toUTC();
+    if (!moment.isValid())
+        return std::nullopt;
+    constexpr double kMillisecondsASecond = 1000;
+    return Date{static_cast<double>(moment.toMSecsSinceEpoch()) / kMillisecondsASecond};
+}
+
+bool isOfKind(const StoredChoices& file, const QString& key, Kind kind)
+{
+    switch (kind) {
+    case Kind::Number:
+        return !std::isnan(file.number(key, std::nan("")));
+    case Kind::WholeNumber:
+        return file.wholeNumber(key, 0) == file.wholeNumber(key, 1);
+    case Kind::Flag:
+        return file.flag(key).has_value();
+    case Kind::Word:
+        return file.word(key, u"a"_s) == file.word(key, u"b"_s);
+    case Kind::Moment:
+        return dateOf(file.word(key, {})).has_value();
+    case Kind::List:
+        return file.list(key, {u"a"_s}) == file.list(key, {u"b"_s});
+    }
+    return false;
+}
+
+/// As a list is written by hand.
+QStringList trimmed(const QStringList& written)
+{
+    QStringList identities;
+    for (const QString& entry : written) {
+        if (const QString identity = entry.trimmed(); !identity.isEmpty())
+            identities.append(identity);
+    }
+    return identities;
+}
+
 } // namespace
 
 Preferences::Preferences(const QString& path, const QStringList& passwordManagers, QObject* parent)
@@ -76,7 +148,8 @@ Preferences::Preferences(const std::optional<QString>& path, const Sample& sampl
     , m_embeddingModel(m_file.word(kEmbeddingModel, sample.embeddingModel))
     , m_ollamaModel(m_file.word(kOllamaModel, {}))
     , m_lens(m_file.word(kLens, u"moments"_s))
-    , m_excludedBundles(bundleIDs(kPasswordManagers + passwordManagers))
+    , m_excludedBundles(
+          trimmed(m_file.list(kExcludedBundles, kPasswordManagers + passwordManagers)))
 {
 }
 
@@ -90,7 +163,7 @@ void Preferences::choose(T Preferences::*choice, const T& value, const QString& 
                          void (Preferences::*changed)())
 {
     this->*choice = value;
-    m_file.store(key, value);
+    store(key, value);
     Q_EMIT(this->*changed)();
 }
 
@@ -178,7 +251,7 @@ void Preferences::setSearchesByMeaning(bool searches)
         choose(&Preferences::m_searchesByMeaning, searches, kSearchesByMeaning,
                &Preferences::searchesByMeaningChanged);
     else
-        m_file.store(kSearchesByMeaning, searches);
+        store(kSearchesByMeaning, searches);
 }
 
 void Preferences::setEmbeddingModel(const QString& model)
@@ -187,7 +260,7 @@ void Preferences::setEmbeddingModel(const QString& model)
         choose(&Preferences::m_embeddingModel, model, kEmbeddingModel,
                &Preferences::embeddingModelChanged);
     else
-        m_file.store(kEmbeddingModel, model);
+        store(kEmbeddingModel, model);
 }
 
 void Preferences::setOllamaModel(const QString& model)
@@ -202,10 +275,14 @@ void Preferences::setLens(const QString& lens)
 
 void Preferences::setExcludedBundles(const QStringList& bundleIDs)
 {
-    m_excludedBundles = bundleIDs;
-    m_file.store(kExcludedBundles, bundleIDs);
-    makeSure();
-    Q_EMIT excludedBundlesChanged();
+    // Whoever has written one into the file meanwhile wants it excluded as well.
+    QStringList all = bundleIDs;
+    for (const QString& added : trimmed(m_file.takeAddedByOthers(kExcludedBundles))) {
+        if (!all.contains(added))
+            all.append(added);
+    }
+    choose(&Preferences::m_excludedBundles, all, kExcludedBundles,
+           &Preferences::excludedBundlesChanged);
 }
 
 QString Preferences::remarkBehindExclusions() const
@@ -225,7 +302,7 @@ void Preferences::setPausedUntil(Date date)
 
 void Preferences::removePausedUntil()
 {
-    m_file.remove(kPausedUntil);
+    remove(kPausedUntil);
 }
 
 bool Preferences::opensAtLogin() const
@@ -235,7 +312,7 @@ bool Preferences::opensAtLogin() const
 
 void Preferences::setOpensAtLogin(bool opens)
 {
-    m_file.store(kOpensAtLogin, opens);
+    store(kOpensAtLogin, opens);
 }
 
 QString Preferences::opensAtLoginPath() const
@@ -245,7 +322,7 @@ QString Preferences::opensAtLoginPath() const
 
 void Preferences::setOpensAtLoginPath(const QString& path)
 {
-    m_file.store(kOpensAtLoginPath, path);
+    store(kOpensAtLoginPath, path);
 }
 
 std::optional<Date> Preferences::recordsAfterRelaunch() const
@@ -260,39 +337,63 @@ void Preferences::setRecordsAfterRelaunch(Date date)
 
 void Preferences::removeRecordsAfterRelaunch()
 {
-    m_file.remove(kRecordsAfterRelaunch);
+    remove(kRecordsAfterRelaunch);
 }
 
-void Preferences::makeSure()
+void Preferences::store(const QString& key, const QVariant& value)
 {
-    if (const auto reason = m_file.makeSure())
-        Q_EMIT cannotBeStored(*reason);
+    const bool wasStored = m_file.isStored();
+    tell(wasStored, m_file.store(key, value));
+}
+
+void Preferences::remove(const QString& key)
+{
+    const bool wasStored = m_file.isStored();
+    tell(wasStored, m_file.remove(key));
+}
+
+void Preferences::tell(bool wasStored, const std::optional<QString>& problem)
+{
+    if (problem)
+        Q_EMIT cannotBeStored(*problem);
+    else if (!wasStored && m_file.isStored())
+        Q_EMIT storedAgain();
+}
+
+bool Preferences::isRetentionKnown() const
+{
+    return m_file.isReadable() || m_file.contains(kRetentionDays);
+}
+
+QStringList Preferences::unknownKeys() const
+{
+    QStringList keys;
+    for (const QString& key : m_file.keys()) {
+        if (std::ranges::find(kChoices, key, &std::pair<QString, Kind>::first) == kChoices.end())
+            keys.append(key);
+    }
+    return keys;
+}
+
+QStringList Preferences::unusableKeys() const
+{
+    QStringList keys;
+    for (const auto& [key, kind] : kChoices) {
+        if (m_file.contains(key) && !isOfKind(m_file, key, kind))
+            keys.append(key);
+    }
+    return keys;
 }
 
 std::optional<Date> Preferences::date(const QString& key) const
 {
-    const QDateTime stored = QDateTime::fromString(m_file.word(key, {}), Qt::ISODateWithMs).toUTC();
-    if (!stored.isValid())
-        return std::nullopt;
-    constexpr double kMillisecondsASecond = 1000;
-    return Date{static_cast<double>(stored.toMSecsSinceEpoch()) / kMillisecondsASecond};
+    return dateOf(m_file.word(key, {}));
 }
 
 void Preferences::storeDate(const QString& key, Date date)
 {
     const QDateTime moment = Calendar(QTimeZone::utc(), QLocale::c()).local(date);
-    m_file.store(key, moment.toString(Qt::ISODateWithMs));
-    makeSure();
-}
-
-QStringList Preferences::bundleIDs(const QStringList& fallback) const
-{
-    QStringList identities;
-    for (const QString& written : m_file.list(kExcludedBundles, fallback)) {
-        if (const QString identity = written.trimmed(); !identity.isEmpty())
-            identities.append(identity);
-    }
-    return identities;
+    store(key, moment.toString(Qt::ISODateWithMs));
 }
 
 } // namespace mossbank

@@ -15,10 +15,12 @@ namespace mossbank {
 /// The user's stored choices. They are read once and written when set: nothing changes them but
 /// their setters, so that what hangs on a choice is always told of it. A setter tells also when
 /// the value is the one that stood there: what hangs on a choice is redone whenever it is made.
+/// What is remembered from one run to the next and is no choice, the dates and the login item,
+/// stands in the file alone.
 ///
-/// What must not be captured and until when is on the disk when its setter returns, or the user has
-/// to know that it is not: `cannotBeStored` says so. The choice counts all the same while the
-/// program runs, and is tried again with the next one.
+/// What is set is on the disk when its setter returns, or the user has to know that it is not:
+/// `cannotBeStored` says so. The choice counts all the same while the program runs, and is tried
+/// again with the next one.
 ///
 /// A value that is missing, or is not of its type, counts as its default. No value is held to
 /// bounds in reading: a stored one stands as it is.
@@ -52,6 +54,15 @@ public:
     /// default, so that nothing is recorded unasked, and the user must know. A copy of the file is
     /// kept before anything is written to it.
     bool isReadable() const { return m_file.isReadable(); }
+
+    /// Whether the days that screenshots are kept are what the user wants: with a file that could
+    /// not be read that is known only once it was chosen anew.
+    bool isRetentionKnown() const;
+
+    /// What stands in the file and is none of the choices, and the choices that stand there with
+    /// what cannot be their value: slips of the pen, by which a choice counts as not made.
+    QStringList unknownKeys() const;
+    QStringList unusableKeys() const;
 
     /// Where the choices are stored. Empty with the sample library.
     QString path() const { return m_file.path(); }
@@ -129,6 +140,7 @@ public:
     void setLens(const QString& lens);
 
     /// Identities of the applications that are never to be in a picture.
+    /// What was added in the file since it was last read stays, whatever is set.
     QStringList excludedBundles() const { return m_excludedBundles; }
     void setExcludedBundles(const QStringList& bundleIDs);
     /// What stands behind them in the file as a remark, and so excludes nothing.
@@ -156,6 +168,8 @@ public:
 Q_SIGNALS:
     /// Why the file could not be written, in words for the user. Not again until it could be.
     void cannotBeStored(const QString& reason);
+    /// It could be written again, with all that could not be before.
+    void storedAgain();
     void intervalChanged();
     void retentionDaysChanged();
     void imageQualityChanged();
@@ -183,11 +197,11 @@ private:
     template <typename T>
     void choose(T Preferences::*choice, const T& value, const QString& key,
                 void (Preferences::*changed)());
-    /// Has what was set written at once.
-    void makeSure();
+    void store(const QString& key, const QVariant& value);
+    void remove(const QString& key);
+    void tell(bool wasStored, const std::optional<QString>& problem);
     std::optional<Date> date(const QString& key) const;
     void storeDate(const QString& key, Date date);
-    QStringList bundleIDs(const QStringList& fallback) const;
 
     StoredChoices m_file;
     bool m_isDemo;

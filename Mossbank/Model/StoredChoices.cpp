@@ -26,6 +26,17 @@ QString whyUnwritable(const QString& path)
     return file.errorString();
 }
 
+/// Absent for what is of another type.
+std::optional<QStringList> listOf(const QVariant& stored)
+{
+    // An empty list is stored as a value that is none, and a list of one as that one.
+    if (!stored.isValid())
+        return QStringList();
+    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
+        return std::nullopt;
+    return stored.toStringList();
+}
+
 } // namespace
 
 StoredChoices::StoredChoices(const std::optional<QString>& path)
@@ -37,6 +48,11 @@ StoredChoices::StoredChoices(const std::optional<QString>& path)
 QString StoredChoices::path() const
 {
     return m_file ? m_file->fileName() : QString();
+}
+
+QStringList StoredChoices::keys() const
+{
+    return m_file ? m_file->keys() : QStringList();
 }
 
 bool StoredChoices::contains(const QString& key) const
@@ -87,15 +103,12 @@ QString StoredChoices::word(const QString& key, const QString& fallback) const
 
 QStringList StoredChoices::list(const QString& key, const QStringList& fallback) const
 {
-    if (!contains(key))
-        return fallback;
-    const QVariant stored = value(key);
-    // An empty list is stored as a value that is none, and a list of one as that one.
-    if (!stored.isValid())
-        return {};
-    if (stored.typeId() != QMetaType::QStringList && stored.typeId() != QMetaType::QString)
-        return fallback;
-    return stored.toStringList();
+    return contains(key) ? listOf(value(key)).value_or(fallback) : fallback;
+}
+
+QStringList StoredChoices::storedList(const QString& key) const
+{
+    return listOf(m_file->stored(key)).value_or(QStringList());
 }
 
 QString StoredChoices::remarkBehind(const QString& key) const
@@ -103,21 +116,29 @@ QString StoredChoices::remarkBehind(const QString& key) const
     return m_file ? m_file->remarkBehind(key) : QString();
 }
 
-void StoredChoices::store(const QString& key, const QVariant& value)
+QStringList StoredChoices::takeAddedByOthers(const QString& key)
 {
-    if (m_file)
-        m_file->setValue(key, value);
+    if (!m_file)
+        return {};
+    const QStringList before = storedList(key);
+    m_file->refresh();
+    QStringList added = storedList(key);
+    added.removeIf([&](const QString& entry) { return before.contains(entry); });
+    return added;
 }
 
-void StoredChoices::remove(const QString& key)
+std::optional<QString> StoredChoices::store(const QString& key, const QVariant& value)
 {
-    if (m_file)
-        m_file->remove(key);
+    return tellWhether(!m_file || m_file->setValue(key, value));
 }
 
-std::optional<QString> StoredChoices::makeSure()
+std::optional<QString> StoredChoices::remove(const QString& key)
 {
-    const bool isStored = !m_file || m_file->sync();
+    return tellWhether(!m_file || m_file->remove(key));
+}
+
+std::optional<QString> StoredChoices::tellWhether(bool isStored)
+{
     if (std::exchange(m_isStored, isStored) && !isStored)
         return whyUnwritable(path());
     return std::nullopt;

@@ -25,6 +25,7 @@ public:
     /// Empty without a file.
     QString path() const;
 
+    QStringList keys() const;
     bool contains(const QString& key) const;
     double number(const QString& key, double fallback) const;
     int wholeNumber(const QString& key, int fallback) const;
@@ -36,16 +37,21 @@ public:
     /// What stands as a remark behind the value. Empty for none.
     QString remarkBehind(const QString& key) const;
 
-    /// Written soon.
-    void store(const QString& key, const QVariant& value);
-    void remove(const QString& key);
+    /// Takes up what others have stored meanwhile, and tells what they have put into a list.
+    QStringList takeAddedByOthers(const QString& key);
 
-    /// Has what was stored written at once. Why it could not be, in words for the user; not again
-    /// until it could be.
-    std::optional<QString> makeSure();
+    /// Whether all that was stored is written.
+    bool isStored() const { return m_isStored; }
+
+    /// Written when they return. Why it could not be, in words for the user; not again until it
+    /// could be.
+    std::optional<QString> store(const QString& key, const QVariant& value);
+    std::optional<QString> remove(const QString& key);
 
 private:
     QVariant value(const QString& key) const;
+    QStringList storedList(const QString& key) const;
+    std::optional<QString> tellWhether(bool isStored);
 
     std::optional<ChoicesFile> m_file;
     bool m_isStored = true;

@@ -286,57 +286,6 @@ private Q_SLOTS:
         QCOMPARE(saved(), QStringList());
     }
 
-    // Words
-
-    void theNoteTellsWhatADayCanCost_data()
-    {
-        QTest::addColumn<double>("interval");
-        QTest::addColumn<QString>("count");
-        QTest::addColumn<QString>("size");
-        QTest::newRow("the usual") << 30.0 << u"960"_s << u"0.4"_s;
-        QTest::newRow("less than a second") << 0.5 << u"28800"_s << u"11.3"_s;
-        QTest::newRow("none") << 0.0 << u"28800"_s << u"11.3"_s;
-        QTest::newRow("rounded") << 45.0 << u"640"_s << u"0.3"_s;
-        QTest::newRow("rounded up") << 7.0 << u"4114"_s << u"1.6"_s;
-        QTest::newRow("ten minutes") << 600.0 << u"48"_s << u"0.0"_s;
-    }
-    void theNoteTellsWhatADayCanCost()
-    {
-        QFETCH(double, interval);
-        QFETCH(QString, count);
-        QFETCH(QString, size);
-        const QString start = u"Still images, without audio. Over an eight-hour day that is at "
-                              "most %1 screenshots and %2 GB. "_s.arg(count, size);
-        const QString end = u" Mossbank pauses when your Mac sleeps, the screen locks or your "
-                            "session becomes inactive, and never captures itself."_s;
-        QCOMPARE(Housekeeping::estimate(interval, true, QLocale::c()),
-                 start +
-                     u"Most checks find a screen that has not moved and stop there, so a real day "
-                     "is a fraction of that."_s +
-                     end);
-        QCOMPARE(Housekeeping::estimate(interval, false, QLocale::c()),
-                 start +
-                     u"Every check is being saved, because saving only on change is turned off."_s +
-                     end);
-        QVERIFY(Housekeeping::estimate(interval, true, QLocale(QLocale::German))
-                    .contains(QString(size).replace(u'.', u',') + u" GB"_s));
-    }
-
-    void aSizeIsShownInItsUnit_data()
-    {
-        QTest::addColumn<qint64>("bytes");
-        QTest::addColumn<QString>("label");
-        QTest::newRow("nothing") << qint64{0} << u"0 KB"_s;
-        QTest::newRow("a bit") << qint64{345'600} << u"345.6 kB"_s;
-        QTest::newRow("more") << qint64{3'100'000'000} << u"3.1 GB"_s;
-    }
-    void aSizeIsShownInItsUnit()
-    {
-        QFETCH(qint64, bytes);
-        QFETCH(QString, label);
-        QCOMPARE(Housekeeping::storageLabel(bytes, QLocale::c()), label);
-    }
-
 private:
     /// One that was taken so many seconds ago.
     Memory memory(const QString& id, double age) const

@@ -2,6 +2,7 @@
 #include "Mossbank/Model/Preferences.h"
 
 #include <QFile>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,6 +20,34 @@ class PreferencesTest : public QObject {
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qFatal("cannot write %s", qPrintable(path));
         return path;
+    }
+
+    /// Every choice, as it is by no default.
+    static void chooseAll(const QString& path)
+    {
+        Preferences preferences(path);
+        preferences.setInterval(2.5);
+        preferences.setImageQuality(0.4);
+        preferences.setSkipsUnchangedScreens(false);
+        preferences.setChangeMode(u"obvious"_s);
+        preferences.setCapturesOnAppSwitch(false);
+        preferences.setUnchangedRefreshMinutes(60);
+        preferences.setSavesAddresses(false);
+        preferences.setRecordsAtLaunch(true);
+        preferences.setResumesAfterAway(false);
+        preferences.setRetentionDays(0);
+        preferences.setAppearanceMode(u"dark"_s);
+        preferences.setHasSeenSearchHint(true);
+        preferences.setAnswerEngine(u"local"_s);
+        preferences.setSearchesByMeaning(true);
+        preferences.setEmbeddingModel(u"nomic"_s);
+        preferences.setOllamaModel(u"a model, with a comma"_s);
+        preferences.setLens(u"timeline"_s);
+        preferences.setPausedUntil(Date{1'700'037'900.25});
+        preferences.setRecordsAfterRelaunch(Date{1'700'037'901});
+        preferences.setOpensAtLogin(true);
+        preferences.setOpensAtLoginPath(u"/opt/a b/mossbank"_s);
+        preferences.setExcludedBundles({u"a"_s, u"b, with a comma"_s});
     }
 
     static void compareWithDefaults(const Preferences& preferences)
@@ -101,89 +130,15 @@ excludedBundles=@Size(3 4)
         compareWithDefaults(preferences);
     }
 
-    void yesAndNoAreUnderstoodHoweverTheyAreWritten_data()
-    {
-        QTest::addColumn<QByteArray>("written");
-        QTest::addColumn<bool>("saves");
-        QTest::addColumn<bool>("isChosen");
-        const auto add = [](const char* written, bool saves, bool isChosen) {
-            QTest::newRow(written) << QByteArray(written) << saves << isChosen;
-        };
-        add("true", true, true);
-        add("Yes", true, true);
-        add("on", true, true);
-        add("1", true, true);
-        add("false", false, true);
-        add("NO", false, true);
-        add("off", false, true);
-        add("0", false, true);
-        // As if nothing were there: nobody has chosen to have accessibility switched on.
-        add("perhaps", true, false);
-        add("", true, false);
-    }
-    void yesAndNoAreUnderstoodHoweverTheyAreWritten()
-    {
-        QFETCH(QByteArray, written);
-        QFETCH(bool, saves);
-        QFETCH(bool, isChosen);
-        const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\nsavesAddresses=" + written + "\n"));
-        QCOMPARE(preferences.savesAddresses(), saves);
-        QCOMPARE(preferences.hasChosenAddresses(), isChosen);
-    }
-
-    void aModeOfNoKnownNameStandsAsItIs_data()
-    {
-        QTest::addColumn<QByteArray>("written");
-        QTest::addColumn<QString>("mode");
-        // Neither counts as absent: each then saves at any change.
-        QTest::newRow("empty") << QByteArray("changeMode=") << QString();
-        QTest::newRow("unknown") << QByteArray("changeMode=sometimes") << u"sometimes"_s;
-        QTest::newRow("known") << QByteArray("changeMode=obvious") << u"obvious"_s;
-    }
-    void aModeOfNoKnownNameStandsAsItIs()
-    {
-        QFETCH(QByteArray, written);
-        QFETCH(QString, mode);
-        const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\n" + written + "\n"));
-        QCOMPARE(preferences.changeMode(), mode);
-    }
-
-    void aListWrittenByHandIsReadAsItIsMeant_data()
-    {
-        QTest::addColumn<QByteArray>("written");
-        QTest::addColumn<QStringList>("list");
-        QTest::newRow("none") << QByteArray("excludedBundles=") << QStringList();
-        QTest::newRow("one") << QByteArray("excludedBundles=a.b") << QStringList{u"a.b"_s};
-        QTest::newRow("two") << QByteArray("excludedBundles=a.b, c.d")
-                             << QStringList{u"a.b"_s, u"c.d"_s};
-        QTest::newRow("blanks in quotes")
-            << QByteArray("excludedBundles=\" a.b\", \"c.d \"") << QStringList{u"a.b"_s, u"c.d"_s};
-        QTest::newRow("an identity that ends so") << QByteArray("excludedBundles=a.b.desktop, c.d")
-                                                  << QStringList{u"a.b.desktop"_s, u"c.d"_s};
-        QTest::newRow("a comma too many")
-            << QByteArray("excludedBundles=a.b, ,c.d") << QStringList{u"a.b"_s, u"c.d"_s};
-    }
-    void aListWrittenByHandIsReadAsItIsMeant()
-    {
-        QFETCH(QByteArray, written);
-        QFETCH(QStringList, list);
-        const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\n" + written + "\n"));
-        QCOMPARE(preferences.excludedBundles(), list);
-    }
-
-    void aFileChangedMeanwhileChangesNothingBehindAnybodysBack()
+    void whatTheProgramWritesItselfIsNoSlip()
     {
         const QTemporaryDir folder;
-        const QString path = write(folder, "[General]\nexcludedBundles=a.b\n");
-        Preferences preferences(path);
-        write(folder, "[General]\nexcludedBundles=c.d\ninterval=7\n");
-        preferences.removeRecordsAfterRelaunch();
-        QSettings(path, QSettings::IniFormat).sync();
-        QCOMPARE(preferences.excludedBundles(), QStringList{u"a.b"_s});
-        QCOMPARE(preferences.interval(), 30.0);
+        const QString path = folder.filePath(u"choices.ini"_s);
+        chooseAll(path);
+        const Preferences preferences(path);
+        QCOMPARE(QSettings(path, QSettings::IniFormat).allKeys().size(), 22);
+        QCOMPARE(preferences.unknownKeys(), QStringList());
+        QCOMPARE(preferences.unusableKeys(), QStringList());
     }
 
     void aFileOfNonsenseCountsAsEmpty()
@@ -208,31 +163,7 @@ excludedBundles=@Size(3 4)
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"choices.ini"_s);
-        {
-            Preferences preferences(path);
-            preferences.setInterval(2.5);
-            preferences.setImageQuality(0.4);
-            preferences.setSkipsUnchangedScreens(false);
-            preferences.setChangeMode(u"obvious"_s);
-            preferences.setCapturesOnAppSwitch(false);
-            preferences.setUnchangedRefreshMinutes(60);
-            preferences.setSavesAddresses(false);
-            preferences.setRecordsAtLaunch(true);
-            preferences.setResumesAfterAway(false);
-            preferences.setRetentionDays(0);
-            preferences.setAppearanceMode(u"dark"_s);
-            preferences.setHasSeenSearchHint(true);
-            preferences.setAnswerEngine(u"local"_s);
-            preferences.setSearchesByMeaning(true);
-            preferences.setEmbeddingModel(u"nomic"_s);
-            preferences.setOllamaModel(u"a model, with a comma"_s);
-            preferences.setLens(u"timeline"_s);
-            preferences.setPausedUntil(Date{1'700'037'900.25});
-            preferences.setRecordsAfterRelaunch(Date{1'700'037'901});
-            preferences.setOpensAtLogin(true);
-            preferences.setOpensAtLoginPath(u"/opt/a b/mossbank"_s);
-            preferences.setExcludedBundles({u"a"_s, u"b, with a comma"_s});
-        }
+        chooseAll(path);
         const Preferences again(path);
         QCOMPARE(again.interval(), 2.5);
         QCOMPARE(again.imageQuality(), 0.4);
@@ -266,14 +197,6 @@ excludedBundles=@Size(3 4)
         QCOMPARE(Preferences(path).excludedBundles(), QStringList());
     }
 
-    void aValueOutsideItsBoundsStandsAsItIs()
-    {
-        const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\ninterval=7\nimageQuality=9\n"));
-        QCOMPARE(preferences.interval(), 7.0);
-        QCOMPARE(preferences.imageQuality(), 9.0);
-    }
-
     void aSetterTellsAlsoOfTheSameValue()
     {
         const QTemporaryDir folder;
@@ -301,24 +224,6 @@ excludedBundles=@Size(3 4)
         preferences.setSearchesByMeaning(true);
         preferences.setEmbeddingModel(u"nomic"_s);
         QCOMPARE(meaning.count() + model.count(), 2);
-    }
-
-    void whatOthersStoreMeanwhileIsKept()
-    {
-        const QTemporaryDir folder;
-        const QString path = write(folder, "[General]\nunknown=1\nlens=ask\n");
-        Preferences preferences(path);
-        QCOMPARE(preferences.lens(), u"ask"_s);
-        {
-            QSettings other(path, QSettings::IniFormat);
-            other.setValue(u"imageQuality"_s, 0.5);
-        }
-        preferences.setExcludedBundles({u"a.b"_s});
-        const QSettings stored(path, QSettings::IniFormat);
-        QCOMPARE(stored.value(u"unknown"_s).toString(), u"1"_s);
-        QCOMPARE(stored.value(u"lens"_s).toString(), u"ask"_s);
-        QCOMPARE(stored.value(u"imageQuality"_s).toDouble(), 0.5);
-        QCOMPARE(stored.value(u"excludedBundles"_s).toStringList(), QStringList{u"a.b"_s});
     }
 
     void theSampleLibraryHasItsOwn()

@@ -5,6 +5,7 @@
 
 #include <QScopeGuard>
 #include <QSemaphore>
+#include <QSettings>
 #include <QSignalSpy>
 
 using namespace mossbank;

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 #include <cerrno>
 
 using namespace mossbank;
@@ -123,6 +125,101 @@ excludedBundles="a, ; \"b\"", c.d ; a "remark
         QCOMPARE(contentOf(kept()), broken());
         QCOMPARE(contentOf(path()), "[General]\nexcludedBundles=c.d\ninterval=7\n");
         QVERIFY(Preferences(path()).isReadable());
+    }
+
+    void aMistakeMadeWhileTheProgramRunsLosesNoChoice()
+    {
+        QVERIFY(write(path(), "[General]\nexcludedBundles=a.b\nretentionDays=0\nmine=1\n"));
+        Preferences preferences(path());
+        preferences.setInterval(5);
+        QVERIFY(write(path(), broken("[General]\nexcludedBundles=\"c.d\n")));
+        QSignalSpy told(&preferences, &Preferences::cannotBeStored);
+        preferences.setInterval(7);
+        QCOMPARE(told.size(), 0);
+        QCOMPARE(contentOf(kept()), broken("[General]\nexcludedBundles=\"c.d\n"));
+        QCOMPARE(contentOf(path()),
+                 "[General]\nexcludedBundles=a.b\ninterval=7\nmine=1\nretentionDays=0\n");
+        // Also when it is the exclusions that are chosen, for which it is looked at first.
+        QVERIFY(write(path(), broken()));
+        preferences.setExcludedBundles({u"a.b"_s, u"e.f"_s});
+        QCOMPARE(Preferences(path()).excludedBundles(), (QStringList{u"a.b"_s, u"e.f"_s}));
+        QCOMPARE(Preferences(path()).retentionDays(), 0);
+    }
+
+    void aFileThatIsGoneIsBegunAnew_data()
+    {
+        QTest::addColumn<bool>("isEmptied");
+        QTest::newRow("taken away") << false;
+        QTest::newRow("emptied") << true;
+    }
+    void aFileThatIsGoneIsBegunAnew()
+    {
+        QFETCH(bool, isEmptied);
+        QVERIFY(write(path(), "[General]\nexcludedBundles=a.b\nretentionDays=0\n"));
+        Preferences preferences(path());
+        QVERIFY(isEmptied ? write(path(), "\n") : QFile::remove(path()));
+        preferences.setInterval(7);
+        QCOMPARE(contentOf(path()),
+                 "[General]\nexcludedBundles=a.b\ninterval=7\nretentionDays=0\n");
+        QVERIFY(!QFile::exists(kept()));
+    }
+
+    void aPipeInItsPlaceIsNotWaitedFor()
+    {
+        QCOMPARE(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
+        Preferences preferences(path());
+        QVERIFY(!preferences.isReadable());
+        QSignalSpy told(&preferences, &Preferences::cannotBeStored);
+        preferences.setInterval(7);
+        QCOMPARE(told.size(), 1);
+        QVERIFY(QFile::remove(path()));
+    }
+
+    void aLinkStaysOne()
+    {
+        const QString target = m_folder.filePath(u"elsewhere.ini"_s);
+        for (const bool isThere : {false, true}) {
+            if (isThere)
+                QVERIFY(write(target, "[General]\nmine=1\n"));
+            QVERIFY(QFile::link(target, path()));
+            Preferences(path()).setInterval(7);
+            QVERIFY(QFileInfo(path()).isSymLink());
+            QCOMPARE(contentOf(target),
+                     isThere ? "[General]\ninterval=7\nmine=1\n" : "[General]\ninterval=7\n");
+            QVERIFY(QFile::remove(path()));
+        }
+    }
+
+    void whatAKilledOneLeftGoes()
+    {
+        const QStringList left = {path() + u".draft"_s, path() + u".aB3xYz"_s,
+                                  path() + u".draft.aB3xYz"_s};
+        for (const QString& name : left)
+            QVERIFY(write(name, "x"));
+        QVERIFY(write(kept(), "x"));
+        QVERIFY(write(m_folder.filePath(u"other.ini.aB3xYz"_s), "x"));
+        const Preferences preferences(path());
+        for (const QString& name : left)
+            QVERIFY2(!QFile::exists(name), qPrintable(name));
+        QVERIFY(QFile::exists(kept()));
+        QVERIFY(QFile::exists(m_folder.filePath(u"other.ini.aB3xYz"_s)));
+    }
+
+    void nothingIsLeftBesideIt()
+    {
+        Preferences(path()).setInterval(7);
+        QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{u"choices.ini"_s});
+    }
+
+    void everyChoiceIsWrittenAtOnce()
+    {
+        Preferences preferences(path());
+        preferences.setLens(u"ask"_s);
+        QCOMPARE(contentOf(path()), "[General]\nlens=ask\n");
+        preferences.setPausedUntil(Date{1'700'037'900});
+        preferences.removePausedUntil();
+        QCOMPARE(contentOf(path()), "[General]\nlens=ask\n");
     }
 
     void whatWasKeptOnceIsKept()

@@ -84,6 +84,66 @@ private Q_SLOTS:
         QVERIFY(error().startsWith(u"The other trouble. Your choices cannot be saved: "));
     }
 
+    void whatIsStoredInTheEndIsToldNoMore()
+    {
+        for (const bool isOtherTold : {false, true}) {
+            const auto other = isOtherTold ? std::optional(u"The other trouble."_s) : std::nullopt;
+            m_model->recorder().setErrorMessage(other);
+            for (int time = 0; time < 2; ++time) {
+                fillTheDisk();
+                m_rig->preferences.setInterval(5);
+                QCOMPARE(error().count(u"Your choices cannot be saved"_s), 1);
+                m_disk.reset();
+                m_rig->preferences.setInterval(7);
+                QCOMPARE(m_model->recorder().errorMessage(), other);
+            }
+        }
+    }
+
+    void aRemovalThatFailedIsTriedAgain()
+    {
+        Preferences& preferences = m_rig->preferences;
+        preferences.setPausedUntil(m_rig->clock.now());
+        fillTheDisk();
+        preferences.removePausedUntil();
+        QVERIFY(stored().contains("pausedUntil"));
+        QVERIFY(!preferences.pausedUntil());
+        m_disk.reset();
+        preferences.removePausedUntil();
+        QVERIFY(!stored().contains("pausedUntil"));
+    }
+
+    void whatFailedIsNotWrittenOverAMistakeMadeSince()
+    {
+        Preferences& preferences = m_rig->preferences;
+        preferences.setInterval(5);
+        fillTheDisk();
+        preferences.setInterval(6);
+        m_disk.reset();
+        const QByteArray broken = stored() + "excludedBundles=\"a.b\n";
+        write(broken);
+        preferences.setRetentionDays(7);
+        QFile kept(preferences.path() + u".unreadable"_s);
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), broken);
+        QCOMPARE(stored(), "[General]\nexcludedBundles=org.example.Secret\ninterval=6\n"
+                           "retentionDays=7\n");
+    }
+
+    void anExclusionMadeByHandStaysAlsoWhereTheOwnOnesCouldNotBeStored()
+    {
+        Preferences& preferences = m_rig->preferences;
+        preferences.setExcludedBundles({u"a"_s});
+        fillTheDisk();
+        preferences.setExcludedBundles({u"a"_s, u"b"_s});
+        m_disk.reset();
+        write("[General]\nexcludedBundles=a, by.hand\n");
+        preferences.setExcludedBundles({u"a"_s, u"b"_s, u"c"_s});
+        const QStringList all = {u"a"_s, u"b"_s, u"c"_s, u"by.hand"_s};
+        QCOMPARE(preferences.excludedBundles(), all);
+        QCOMPARE(Preferences(preferences.path()).excludedBundles(), all);
+    }
+
     void whatIsStoredIsStoredAtOnceAndNotTold()
     {
         m_model->exclusions().excludeFrontmostApp();
@@ -93,9 +153,7 @@ private Q_SLOTS:
 
     void nonsenseInTheFileKeepsNothingFromBeingStored()
     {
-        QFile file(m_rig->preferences.path());
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("nonsense\n[=\n") > 0);
-        file.close();
+        write("nonsense\n[=\n");
         m_model->exclusions().excludeFrontmostApp();
         QVERIFY(stored().contains(RecorderRig::kEditor.bundleID.toUtf8()));
         QCOMPARE(m_model->recorder().errorMessage(), std::nullopt);
@@ -124,6 +182,12 @@ private:
     void fillTheDisk()
     {
         m_disk = std::make_unique<BadDisk>(m_rig->folder.path(), 1, BadDisk::Then::FailOn, ENOSPC);
+    }
+
+    void write(const QByteArray& content) const
+    {
+        QFile file(m_rig->preferences.path());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
 
     QByteArray stored() const
