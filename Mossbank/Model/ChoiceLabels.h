@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
+#include <iterator>
 
 namespace mossbank {
 
@@ -31,10 +31,10 @@ public:
 
     /// Where among `choices` the one nearest to `value` stands, the earlier of two equally near.
     /// 0 where there is nothing to choose.
-    template <typename Number>
-    static double step(Number value, const std::vector<Number>& choices)
+    template <typename Number, typename Choices>
+    static double step(Number value, const Choices& choices)
     {
-        if (choices.size() < 2)
+        if (std::size(choices) < 2)
             return 0;
         const auto distance = [&](Number choice) {
             return std::abs(static_cast<double>(choice) - static_cast<double>(value));

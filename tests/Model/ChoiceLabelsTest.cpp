@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/ChoiceLabels.h"
 
+#include "Mossbank/Model/ChoiceLists.h"
+#include "Mossbank/Model/Preferences.h"
+
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
+#include <vector>
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -124,10 +129,51 @@ private Q_SLOTS:
         QCOMPARE(ChoiceLabels::step(value, choices), step);
     }
 
+    void everyChoiceHasItsWords()
+    {
+        QStringList intervals;
+        for (const double seconds : ChoiceLists::kIntervals)
+            intervals.append(ChoiceLabels::intervalLabel(seconds));
+        QCOMPARE(intervals.join(u", "_s),
+                 u"1 second, 2 seconds, 3 seconds, 5 seconds, 10 seconds, 15 seconds, 20 seconds, "
+                 "30 seconds, 45 seconds, 1 minute, 2 minutes, 5 minutes, 10 minutes"_s);
+        QStringList days;
+        for (const int count : ChoiceLists::kRetentionDays)
+            days.append(ChoiceLabels::retentionLabel(count));
+        QCOMPARE(days.join(u", "_s), u"1 day, 3 days, 7 days, 14 days, 30 days, 60 days, 90 days, "
+                                     "180 days, 365 days, Forever"_s);
+        QStringList refreshes;
+        for (const double minutes : ChoiceLists::kUnchangedRefreshMinutes)
+            refreshes.append(ChoiceLabels::refreshLabel(minutes));
+        QCOMPARE(refreshes.join(u", "_s),
+                 u"5 minutes, 10 minutes, 15 minutes, 30 minutes, 1 hour"_s);
+        QSet<QString> modes;
+        for (const char16_t* const mode : ChoiceLists::kChangeModes)
+            modes.insert(ChoiceLabels::changeLabel(QString::fromUtf16(mode)));
+        for (const char16_t* const mode : ChoiceLists::kAppearanceModes)
+            modes.insert(ChoiceLabels::appearanceLabel(QString::fromUtf16(mode)));
+        QCOMPARE(modes.size(), 6);
+    }
+
+    void whatIsSoByDefaultCanBeChosen()
+    {
+        const QTemporaryDir folder;
+        const Preferences fresh(folder.filePath(u"none.ini"_s));
+        const auto has = [](const auto& choices, const auto& value) {
+            return std::ranges::find(choices, value) != std::end(choices);
+        };
+        QVERIFY(has(ChoiceLists::kIntervals, fresh.interval()));
+        QVERIFY(has(ChoiceLists::kRetentionDays, fresh.retentionDays()));
+        QVERIFY(has(ChoiceLists::kUnchangedRefreshMinutes, fresh.unchangedRefreshMinutes()));
+        QVERIFY(fresh.imageQuality() > ChoiceLists::kLeastImageQuality &&
+                fresh.imageQuality() < ChoiceLists::kMostImageQuality);
+        QVERIFY(has(ChoiceLists::kChangeModes, QStringView(fresh.changeMode())));
+        QVERIFY(has(ChoiceLists::kAppearanceModes, QStringView(fresh.appearanceMode())));
+    }
+
     void forEverIsAChoiceLikeOthers()
     {
-        const std::vector<int> days = {1, 3, 7, 14, 30, 60, 90, 180, 365, 0};
-        QCOMPARE(ChoiceLabels::step(0, days), 9.0);
+        QCOMPARE(ChoiceLabels::step(0, ChoiceLists::kRetentionDays), 9.0);
         QCOMPARE(ChoiceLabels::step(25, std::vector<int>{20, 30}), 0.0);
         QCOMPARE(ChoiceLabels::step(std::numeric_limits<int>::min(), std::vector<int>{20, 30}),
                  0.0);
