@@ -21,6 +21,7 @@ void bringWindowsToFront()
     for (QWindow* const window : QGuiApplication::topLevelWindows()) {
         if (!window->isVisible())
             continue;
+        window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
         window->raise();
         window->requestActivate();
     }
@@ -40,7 +41,8 @@ void followEnds(const TerminationSignals& signals, const QuitEvents& events, App
     QObject::connect(&signals, &TerminationSignals::received, &guard, [&guard](int signal) {
         guard.quit(signal == SIGINT ? QuitGuard::Cause::Interrupt : QuitGuard::Cause::Session);
     });
-    QObject::connect(&events, &QuitEvents::sessionEnds, &guard, &QuitGuard::expectQuit);
+    QObject::connect(&events, &QuitEvents::sessionEnds, &guard,
+                     [&guard] { guard.quit(QuitGuard::Cause::Session); });
     QObject::connect(&events, &QuitEvents::quits, &guard,
                      [&guard] { guard.quit(QuitGuard::Cause::User); });
     QObject::connect(

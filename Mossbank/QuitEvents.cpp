@@ -10,8 +10,6 @@ namespace mossbank {
 QuitEvents::QuitEvents()
 {
     qApp->installEventFilter(this);
-    connect(qApp, &QGuiApplication::commitDataRequest, this, &QuitEvents::sessionEnds,
-            Qt::DirectConnection);
     // Whether it is started at login is the user's choice, and not that of a session which happened
     // to end while it ran.
     connect(
@@ -25,7 +23,12 @@ bool QuitEvents::eventFilter(QObject* watched, QEvent* event)
     if (watched != qApp || event->type() != QEvent::Quit)
         return false;
     event->ignore();
-    Q_EMIT quits();
+    // What a session manager says before is no sign: it has work saved also when the session goes
+    // on, or long before it ends. Windows and menus of this program ask without an event.
+    if (qApp->sessionId().isEmpty())
+        Q_EMIT quits();
+    else
+        Q_EMIT sessionEnds();
     return true;
 }
 

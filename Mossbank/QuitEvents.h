@@ -16,8 +16,9 @@ public:
     QuitEvents();
 
 Q_SIGNALS:
-    /// The session manager has begun to end the session.
+    /// The session manager ends the program, and with it the session.
     void sessionEnds();
+    /// Somebody else does.
     void quits();
 
 protected:
