@@ -41,6 +41,10 @@ void Updater::tell(const UpdateAnswer& answer)
             localized("Mossbank %1 can be installed with the updates of your system")
                 .arg(answer.version));
         return;
+    case UpdateAnswer::Kind::Installed:
+        m_recorder.setStatus(
+            localized("Mossbank has been installed anew, which counts from its next start"));
+        return;
     case UpdateAnswer::Kind::Failed:
         m_recorder.setErrorMessage(localized("Could not check for updates: %1").arg(answer.reason));
         return;

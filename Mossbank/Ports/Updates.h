@@ -18,6 +18,8 @@ struct UpdateAnswer {
         Newest,
         /// There is one, which can be installed.
         Newer,
+        /// There is none, but another than this one was installed since this was started.
+        Installed,
         /// It could not be told.
         Failed,
     };
@@ -36,6 +38,7 @@ struct UpdateAnswer {
     {
         return {.kind = Kind::Newer, .version = std::move(version)};
     }
+    static UpdateAnswer installed() { return {.kind = Kind::Installed}; }
     static UpdateAnswer failed(QString reason)
     {
         return {.kind = Kind::Failed, .reason = std::move(reason)};

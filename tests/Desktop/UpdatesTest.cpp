@@ -211,6 +211,23 @@ private Q_SLOTS:
         QCOMPARE(m_answers.size(), 2);
     }
 
+    void whatHasBeenInstalledUnderTheProgramIsNotWhatRuns()
+    {
+        QVERIFY(knowPackage());
+        make(u"/usr/bin/env"_s); // there, and not this program
+        QVERIFY(findPackage());
+        QVERIFY(m_packageKit->behave(u"RefreshCache"_s, {MockedPackageKit::finished()}));
+        QVERIFY(m_packageKit->behave(u"GetUpdates"_s, {MockedPackageKit::finished()}));
+        m_updates->checkForUpdates();
+        QTRY_COMPARE_WITH_TIMEOUT(m_answers, QList{UpdateAnswer::installed()}, kPatience);
+        const QStringList newer = {MockedPackageKit::package(u"heron;1.1-1;amd64;marsh"_s),
+                                   MockedPackageKit::finished()};
+        QVERIFY(m_packageKit->behave(u"GetUpdates"_s, newer));
+        m_updates->checkForUpdates();
+        QTRY_COMPARE_WITH_TIMEOUT(m_answers.size(), 2, kPatience);
+        QCOMPARE(m_answers.last(), UpdateAnswer::newer(u"1.1-1"_s));
+    }
+
     void nobodyIsAskedForAPassword()
     {
         QVERIFY(knowPackage());

@@ -37,6 +37,9 @@ private Q_SLOTS:
         QTest::newRow("a newer one")
             << UpdateAnswer::newer(u"2.1-1"_s)
             << u"Mossbank 2.1-1 can be installed with the updates of your system"_s << QString();
+        QTest::newRow("installed already")
+            << UpdateAnswer::installed()
+            << u"Mossbank has been installed anew, which counts from its next start"_s << QString();
         QTest::newRow("failed") << UpdateAnswer::failed(u"There is no network."_s) << idle
                                 << u"Could not check for updates: There is no network."_s;
     }

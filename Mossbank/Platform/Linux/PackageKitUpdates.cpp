@@ -2,6 +2,7 @@
 #include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 
 #include "Mossbank/Platform/Linux/PackageKit.h"
+#include "MossbankCore/Support/Files.h"
 
 #include <QDir>
 
@@ -17,6 +18,14 @@ QString isFromNoPackage()
 {
     return u"This copy of Mossbank is not from a package of this system, which could tell of newer "
            "versions."_s;
+}
+
+/// Whether the program that lies there is not the one that runs: a package's files are put in the
+/// place of those before them.
+bool isAnotherThanRuns(const QString& executable)
+{
+    const Files::Identity there = Files::identity(executable);
+    return there != Files::Identity() && there != Files::identity(u"/proc/self/exe"_s);
 }
 
 } // namespace
@@ -102,7 +111,10 @@ void PackageKitUpdates::finish(const UpdateAnswer& answer)
     m_isChecking = false;
     if (m_package)
         Q_EMIT canCheckForUpdatesChanged();
-    Q_EMIT checked(answer);
+    // The package is the newest then, but not what runs.
+    const bool isReplaced =
+        answer.kind == UpdateAnswer::Kind::Newest && isAnotherThanRuns(m_executable);
+    Q_EMIT checked(isReplaced ? UpdateAnswer::installed() : answer);
 }
 
 } // namespace mossbank
