@@ -132,8 +132,9 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
 /// Holds the library. One that another ends for waits until it has.
 std::unique_ptr<SingleInstance> takeLibrary(const QString& library, bool isRelaunched)
 {
-    // The end of the other may wait ten seconds for what it saves.
-    constexpr auto kPatience = std::chrono::seconds(30);
+    // The end of the other may wait ten seconds for what it saves, and then for a reading that
+    // takes all the time it may on a busy machine.
+    constexpr auto kPatience = std::chrono::minutes(2);
     constexpr auto kBetweenTries = std::chrono::milliseconds(100);
     const QDeadlineTimer deadline(isRelaunched ? kPatience : std::chrono::seconds(0));
     auto instance = std::make_unique<SingleInstance>(library);

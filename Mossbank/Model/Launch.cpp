@@ -93,6 +93,7 @@ Launch::FirstRun Launch::firstRun(const LibraryStats& stats) const
 void Launch::becameActive()
 {
     m_parts.loginItem.refresh();
+    Q_EMIT systemMayHaveChanged();
 }
 
 void Launch::reopen()

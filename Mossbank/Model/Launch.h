@@ -79,6 +79,8 @@ public:
 Q_SIGNALS:
     /// The program was started at login, and stays out of sight.
     void closesWorkspace();
+    /// What the system allows may be another than it was, and whoever shows it should look again.
+    void systemMayHaveChanged();
 
 private:
     QCoro::Task<> putInOrder(Cancellation cancellation);

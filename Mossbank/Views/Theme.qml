@@ -21,6 +21,10 @@ QtObject {
     /// What is written on the accent.
     readonly property color accentInk: isDark ? "#191b18" : "#ffffff"
 
+    /// What the user should stop at, and what is written on it.
+    readonly property color warning: isDark ? "#e3b765" : "#8f5a12"
+    readonly property color warningInk: accentInk
+
     /// The desktop's own size of type, beside the usual one of ten points.
     readonly property real scale: Application.font.pointSize > 0 ? Application.font.pointSize / 10 : 1
     readonly property int smallType: Math.round(11 * scale)

@@ -113,6 +113,14 @@ private Q_SLOTS:
         QCOMPARE(QString::fromUtf8(file.readAll()), QString::fromUtf16(XdgAutostart::kAtLogin));
     }
 
+    void whatIsGoneWithTheRunIsNotRegistered()
+    {
+        XdgAutostart service(u"/tmp/.mount_heronAbC/usr/bin/heron"_s, kIdentity);
+        QCOMPARE(failureOf([&] { service.registerItem(); }),
+                 u"This copy of Mossbank is gone when it ends. Install it first."_s);
+        QVERIFY(!QFile::exists(service.entry()));
+    }
+
     // GLib does not start such a program at all, other desktops do.
     void aPathWithSignsForFilesIsWrittenAsTheyAre()
     {

@@ -14,11 +14,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-bool isSource(const QString& path)
-{
-    return path.endsWith(u".h") || path.endsWith(u".cpp");
-}
-
 bool isOurs(const QString& path)
 {
     return !path.startsWith(u'.') && !path.startsWith(u"build");
@@ -45,19 +40,34 @@ QStringList filesThatStandThere(const QString& folder)
     return files;
 }
 
-} // namespace
-
-QStringList sourceFiles(const QString& folder)
+/// Those of ours whose name ends in one of these, sorted.
+QStringList filesOf(const QString& folder, const QStringList& endings)
 {
+    const auto hasEnding = [&](const QString& path) {
+        return std::ranges::any_of(endings,
+                                   [&](const QString& ending) { return path.endsWith(ending); });
+    };
     QStringList all = QFileInfo::exists(folder + u"/.git"_s) ? filesOfGit(folder) : QStringList();
     if (all.isEmpty())
         all = filesThatStandThere(folder);
     QStringList sources;
-    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(sources), [&](const QString& path) {
-        return isSource(path) && isOurs(path) && QFileInfo::exists(folder + u'/' + path);
+    std::ranges::copy_if(all, std::back_inserter(sources), [&](const QString& path) {
+        return hasEnding(path) && isOurs(path) && QFileInfo::exists(folder + u'/' + path);
     });
     sources.sort();
     return sources;
+}
+
+} // namespace
+
+QStringList sourceFiles(const QString& folder)
+{
+    return filesOf(folder, {u".h"_s, u".cpp"_s});
+}
+
+QStringList viewFiles(const QString& folder)
+{
+    return filesOf(folder, {u".qml"_s});
 }
 
 } // namespace mossbank

@@ -10,5 +10,7 @@ namespace mossbank {
 /// tracks or would track, and where there is no git all that stand there. Folders of other
 /// people's code and of builds are left out.
 QStringList sourceFiles(const QString& folder);
+/// Those of QML, in the same way.
+QStringList viewFiles(const QString& folder);
 
 } // namespace mossbank

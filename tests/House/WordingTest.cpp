@@ -37,6 +37,18 @@ QStringList textsIn(QString source)
     return texts;
 }
 
+/// Whether a source is of the programs, and not of what translates them, tests or measures.
+bool isShownFrom(const QString& path)
+{
+    return path.startsWith(u"mossbank"_s, Qt::CaseInsensitive) &&
+           !path.startsWith(u"Mossbank/Translations/"_s);
+}
+
+QString folder()
+{
+    return QStringLiteral(MOSSBANK_SOURCE_DIR);
+}
+
 QString onLinux(const QString& text)
 {
     const QString here =
@@ -54,11 +66,10 @@ private Q_SLOTS:
     void noTextThatIsShownNamesAnotherSystem()
     {
         int named = 0;
-        const QString folder = QStringLiteral(MOSSBANK_SOURCE_DIR);
-        for (const QString& path : sourceFiles(folder)) {
-            if (!path.startsWith(u"Mossbank"_s) || path.startsWith(u"Mossbank/Translations/"_s))
+        for (const QString& path : sourceFiles(folder()) + viewFiles(folder())) {
+            if (!isShownFrom(path))
                 continue;
-            QFile file(folder + u'/' + path);
+            QFile file(folder() + u'/' + path);
             QVERIFY(file.open(QIODevice::ReadOnly));
             for (const QString& text : textsIn(QString::fromUtf8(file.readAll()))) {
                 named += namesAnotherSystem(text) ? 1 : 0;
@@ -66,6 +77,18 @@ private Q_SLOTS:
             }
         }
         QVERIFY2(named > 3, "the texts are not found");
+    }
+
+    void everyProgramIsLookedAt()
+    {
+        QStringList shown;
+        for (const QString& path : sourceFiles(folder()) + viewFiles(folder())) {
+            if (isShownFrom(path))
+                shown.append(path);
+        }
+        QVERIFY(shown.contains(u"mossbank-find/main.cpp"_s));
+        QVERIFY(shown.contains(u"Mossbank/Model/QuitGuard.cpp"_s));
+        QVERIFY(shown.contains(u"Mossbank/Views/QuitQuestion/QuitQuestionView.qml"_s));
     }
 
     void aTextInPiecesIsOne()

@@ -82,6 +82,10 @@ LoginService::Status XdgAutostart::status() const
 
 void XdgAutostart::registerItem()
 {
+    if (m_executable.isEmpty())
+        throw Failure(u"It is not known where this copy of Mossbank lies."_s);
+    if (isWithoutHome())
+        throw Failure(u"This copy of Mossbank is gone when it ends. Install it first."_s);
     const KeyFile file(g_key_file_new());
     const auto set = [&](const char* key, const QString& value) {
         g_key_file_set_string(file.get(), G_KEY_FILE_DESKTOP_GROUP, key,

@@ -31,12 +31,20 @@ Window {
         sequence: "Ctrl+Q"
         onActivated: window.answer.quit()
     }
+    WarningSign {
+        id: sign
+
+        anchors.left: parent.left
+        anchors.margins: 20
+        anchors.top: parent.top
+    }
     Text {
         id: message
 
         Accessible.name: text
         Accessible.role: Accessible.StaticText
-        anchors.left: parent.left
+        anchors.left: sign.right
+        anchors.leftMargin: 14
         anchors.margins: 20
         anchors.right: parent.right
         anchors.top: parent.top
