@@ -101,6 +101,22 @@ private Q_SLOTS:
         QCOMPARE(mossbank.terminal().count(u"excludedBundles"_s), told.isEmpty() ? 0 : 1);
     }
 
+    void slipsOfThePenAreTold()
+    {
+        VirtualDesktop desktop;
+        QVERIFY2(desktop.problem().isEmpty(), qPrintable(desktop.problem()));
+        RunningMossbank mossbank;
+        mossbank.choose({{u"retentionDays"_s, u"for ever"_s}, {u"excludedBundle"_s, u"a.b"_s}});
+        QVERIFY(mossbank.start());
+        QVERIFY2(mossbank.waitFor(u"Waiting for"_s), qPrintable(mossbank.terminal()));
+        QCOMPARE(mossbank.stop(SIGINT), 0);
+        for (const QString& told :
+             {u"retentionDays in %1 cannot be read, so that it counts as not chosen.\n"_s,
+              u"excludedBundle in %1 is none of Mossbank's choices.\n"_s})
+            QVERIFY2(mossbank.terminal().contains(told.arg(mossbank.choicesFile())),
+                     qPrintable(mossbank.terminal()));
+    }
+
     void aSecondStartFindsTheFirst()
     {
         VirtualDesktop desktop;

@@ -213,6 +213,8 @@ private Q_SLOTS:
 
     void whatHasBeenInstalledUnderTheProgramIsNotWhatRuns()
     {
+        QVERIFY(!isAnotherThanRuns(QCoreApplication::applicationFilePath()));
+        QVERIFY(!isAnotherThanRuns(kExecutable)); // not there
         QVERIFY(knowPackage());
         make(u"/usr/bin/env"_s); // there, and not this program
         QVERIFY(findPackage());

@@ -6,6 +6,7 @@
 #include "MossbankCore/Library/VaultKey.h"
 #include "tests/Fakes/FakeKeychain.h"
 #include "tests/Model/RecorderRig.h"
+#include "tests/Model/SavedPicture.h"
 
 #include <QSignalSpy>
 
@@ -30,6 +31,7 @@ extern "C" int EVP_EncryptUpdate(void* context, unsigned char* out, int* written
 }
 
 using namespace mossbank;
+using namespace mossbank::test;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -60,70 +62,6 @@ private Q_SLOTS:
         model.finishedLaunching(false);
         QCOMPARE(model.recorder().isRecording(), recordsAtLaunch);
         QVERIFY(!model.recorder().errorMessage());
-    }
-
-    void theLibraryIsPutInOrderAtTheStart()
-    {
-        RecorderRig rig(false);
-        FakeKeychain keychain;
-        keychain.failures = {{1, {2, u"The keyring is locked."_s}}};
-        {
-            AppModel before(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
-            QVERIFY(!ImageVault::isSealed(onlyPictureOf(before)));
-        }
-        AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
-        const QString cutShort = rig.libraryRoot() + u"/%1/A.jpg"_s;
-        for (const QString& place : {u"Images"_s, u"Pending"_s}) {
-            QFile file(cutShort.arg(place));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("x");
-            file.flush();
-            QVERIFY(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'600'000'000),
-                                     QFile::FileModificationTime));
-        }
-        model.finishedLaunching(false);
-        QTRY_COMPARE(rig.clock.sleepers(), std::size_t(1)); // between two batches
-        rig.clock.advance(0.2);
-        QTRY_COMPARE(model.recorder().status(), u"Encrypted 1 screenshot saved earlier"_s);
-        QVERIFY(!QFile::exists(cutShort.arg(u"Images"_s)));
-    }
-
-    void aSaveRemovesWhatIsTooOld_data()
-    {
-        QTest::addColumn<bool>("isReadable");
-        QTest::newRow("as chosen") << true;
-        QTest::newRow("what was chosen cannot be read") << false;
-    }
-    void aSaveRemovesWhatIsTooOld()
-    {
-        QFETCH(bool, isReadable);
-        RecorderRig rig(false);
-        const QString path = rig.folder.filePath(u"broken.ini"_s);
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(isReadable ? "" : "[General\nretentionDays=0\n");
-        file.close();
-        Preferences preferences(path);
-        AppModel model(rig.surroundings(preferences),
-                       OpenedLibrary::at(rig.libraryRoot(), nullptr));
-        onlyPictureOf(model);
-        model.recorder().stop();
-        const QString first = model.store()->fetch({.limit = 10}).result().at(0).id;
-        rig.clock.advance(31 * 86'400.0);
-        model.finishedLaunching(false);
-        QCoreApplication::processEvents();
-        QCOMPARE(model.store()->fetch({.limit = 10}).result().size(), 1);
-        rig.drawBlock({0, 0, 200, 150});
-        model.recorder().toggleRecording();
-        QTRY_VERIFY(!model.store()->fetch({.limit = 10}).result().isEmpty() &&
-                    model.store()->fetch({.limit = 10}).result().at(0).id != first);
-        if (isReadable) {
-            QTRY_COMPARE(model.store()->fetch({.limit = 10}).result().size(), 1);
-        } else {
-            QTRY_VERIFY(!model.recorder().isCapturing());
-            QTest::qWait(100);
-            QCOMPARE(model.store()->fetch({.limit = 10}).result().size(), 2);
-        }
     }
 
     void whoChoosesAddressesHasThemSwitchedOn()
@@ -343,21 +281,6 @@ private Q_SLOTS:
         reading.release();
         QTRY_COMPARE(ready.count(), 1);
         QVERIFY(!model.recorder().isCapturing());
-    }
-
-private:
-    /// Records until a picture is saved. What lies on the disk then.
-    static QByteArray onlyPictureOf(AppModel& model)
-    {
-        model.recorder().toggleRecording();
-        const QDir images(model.store()->images());
-        const auto isSaved = [&] {
-            return model.recorder().status().startsWith(u"Saved at "_s);
-        };
-        if (!QTest::qWaitFor(isSaved) || images.entryList(QDir::Files).size() != 1)
-            return {};
-        QFile file(images.filePath(images.entryList(QDir::Files).first()));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 };
 

@@ -147,12 +147,13 @@ private Q_SLOTS:
             refreshes.append(ChoiceLabels::refreshLabel(minutes));
         QCOMPARE(refreshes.join(u", "_s),
                  u"5 minutes, 10 minutes, 15 minutes, 30 minutes, 1 hour"_s);
-        QSet<QString> modes;
+        QStringList modes;
         for (const char16_t* const mode : ChoiceLists::kChangeModes)
-            modes.insert(ChoiceLabels::changeLabel(QString::fromUtf16(mode)));
+            modes.append(ChoiceLabels::changeLabel(QString::fromUtf16(mode)));
         for (const char16_t* const mode : ChoiceLists::kAppearanceModes)
-            modes.insert(ChoiceLabels::appearanceLabel(QString::fromUtf16(mode)));
-        QCOMPARE(modes.size(), 6);
+            modes.append(ChoiceLabels::appearanceLabel(QString::fromUtf16(mode)));
+        QCOMPARE(modes.join(u", "_s), u"Any change, Ignore what moves on its own, Only obvious "
+                                      "changes, Match System, Light, Dark"_s);
     }
 
     void whatIsSoByDefaultCanBeChosen()
@@ -165,8 +166,8 @@ private Q_SLOTS:
         QVERIFY(has(ChoiceLists::kIntervals, fresh.interval()));
         QVERIFY(has(ChoiceLists::kRetentionDays, fresh.retentionDays()));
         QVERIFY(has(ChoiceLists::kUnchangedRefreshMinutes, fresh.unchangedRefreshMinutes()));
-        QVERIFY(fresh.imageQuality() > ChoiceLists::kLeastImageQuality &&
-                fresh.imageQuality() < ChoiceLists::kMostImageQuality);
+        QCOMPARE(ChoiceLists::kLeastImageQuality, 0.4);
+        QCOMPARE(ChoiceLists::kMostImageQuality, 0.95);
         QVERIFY(has(ChoiceLists::kChangeModes, QStringView(fresh.changeMode())));
         QVERIFY(has(ChoiceLists::kAppearanceModes, QStringView(fresh.appearanceMode())));
     }

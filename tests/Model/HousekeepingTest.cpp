@@ -152,10 +152,12 @@ private Q_SLOTS:
     void aTidyingThatFailedIsTold()
     {
         cutShort(u"orphan"_s, 100);
+        m_rig->start();
         Housekeeping housekeeping(m_rig->surroundings(), *m_rig->recorder, m_rig->store.get());
         const BadDisk disk(m_rig->libraryRoot(), 1, BadDisk::Then::FailOn, EIO);
         QCoro::waitFor(housekeeping.tidyImages());
         QVERIFY(message().startsWith(u"Could not tidy the screenshot folder: "_s));
+        QVERIFY2(m_rig->recorder->isRecording(), "it is no reason to stop");
     }
 
     // Sealing

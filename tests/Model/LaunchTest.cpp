@@ -120,6 +120,18 @@ private Q_SLOTS:
         QVERIFY(!m_rig->preferences.recordsAfterRelaunch());
     }
 
+    void nobodyIsAskedWhetherAnUpdateIsMeant()
+    {
+        start();
+        m_model->launch().prepareForRelaunch();
+        QSignalSpy ready(m_model.get(), &AppModel::readyToQuit);
+        m_model->quitGuard().quit(QuitGuard::Cause::User);
+        settle();
+        QTRY_COMPARE(ready.count(), 1);
+        QCOMPARE(m_rig->quitQuestion.timesShown, 0);
+        QCOMPARE(m_rig->preferences.recordsAfterRelaunch(), std::optional(kMorning));
+    }
+
     void anUpdateWhileRecordingIsOffBringsNothingBack()
     {
         m_model->launch().prepareForRelaunch();
@@ -207,6 +219,17 @@ private Q_SLOTS:
         QVERIFY2(m_rig->preferences.pausedUntil(), "the user has not quit");
     }
 
+    void reopeningAsksNothingAlsoWhileRecording()
+    {
+        start();
+        QSignalSpy ready(m_model.get(), &AppModel::readyToQuit);
+        m_model->launch().reopen();
+        QCOMPARE(m_rig->relauncher.opened, 1);
+        settle();
+        QTRY_COMPARE(ready.count(), 1);
+        QCOMPARE(m_rig->quitQuestion.timesShown, 0);
+    }
+
     void howFarANewUserHasCome_data()
     {
         QTest::addColumn<qsizetype>("count");
@@ -252,7 +275,9 @@ private Q_SLOTS:
         m_model->finishedLaunching(false);
         QCOMPARE(m_model->loginItem().state(), LoginItem::State::On);
         m_rig->loginService.statusNow = LoginService::Status::NotRegistered;
+        QSignalSpy looking(&m_model->launch(), &Launch::systemMayHaveChanged);
         m_model->launch().becameActive();
+        QCOMPARE(looking.count(), 1);
         QCOMPARE(m_model->loginItem().state(), LoginItem::State::Off);
         QVERIFY(!m_rig->preferences.opensAtLogin());
     }

@@ -61,6 +61,12 @@ private Q_SLOTS:
             << false << QString() << Status::Enabled << true << kHere << none;
         QTest::newRow("no wish") << false << QString() << Status::NotRegistered << false
                                  << QString() << none;
+        QTest::newRow("this copy, nobody can tell")
+            << true << kHere << Status::Unknown << true << kHere << none;
+        QTest::newRow("a copy that has moved, nobody can tell")
+            << true << kBefore << Status::Unknown << true << kHere << registered;
+        QTest::newRow("no wish, nobody can tell")
+            << false << QString() << Status::Unknown << false << QString() << none;
         QTest::newRow("no wish, one elsewhere")
             << false << kBefore << Status::NotRegistered << false << kBefore << none;
     }

@@ -94,6 +94,15 @@ private Q_SLOTS:
         QTRY_VERIFY(!window());
     }
 
+    void itHasTheSignOfAWarning()
+    {
+        const auto answer = ask();
+        const auto* const sign = window()->findChild<QObject*>(u"sign"_s);
+        QVERIFY(sign);
+        QVERIFY(sign->property("visible").toBool());
+        QVERIFY(sign->property("width").toReal() >= 20);
+    }
+
     void itIsAskedOnceAtATimeAndAgain()
     {
         const auto answer = ask();

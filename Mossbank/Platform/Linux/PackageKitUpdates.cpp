@@ -20,15 +20,13 @@ QString isFromNoPackage()
            "versions."_s;
 }
 
-/// Whether the program that lies there is not the one that runs: a package's files are put in the
-/// place of those before them.
+} // namespace
+
 bool isAnotherThanRuns(const QString& executable)
 {
     const Files::Identity there = Files::identity(executable);
     return there != Files::Identity() && there != Files::identity(u"/proc/self/exe"_s);
 }
-
-} // namespace
 
 bool mayBeFromPackage(const QString& executable)
 {

@@ -62,6 +62,10 @@ private:
     bool m_isChecking = false;
 };
 
+/// Whether the program that lies there is not the one that runs: a package's files are put in the
+/// place of those before them.
+bool isAnotherThanRuns(const QString& executable);
+
 /// Whether a program that lies there may be from a package of the distribution.
 bool mayBeFromPackage(const QString& executable);
 

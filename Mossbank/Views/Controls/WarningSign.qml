@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import Mossbank.Views
 
 /// Tells at a glance that something is at stake. Whatever stands beside it says what.
 Rectangle {

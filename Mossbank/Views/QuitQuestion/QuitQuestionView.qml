@@ -34,6 +34,8 @@ Window {
     WarningSign {
         id: sign
 
+        objectName: "sign"
+
         anchors.left: parent.left
         anchors.margins: 20
         anchors.top: parent.top
