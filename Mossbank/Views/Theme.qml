@@ -22,8 +22,8 @@ QtObject {
     readonly property color accentInk: isDark ? "#191b18" : "#ffffff"
 
     /// What the user should stop at, and what is written on it.
-    readonly property color warning: isDark ? "#e3b765" : "#8f5a12"
-    readonly property color warningInk: accentInk
+    readonly property color waiting: isDark ? "#e0a83e" : "#c98a1b"
+    readonly property color waitingInk: isDark ? "#191b18" : "#23261f"
 
     /// The desktop's own size of type, beside the usual one of ten points.
     readonly property real scale: Application.font.pointSize > 0 ? Application.font.pointSize / 10 : 1
