@@ -162,6 +162,19 @@ bool isMark(UChar32 codePoint)
     return (U_GET_GC_MASK(codePoint) & U_GC_M_MASK) != 0;
 }
 
+bool isLetterOrNumber(UChar32 codePoint)
+{
+    return (U_GET_GC_MASK(codePoint) & (U_GC_L_MASK | U_GC_N_MASK)) != 0;
+}
+
+/// What belongs to the character before it: accents, and what joins two letters or parts them.
+bool continuesCharacter(UChar32 codePoint)
+{
+    constexpr UChar32 kZeroWidthNonJoiner = 0x200c;
+    constexpr UChar32 kZeroWidthJoiner = 0x200d;
+    return isMark(codePoint) || codePoint == kZeroWidthNonJoiner || codePoint == kZeroWidthJoiner;
+}
+
 } // namespace
 
 bool Characters::isAlphanumeric(char32_t codePoint)
@@ -194,6 +207,39 @@ std::vector<QStringView> Characters::words(QStringView text)
     }
     finish();
     return words;
+}
+
+bool Characters::isWithinWord(QStringView text, qsizetype place)
+{
+    while (place > 0) {
+        UChar32 codePoint = 0;
+        U16_PREV(units(text), 0, place, codePoint);
+        if (!continuesCharacter(codePoint))
+            return isLetterOrNumber(codePoint);
+    }
+    return false;
+}
+
+qsizetype Characters::endOfWord(QStringView text, qsizetype place)
+{
+    qsizetype next = place;
+    while (next < text.size()) {
+        UChar32 codePoint = 0;
+        U16_NEXT(units(text), next, text.size(), codePoint);
+        if (!isLetterOrNumber(codePoint) && !continuesCharacter(codePoint))
+            break;
+        place = next;
+    }
+    return place;
+}
+
+bool Characters::beginsUpperCase(QStringView text)
+{
+    if (text.isEmpty())
+        return false;
+    UChar32 codePoint = 0;
+    U16_GET(units(text), 0, 0, text.size(), codePoint);
+    return u_isupper(codePoint) != 0;
 }
 
 QString Characters::lowercased(QStringView text)

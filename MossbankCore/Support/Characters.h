@@ -40,6 +40,15 @@ public:
     /// such as what makes a sign an emoji, is no word.
     static std::vector<QStringView> words(QStringView text);
 
+    /// Whether a letter or a number ends at `place`, in UTF-16 units.
+    static bool isWithinWord(QStringView text, qsizetype place);
+
+    /// Where the letters and numbers that begin at `place` end: there, if there are none.
+    static qsizetype endOfWord(QStringView text, qsizetype place);
+
+    /// Whether the first code point is an upper-case letter.
+    static bool beginsUpperCase(QStringView text);
+
     /// Lower case by Unicode's full rules, whatever the language of the machine: "I" is "i" for
     /// a Turkish user too, and "İ" an "i" with its dot as a mark.
     static QString lowercased(QStringView text);
