@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <gio/gdesktopappinfo.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 using namespace mossbank;
@@ -119,6 +120,19 @@ private Q_SLOTS:
         QCOMPARE(failureOf([&] { service.registerItem(); }),
                  u"This copy of Mossbank is gone when it ends. Install it first."_s);
         QVERIFY(!QFile::exists(service.entry()));
+    }
+
+    void aPipeInItsPlaceIsNeitherReadNorWrittenOver()
+    {
+        const QString pipe = m_folder->filePath(u"pipe"_s);
+        QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        XdgAutostart service(u"/opt/heron"_s, kIdentity);
+        QVERIFY(QDir().mkpath(QFileInfo(service.entry()).path()));
+        QVERIFY(QFile::link(pipe, service.entry()));
+        QCOMPARE(service.status(), Status::NotRegistered);
+        QVERIFY(failureOf([&] { service.registerItem(); }).contains(service.entry()));
+        QVERIFY(QFileInfo::exists(pipe));
+        QVERIFY(!QFileInfo(pipe).isFile());
     }
 
     // GLib does not start such a program at all, other desktops do.

@@ -25,8 +25,18 @@ using Text = std::unique_ptr<char, GlibFree<g_free>>;
 
 constexpr char kGnomesSwitch[] = "X-GNOME-Autostart-enabled";
 
+/// Opening a pipe would wait for somebody to write to it, and what is written in place of a link
+/// goes to where that leads.
+bool isSomethingElse(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() && !info.isFile();
+}
+
 KeyFile read(const QString& path)
 {
+    if (isSomethingElse(path))
+        return nullptr;
     KeyFile file(g_key_file_new());
     const bool isRead = g_key_file_load_from_file(file.get(), QFile::encodeName(path).constData(),
                                                   G_KEY_FILE_NONE, nullptr) != FALSE;
@@ -98,6 +108,8 @@ void XdgAutostart::registerItem()
     gsize length = 0;
     const Text text(g_key_file_to_data(file.get(), &length, nullptr));
 
+    if (isSomethingElse(m_entry))
+        throw Failure(u"%1 cannot be written: it is no ordinary file."_s.arg(m_entry));
     QDir().mkpath(QFileInfo(m_entry).path());
     QSaveFile entry(m_entry);
     const auto size = static_cast<qint64>(length);
