@@ -60,6 +60,17 @@ private Q_SLOTS:
         QCOMPARE(m_told, QStringList{kScreensWake});
     }
 
+    void aServerWithoutADisplayIsAsleepAndTheNextDisplayIsTold()
+    {
+        watch();
+        QVERIFY(!m_state->isMainDisplayAsleep());
+        QVERIFY(xrandr({u"--output"_s, u"screen"_s, u"--off"_s, u"--fb"_s, u"1280x720"_s}));
+        QVERIFY(m_state->isMainDisplayAsleep());
+        QVERIFY(xrandr({u"--output"_s, u"screen"_s, u"--auto"_s}));
+        QVERIFY(!m_state->isMainDisplayAsleep());
+        QTRY_COMPARE_WITH_TIMEOUT(m_told, QStringList{kScreensWake}, 6000);
+    }
+
     // No virtual server has DPMS; this is what is made of its answer.
     void displaysAreOffByTheirLevelWhereThatIsInUse_data()
     {
@@ -104,9 +115,12 @@ private:
             [this](ReturnEvent event) { m_told.append(event.name()); });
     }
 
-    bool xset(const QString& what)
+    bool xset(const QString& what) { return run(u"xset"_s, {u"s"_s, what}); }
+    bool xrandr(const QStringList& arguments) { return run(u"xrandr"_s, arguments); }
+
+    bool run(const QString& program, const QStringList& arguments)
     {
-        const auto outcome = m_desktop->run(u"xset"_s, {u"s"_s, what}, u"x11-xserver-utils"_s);
+        const auto outcome = m_desktop->run(program, arguments, u"x11-xserver-utils"_s);
         if (!outcome.isSuccess)
             qWarning("%s", qPrintable(outcome.text));
         return outcome.isSuccess;

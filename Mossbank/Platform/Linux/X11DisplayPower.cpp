@@ -4,6 +4,7 @@
 #include "MossbankCore/Support/Failure.h"
 
 #include <xcb/dpms.h>
+#include <xcb/randr.h>
 #include <xcb/screensaver.h>
 
 namespace mossbank {
@@ -22,7 +23,7 @@ std::optional<bool> X11DisplayPower::isAsleep()
         return std::nullopt;
     }
     m_connection->forgetSilence();
-    const bool isAsleep = isOff() || isBlanked();
+    const bool isAsleep = isOff() || isBlanked() || areNone();
     if (m_connection->isSilent() || m_connection->isBroken())
         return std::nullopt;
     return isAsleep;
@@ -48,6 +49,16 @@ bool X11DisplayPower::isBlanked() const
     const auto saver = m_connection->reply<xcb_screensaver_query_info_reply_t>(
         xcb_screensaver_query_info(*m_connection, m_connection->root()));
     return saver && saver->state == XCB_SCREENSAVER_STATE_ON;
+}
+
+/// Displays that were switched off one by one, as a closed lid or a docking station may do.
+bool X11DisplayPower::areNone() const
+{
+    if (!m_connection->hasRandr())
+        return false;
+    const auto displays = m_connection->reply<xcb_randr_get_monitors_reply_t>(
+        xcb_randr_get_monitors(*m_connection, m_connection->root(), 1));
+    return displays && displays->nMonitors == 0;
 }
 
 } // namespace mossbank

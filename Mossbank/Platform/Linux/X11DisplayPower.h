@@ -8,7 +8,8 @@
 
 namespace mossbank {
 
-/// Whether the displays of the X server are off or blanked. Servers without DPMS are ordinary.
+/// Whether the displays of the X server are off or blanked, or there are none. Servers without DPMS
+/// are ordinary.
 ///
 /// Threading: one thread. Waits for the server a short while only.
 class X11DisplayPower {
@@ -27,6 +28,7 @@ public:
 private:
     bool isOff() const;
     bool isBlanked() const;
+    bool areNone() const;
 
     /// Absent while there is no server.
     std::unique_ptr<X11Connection> m_connection;
