@@ -20,11 +20,14 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Absent also for what is no file: a pipe would be waited for.
+/// Absent also for what is no file, since a pipe would be waited for, and for what is far too large
+/// to hold choices: reading 100 MB as such takes many seconds and more than a gigabyte of memory.
 std::optional<QByteArray> contentOf(const QString& path)
 {
+    constexpr qint64 kMostBytes = 1024 * 1024;
+    const QFileInfo place(path);
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    if (!place.isFile() || place.size() > kMostBytes || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
     const QByteArray content = file.readAll();
     return file.error() == QFile::NoError ? std::optional(content) : std::nullopt;
@@ -180,8 +183,9 @@ bool ChoicesFile::writeAnew(const QVariantMap& values) const
         const auto content = contentOf(draft);
         if (!content && !values.isEmpty())
             return false;
-        Files::writeAtomically(place.isSymLink() ? place.symLinkTarget() : m_path,
-                               content.value_or(QByteArray()));
+        // A link may lead to another.
+        const QString end = place.exists() ? place.canonicalFilePath() : place.symLinkTarget();
+        Files::writeAtomically(place.isSymLink() ? end : m_path, content.value_or(QByteArray()));
     } catch (const FileError&) {
         return false;
     }

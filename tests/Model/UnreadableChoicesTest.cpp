@@ -175,6 +175,33 @@ excludedBundles="a, ; \"b\"", c.d ; a "remark
         QVERIFY(QFile::remove(path()));
     }
 
+    void farTooLargeAFileIsLeftAlone()
+    {
+        const QByteArray large = "[General]\nrecordsAtLaunch=true\n" + QByteArray(2'000'000, '\n');
+        QVERIFY(write(path(), large));
+        Preferences preferences(path());
+        QVERIFY(!preferences.isReadable());
+        QVERIFY(!preferences.recordsAtLaunch());
+        QSignalSpy told(&preferences, &Preferences::cannotBeStored);
+        preferences.setInterval(7);
+        QCOMPARE(told.size(), 1);
+        QCOMPARE(contentOf(path()), large);
+        QVERIFY(!QFile::exists(kept()));
+    }
+
+    void aLinkToALinkStaysOne()
+    {
+        const QString target = m_folder.filePath(u"elsewhere.ini"_s);
+        const QString between = m_folder.filePath(u"between.ini"_s);
+        QVERIFY(write(target, "[General]\nmine=1\n"));
+        QVERIFY(QFile::link(target, between));
+        QVERIFY(QFile::link(between, path()));
+        Preferences(path()).setInterval(7);
+        QVERIFY(QFileInfo(path()).isSymLink());
+        QVERIFY(QFileInfo(between).isSymLink());
+        QCOMPARE(contentOf(target), "[General]\ninterval=7\nmine=1\n");
+    }
+
     void aLinkStaysOne()
     {
         const QString target = m_folder.filePath(u"elsewhere.ini"_s);
