@@ -25,6 +25,7 @@ const QString kFind = QStringLiteral(MOSSBANK_BINARY_DIR "/mossbank-find/mossban
 } // namespace
 
 RunningMossbank::RunningMossbank()
+    : m_program(kMossbank)
 {
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     QDir().mkpath(m_home.filePath(u"run"_s));
@@ -87,11 +88,24 @@ QString RunningMossbank::choicesFile() const
     return m_home.filePath(u"config/Mossbank/Mossbank.ini"_s);
 }
 
+QString RunningMossbank::choice(const QString& key) const
+{
+    QFile file(choicesFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QString beginning = key + u'=';
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        if (line.startsWith(beginning))
+            return line.mid(beginning.size());
+    }
+    return {};
+}
+
 bool RunningMossbank::start(const QStringList& arguments)
 {
     m_terminal.clear();
     m_process.setProcessEnvironment(environment());
-    m_process.start(kMossbank, arguments);
+    m_process.start(m_program, arguments);
     return m_process.waitForStarted(kPatience);
 }
 
@@ -156,19 +170,23 @@ RunningMossbank::Found RunningMossbank::startAgain(const QString& dataHome) cons
     QProcessEnvironment asBefore = environment();
     if (!dataHome.isEmpty())
         asBefore.insert(u"XDG_DATA_HOME"_s, dataHome);
-    return runToEnd(kMossbank, {}, asBefore);
+    return runToEnd(m_program, {}, asBefore);
+}
+
+std::unique_ptr<QProcess> RunningMossbank::startAnother(const QStringList& arguments) const
+{
+    auto process = std::make_unique<QProcess>();
+    process->setProcessChannelMode(QProcess::MergedChannels);
+    process->setProcessEnvironment(environment());
+    process->start(m_program, arguments);
+    return process;
 }
 
 std::vector<std::unique_ptr<QProcess>> RunningMossbank::startTogether(int count) const
 {
     std::vector<std::unique_ptr<QProcess>> processes;
-    for (int number = 0; number < count; ++number) {
-        auto process = std::make_unique<QProcess>();
-        process->setProcessChannelMode(QProcess::MergedChannels);
-        process->setProcessEnvironment(environment());
-        process->start(kMossbank);
-        processes.push_back(std::move(process));
-    }
+    for (int number = 0; number < count; ++number)
+        processes.push_back(startAnother());
     return processes;
 }
 

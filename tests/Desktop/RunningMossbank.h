@@ -36,6 +36,8 @@ public:
     /// What the new process does before the program begins in it. Only what a process may do
     /// between fork and exec.
     void setBeginning(const std::function<void()>& beginning);
+    /// What is started in its place, as where it has been moved to. Before `start`.
+    void setProgram(const QString& path) { m_program = path; }
     /// Starts the program on the display that DISPLAY names.
     bool start(const QStringList& arguments = {});
     /// Sends a signal and waits for the end. The exit status, or -1 when it does not end.
@@ -62,11 +64,15 @@ public:
     /// Another start of the program with the same home, and with the folder for application data
     /// written another way where that is given.
     Found startAgain(const QString& dataHome = {}) const;
+    /// Another start with the same home that is not waited for. Ended by whoever asked for it.
+    std::unique_ptr<QProcess> startAnother(const QStringList& arguments = {}) const;
     /// Further starts with the same home, so many at once. Ended by whoever asked for them.
     std::vector<std::unique_ptr<QProcess>> startTogether(int count) const;
     /// The folder that all of it lies in.
     QString home() const { return m_home.path(); }
     QString choicesFile() const;
+    /// What is written there for one choice. Null where nothing is.
+    QString choice(const QString& key) const;
 
 private:
     QProcessEnvironment environment() const;
@@ -74,6 +80,7 @@ private:
                    const QProcessEnvironment& environment) const;
 
     QTemporaryDir m_home;
+    QString m_program;
     QString m_sessionBus;
     QMap<QString, QString> m_variables;
     QProcess m_process;

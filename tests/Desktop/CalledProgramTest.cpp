@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The real program and what calls it over the session bus: another start, the desktop that starts
+// it at login, and a menu that has it quit. The question before the end is a real window.
+#include "tests/Desktop/CalledMossbank.h"
+
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+using namespace mossbank;
+using namespace mossbank::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kRecords = u"Waiting for your next screen"_s;
+const QString kRests = u"Recording is off"_s;
+const QString kQuestion = u"Mossbank is recording"_s;
+const QString kQuit = u"quit"_s;
+
+} // namespace
+
+class CalledProgramTest final : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<CalledMossbank> m_called;
+
+    RunningMossbank& mossbank() { return m_called->mossbank(); }
+
+    QString runningAs()
+    {
+        return u"Mossbank is already running (process %1).\n"_s.arg(mossbank().process());
+    }
+
+    /// Started as it is to be, and ready to be called.
+    bool startAndListen(const QString& line, const QStringList& arguments = {})
+    {
+        return m_called->start(line, arguments) && m_called->waitUntilFound() && m_called->listen();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_called = std::make_unique<CalledMossbank>();
+        QVERIFY2(m_called->problem().isEmpty(), qPrintable(m_called->problem()));
+    }
+    void cleanup() { m_called.reset(); }
+
+    void anotherStartCallsTheFirstAndIsDone()
+    {
+        QVERIFY(startAndListen(kRecords));
+        const auto second = mossbank().startAgain();
+        QCOMPARE(second.text, runningAs());
+        QCOMPARE(second.status, 0);
+        QTRY_COMPARE(m_called->calls(), QStringList{u"Activate"_s});
+        // The call has nothing stop.
+        QVERIFY(m_called->waitForAnotherPicture());
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+    }
+
+    void anotherStartBringsTheWindowToTheFront()
+    {
+        QVERIFY(startAndListen(kRecords));
+        QVERIFY(m_called->ask(kQuit));
+        const quint32 question = m_called->window(kQuestion);
+        QVERIFY(question != 0 && m_called->waitUntilActive(question));
+        QVERIFY(m_called->turnAway());
+        QCOMPARE(mossbank().startAgain().status, 0);
+        QVERIFY(m_called->waitUntilActive(question));
+        QCOMPARE(m_called->windows(), 1);
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(CalledProgramTest)
+#include "CalledProgramTest.moc"
