@@ -16,9 +16,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString kRecords = u"Waiting for your next screen"_s;
+const QString kPauses = u"Paused until "_s;
 const QString kRests = u"Recording is off"_s;
 const QString kQuestion = u"Mossbank is recording"_s;
 const QString kQuit = u"quit"_s;
+const QString kAtLogin = u"--at-login"_s;
+
+constexpr int kPatience = 20'000;
 
 } // namespace
 
@@ -70,6 +74,92 @@ private Q_SLOTS:
         QCOMPARE(mossbank().startAgain().status, 0);
         QVERIFY(m_called->waitUntilActive(question));
         QCOMPARE(m_called->windows(), 1);
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+    }
+
+    void quitWhileItRecordsIsAskedAbout()
+    {
+        QVERIFY(startAndListen(kRecords));
+        QVERIFY(m_called->ask(kQuit));
+        const quint32 question = m_called->window(kQuestion);
+        QVERIFY(question != 0 && m_called->waitUntilActive(question));
+        QVERIFY(m_called->press(u"Escape"_s));
+        QVERIFY(m_called->waitUntilNoWindow());
+        QVERIFY(m_called->waitForAnotherPicture());
+        // As it says before it begins.
+        QCOMPARE(mossbank().terminal().count(kRests), 1);
+
+        // It is asked again, about one quit at a time.
+        QVERIFY(m_called->ask(kQuit));
+        const quint32 again = m_called->window(kQuestion);
+        QVERIFY(again != 0 && m_called->waitUntilActive(again));
+        QVERIFY(m_called->turnAway());
+        QVERIFY(m_called->ask(kQuit));
+        QVERIFY(m_called->waitUntilActive(again));
+        QCOMPARE(m_called->windows(), 1);
+        QVERIFY(m_called->press(u"ctrl+q"_s));
+        QCOMPARE(mossbank().waitForEnd(), 0);
+        QVERIFY(mossbank().choice(u"pausedUntil"_s).isNull());
+        QVERIFY(mossbank().choice(u"recordsAfterRelaunch"_s).isNull());
+        QCOMPARE(mossbank().rows().size(), mossbank().pictureFiles().size());
+    }
+
+    void quitWhileItRestsIsTheEnd()
+    {
+        m_called->choose({{u"recordsAtLaunch"_s, u"false"_s}});
+        QVERIFY(startAndListen(kRests));
+        QVERIFY(m_called->ask(kQuit));
+        QCOMPARE(mossbank().waitForEnd(), 0);
+    }
+
+    void quitWhileItPausesIsTheEndAlsoOfThePause()
+    {
+        m_called->choose({{u"pausedUntil"_s, inSeconds(3600)}});
+        QVERIFY(startAndListen(kPauses));
+        QVERIFY(!mossbank().choice(u"pausedUntil"_s).isNull());
+        QVERIFY(m_called->ask(kQuit));
+        QCOMPARE(mossbank().waitForEnd(), 0);
+        QVERIFY(mossbank().choice(u"pausedUntil"_s).isNull());
+    }
+
+    void whatIsNoActionOfItDoesNothing()
+    {
+        QVERIFY(startAndListen(kRecords));
+        QVERIFY(m_called->ask(u"Quit"_s));
+        QVERIFY(m_called->ask(u"delete-all"_s));
+        QVERIFY(m_called->waitForAnotherPicture());
+        QCOMPARE(m_called->windows(), 0);
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+    }
+
+    void atLoginItRecordsAndShowsNothing()
+    {
+        QVERIFY(startAndListen(kRecords, {kAtLogin}));
+        QVERIFY(m_called->waitForAnotherPicture());
+        QVERIFY(m_called->waitForAnotherPicture());
+        QCOMPARE(m_called->windows(), 0);
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+    }
+
+    void atLoginItRestsWhereTheUserWantsThat()
+    {
+        m_called->choose({{u"recordsAtLaunch"_s, u"false"_s}});
+        QVERIFY(startAndListen(kRests, {kAtLogin}));
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+        QVERIFY(!mossbank().terminal().contains(kRecords));
+        QCOMPARE(mossbank().pictureFiles(), QStringList());
+    }
+
+    void atLoginOneThatRunsIsLeftAlone()
+    {
+        QVERIFY(startAndListen(kRecords));
+        const auto second = mossbank().startAnother({kAtLogin});
+        QVERIFY(second->waitForFinished(kPatience));
+        QCOMPARE(second->exitCode(), 0);
+        QCOMPARE(QString::fromLocal8Bit(second->readAll()), runningAs());
+        // Whatever had come would have come before this.
+        QCOMPARE(mossbank().startAgain().status, 0);
+        QTRY_COMPARE(m_called->calls(), QStringList{u"Activate"_s});
         QCOMPARE(mossbank().stop(SIGTERM), 0);
     }
 };

@@ -3,6 +3,7 @@
 
 #include "MossbankCore/Library/HistoryStore.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -23,6 +24,11 @@ const QString kMossbank = QStringLiteral(MOSSBANK_BINARY_DIR "/Mossbank/mossbank
 const QString kFind = QStringLiteral(MOSSBANK_BINARY_DIR "/mossbank-find/mossbank-find");
 
 } // namespace
+
+QString inSeconds(int seconds)
+{
+    return QDateTime::currentDateTimeUtc().addSecs(seconds).toString(Qt::ISODateWithMs);
+}
 
 RunningMossbank::RunningMossbank()
     : m_program(kMossbank)

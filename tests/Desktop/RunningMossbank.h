@@ -16,6 +16,9 @@
 
 namespace mossbank::test {
 
+/// A moment so many seconds from now, as it is written among the choices.
+QString inSeconds(int seconds);
+
 /// The real programs with a home of their own.
 class RunningMossbank {
 public:
