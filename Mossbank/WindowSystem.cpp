@@ -74,6 +74,7 @@ void whileRunning(QtMsgType type, const QMessageLogContext& context, const QStri
 std::unique_ptr<QGuiApplication> makeWindowedApplication(int& argc, char** argv)
 {
     g_usual = qInstallMessageHandler(whileStarting);
+    outliveSessionManager();
     auto application = std::make_unique<QGuiApplication>(argc, argv);
     g_hasGone = windowSystemHasGone();
     qInstallMessageHandler(whileRunning);

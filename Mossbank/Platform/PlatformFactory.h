@@ -47,6 +47,10 @@ struct Platform {
 /// otherwise ends a program that cannot.
 Availability windowsAvailability();
 
+/// From now on the program lives on when the session manager that Qt joins has gone. Before Qt
+/// connects to the desktop.
+void outliveSessionManager();
+
 /// A question for any thread: whether what Qt has its windows on has gone. Made by the main thread
 /// once the application object is there; not asked after that has gone.
 std::function<bool()> windowSystemHasGone();

@@ -148,6 +148,18 @@ bool MockedLogind::knowOfSleep(bool isBeginning)
                           {kManager, QVariantMap{{u"PreparingForSleep"_s, isBeginning}}});
 }
 
+bool MockedLogind::invalidate(const QString& property)
+{
+    const auto argument = [](const QVariant& value) {
+        return QVariant::fromValue(QDBusVariant(value));
+    };
+    return m_service.mock(m_session, u"EmitSignal"_s,
+                          {u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s,
+                           u"sa{sv}as"_s,
+                           QVariantList{argument(kSession), argument(QVariantMap()),
+                                        argument(QStringList{property})}});
+}
+
 bool MockedLogind::emitSignal(const QString& name, const QString& signature, const QVariant& value)
 {
     return m_service.mock(

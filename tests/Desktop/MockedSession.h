@@ -65,6 +65,8 @@ public:
     bool knowOfSleep(bool isBeginning);
     /// Says something of the session, of whatever type.
     bool tell(const QString& property, const QVariant& value);
+    /// Says of the session only that something is no longer what it was.
+    bool invalidate(const QString& property);
     /// The manager tells something, of whatever type.
     bool emitSignal(const QString& name, const QString& signature, const QVariant& value);
 
