@@ -117,15 +117,17 @@ bool RunningMossbank::start(const QStringList& arguments)
 
 int RunningMossbank::stop(int signal)
 {
-    ::kill(static_cast<pid_t>(m_process.processId()), signal);
+    // One that has ended has no number, and 0 stands for this very test.
+    if (m_process.state() == QProcess::Running)
+        ::kill(static_cast<pid_t>(m_process.processId()), signal);
     return waitForEnd();
 }
 
 int RunningMossbank::waitForEnd()
 {
-    if (!m_process.waitForFinished(kPatience) || m_process.exitStatus() != QProcess::NormalExit)
-        return -1;
-    return m_process.exitCode();
+    const bool hasEnded =
+        m_process.state() == QProcess::NotRunning || m_process.waitForFinished(kPatience);
+    return hasEnded && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
 bool RunningMossbank::waitFor(const QString& line, int times)

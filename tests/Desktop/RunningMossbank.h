@@ -43,7 +43,8 @@ public:
     void setProgram(const QString& path) { m_program = path; }
     /// Starts the program on the display that DISPLAY names.
     bool start(const QStringList& arguments = {});
-    /// Sends a signal and waits for the end. The exit status, or -1 when it does not end.
+    /// Sends a signal, if it still runs, and waits for the end. The exit status, or -1 when it does
+    /// not end.
     int stop(int signal);
     /// Waits until the terminal shows `line` somewhere, so many times.
     bool waitFor(const QString& line, int times = 1);
