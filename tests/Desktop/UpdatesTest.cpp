@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is asked of PackageKit, when, and what its answers come to: on a real system bus.
-#include "Mossbank/Platform/Linux/PackageKitUpdates.h"
-#include "tests/Contract/Contract.h"
-#include "tests/Desktop/MockedPackageKit.h"
-#include "tests/Desktop/TestBus.h"
+// What is asked of PackageKit in a check, and what its answers come to: on a real system bus.
+#include "tests/Desktop/AskedPackageKitTest.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTest>
 
 #include <csignal>
-#include <memory>
 
 using namespace mossbank;
 using namespace mossbank::test;
@@ -21,105 +16,18 @@ using Kind = UpdateAnswer::Kind;
 
 namespace {
 
-const QString kExecutable = u"/usr/bin/heron"_s;
-const QString kInstalled = u"heron;1.0-1;amd64;manual:marsh"_s;
 const QString kAuthorization = u"Obtaining authorization failed."_s;
 
-constexpr int kPatience = 20'000;
-/// For what must not come to have come.
-constexpr int kLongEnough = 200;
 constexpr int kNotAuthorized = 48;
 constexpr int kNoNetwork = 2;
 constexpr int kFailed = 2;
 
 } // namespace
 
-class UpdatesTest final : public QObject {
+class UpdatesTest final : public AskedPackageKitTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_answers.clear();
-        m_changes = 0;
-        m_bus = std::make_unique<TestBus>(TestBus::Kind::System);
-        QVERIFY2(m_bus->problem().isEmpty(), qPrintable(m_bus->problem()));
-        m_packageKit = std::make_unique<MockedPackageKit>(*m_bus);
-        QVERIFY2(m_packageKit->problem().isEmpty(), qPrintable(m_packageKit->problem()));
-    }
-
-    void cleanup()
-    {
-        m_updates.reset();
-        m_packageKit.reset();
-        m_bus.reset();
-    }
-
-    void onlyWhatTheDistributionMayHaveInstalledIsAskedAbout_data()
-    {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<bool>("isAsked");
-        QTest::newRow("a package's") << u"/usr/bin/heron"_s << true;
-        QTest::newRow("a package's library") << u"/usr/lib/heron/heron"_s << true;
-        QTest::newRow("the owner's own") << u"/usr/local/bin/heron"_s << false;
-        QTest::newRow("a home's") << u"/home/heron/bin/heron"_s << false;
-        QTest::newRow("added") << u"/opt/heron/heron"_s << false;
-        QTest::newRow("out again") << u"/usr/../home/heron"_s << false;
-        QTest::newRow("named alike") << u"/usrlocal/heron"_s << false;
-        QTest::newRow("nowhere") << QString() << false;
-    }
-    void onlyWhatTheDistributionMayHaveInstalledIsAskedAbout()
-    {
-        QFETCH(QString, path);
-        QFETCH(bool, isAsked);
-        make(path);
-        QVERIFY(!m_updates->canCheckForUpdates());
-        if (isAsked) {
-            QTRY_VERIFY(m_packageKit->told().size() >= 3);
-            return;
-        }
-        m_updates->checkForUpdates();
-        QTRY_COMPARE(m_answers.size(), 1);
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_packageKit->told(), QStringList());
-        QVERIFY(!m_updates->availability().isAvailable);
-        QCOMPARE(m_answers, QList{UpdateAnswer::failed(m_updates->availability().reason)});
-        QCOMPARE(m_changes, 0);
-    }
-
-    void nothingIsAskedUnasked()
-    {
-        QVERIFY(knowPackage());
-        make();
-        QVERIFY(m_updates->availability().isAvailable);
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_packageKit->told(), QStringList());
-        QVERIFY(findPackage());
-        QTest::qWait(kLongEnough);
-        for (int time = 0; time < 10; ++time)
-            QVERIFY(m_updates->canCheckForUpdates());
-        QTest::qWait(kLongEnough);
-        // Whose the program is, once, and nothing else.
-        QCOMPARE(told(), QStringList{u"SearchFiles[4, [\"/usr/bin/heron\"]]"_s});
-        QCOMPARE(m_changes, 1);
-        QCOMPARE(m_answers.size(), 0);
-    }
-
-    void aProgramOfNoPackageHasNoUpdates()
-    {
-        QVERIFY(m_packageKit->behave(u"SearchFiles"_s, {MockedPackageKit::finished()}));
-        make(kExecutable, {.again = 0ms});
-        QVERIFY(!m_updates->canCheckForUpdates());
-        QTRY_VERIFY(!m_updates->availability().isAvailable);
-        QVERIFY(isSound(m_updates->availability()));
-        for (int time = 0; time < 10; ++time)
-            QVERIFY(!m_updates->canCheckForUpdates());
-        QTest::qWait(kLongEnough);
-        QCOMPARE(told().size(), 1);
-        m_updates->checkForUpdates();
-        QTRY_COMPARE(m_answers, QList{UpdateAnswer::failed(m_updates->availability().reason)});
-    }
-
     void aCheckTellsWhatThereIs_data()
     {
         QTest::addColumn<QStringList>("refresh");
@@ -319,41 +227,6 @@ private Q_SLOTS:
         QVERIFY(m_updates->canCheckForUpdates());
     }
 
-    void withoutPackageKitItSaysSoAndAsksAgainLater()
-    {
-        m_packageKit.reset();
-        make(kExecutable, {.again = 0ms});
-        QVERIFY(!m_updates->canCheckForUpdates());
-        QTRY_COMPARE(m_updates->availability(),
-                     Availability::missing(u"PackageKit is not installed."_s));
-        m_packageKit = std::make_unique<MockedPackageKit>(*m_bus);
-        QVERIFY(knowPackage());
-        QVERIFY(findPackage());
-        QVERIFY(m_updates->availability().isAvailable);
-    }
-
-    void whoDidNotAnswerIsLeftAloneForAWhile()
-    {
-        m_packageKit.reset();
-        make();
-        QVERIFY(!m_updates->canCheckForUpdates());
-        QTRY_VERIFY(!m_updates->availability().isAvailable);
-        m_packageKit = std::make_unique<MockedPackageKit>(*m_bus);
-        QVERIFY(knowPackage());
-        QVERIFY(!m_updates->canCheckForUpdates());
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_packageKit->told(), QStringList());
-    }
-
-    void withoutABusItSaysSo()
-    {
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/bus");
-        make();
-        QVERIFY(!m_updates->canCheckForUpdates());
-        QTRY_COMPARE(m_updates->availability(),
-                     Availability::missing(u"The system bus does not answer."_s));
-    }
-
     void aCheckBeforeItIsKnownWhoseTheProgramIsFails()
     {
         make();
@@ -408,44 +281,6 @@ private Q_SLOTS:
         make();
         QVERIFY(findPackage());
     }
-
-private:
-    void make(const QString& executable = kExecutable, const PackageKitUpdates::Limits& limits = {})
-    {
-        m_updates = std::make_unique<PackageKitUpdates>(executable, limits);
-        connect(m_updates.get(), &Updates::checked, this,
-                [this](const UpdateAnswer& answer) { m_answers.append(answer); });
-        connect(m_updates.get(), &Updates::canCheckForUpdatesChanged, this,
-                [this] { ++m_changes; });
-    }
-
-    bool knowPackage()
-    {
-        return m_packageKit->behave(u"SearchFiles"_s, {MockedPackageKit::package(kInstalled),
-                                                       MockedPackageKit::finished()});
-    }
-
-    bool findPackage()
-    {
-        return QTest::qWaitFor([&] { return m_updates->canCheckForUpdates(); }, kPatience);
-    }
-
-    /// What PackageKit was asked, without what goes before it.
-    QStringList told()
-    {
-        QStringList asked;
-        for (const QString& call : m_packageKit->told()) {
-            if (!call.startsWith(u"CreateTransaction"_s) && !call.startsWith(u"SetHints"_s))
-                asked.append(call);
-        }
-        return asked;
-    }
-
-    std::unique_ptr<TestBus> m_bus;
-    std::unique_ptr<MockedPackageKit> m_packageKit;
-    std::unique_ptr<PackageKitUpdates> m_updates;
-    QList<UpdateAnswer> m_answers;
-    int m_changes = 0;
 };
 
 QTEST_GUILESS_MAIN(UpdatesTest)
