@@ -2,16 +2,12 @@
 //
 // How starts of the program, and the desktop, reach the one that runs: on a real session bus.
 #include "Mossbank/Platform/Linux/ActivationService.h"
-#include "Mossbank/Platform/Linux/BusActivation.h"
-#include "Mossbank/Platform/Linux/BusConnection.h"
 #include "tests/Contract/Contract.h"
+#include "tests/Desktop/CalledActivationTest.h"
 #include "tests/Desktop/MockedCalls.h"
 #include "tests/Desktop/MockedSession.h"
-#include "tests/Desktop/TestBus.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCall>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -26,38 +22,10 @@ using namespace mossbank::test;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-namespace {
-
-const QString kIdentity = u"org.example.grey-heron"_s;
-const QString kPath = u"/org/example/grey_heron"_s;
-const QString kInterface = u"org.freedesktop.Application"_s;
-
-constexpr int kPatience = 20'000;
-/// For what must not come to have come.
-constexpr int kLongEnough = 200;
-
-} // namespace
-
-class ProgramActivationTest final : public QObject {
+class ProgramActivationTest final : public CalledActivationTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_activations = 0;
-        m_actions.clear();
-        m_bus = std::make_unique<TestBus>(TestBus::Kind::Session);
-        QVERIFY2(m_bus->problem().isEmpty(), qPrintable(m_bus->problem()));
-        m_other = std::make_unique<BusConnection>(QDBusConnection::SessionBus);
-    }
-
-    void cleanup()
-    {
-        m_first.reset();
-        m_other.reset();
-        m_bus.reset();
-    }
-
     void thePathFollowsFromTheIdentity()
     {
         QCOMPARE(applicationPath(u"local.mossbank.Mossbank"_s), u"/local/mossbank/Mossbank"_s);
@@ -97,99 +65,6 @@ private Q_SLOTS:
         QCOMPARE(act(u"quit"_s), QString());
         QTRY_COMPARE(m_actions, QStringList{u"quit"_s});
         QCOMPARE(m_activations, 0);
-    }
-
-    void whatDoesNotFitIsRefused_data()
-    {
-        QTest::addColumn<QString>("method");
-        QTest::addColumn<QVariantList>("arguments");
-        QTest::newRow("nothing") << u"Activate"_s << QVariantList();
-        QTest::newRow("a number") << u"Activate"_s << QVariantList{1};
-        QTest::newRow("too much") << u"Activate"_s << QVariantList{QVariantMap(), 1};
-        QTest::newRow("a list of numbers")
-            << u"Open"_s << QVariantList{QVariant::fromValue(QList<int>{1}), QVariantMap()};
-        QTest::newRow("an action that is a number")
-            << u"ActivateAction"_s << QVariantList{1, QVariantList(), QVariantMap()};
-        QTest::newRow("an action alone") << u"ActivateAction"_s << QVariantList{u"quit"_s};
-        QTest::newRow("no such thing") << u"deleteLater"_s << QVariantList();
-        QTest::newRow("what is said inside") << u"activated"_s << QVariantList();
-    }
-    void whatDoesNotFitIsRefused()
-    {
-        QFETCH(QString, method);
-        QFETCH(QVariantList, arguments);
-        QVERIFY(listen());
-        QVERIFY(!ask(method, arguments).isEmpty());
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_activations, 0);
-        QCOMPARE(m_actions, QStringList());
-        QCOMPARE(ask(u"Activate"_s, {QVariantMap()}), QString());
-        QTRY_COMPARE(m_activations, 1);
-    }
-
-    void aMegabyteOfWordsDoesNoHarm()
-    {
-        QVERIFY(listen());
-        const QString words(1'000'000, u'x');
-        QCOMPARE(ask(u"ActivateAction"_s, {words, QVariantList(), QVariantMap{{words, words}}}),
-                 QString());
-        QCOMPARE(ask(u"Activate"_s, {QVariantMap{{u"words"_s, words}}}), QString());
-        QTRY_COMPARE(m_activations, 1);
-    }
-
-    void manyCallsAtOnceAreOne()
-    {
-        ApplicationObject object;
-        connect(&object, &ApplicationObject::activated, this, [this] { ++m_activations; });
-        connect(&object, &ApplicationObject::actionRequested, this,
-                [this](const QString& action) { m_actions.append(action); });
-        for (int i = 0; i < 20; ++i) {
-            object.Activate({});
-            object.ActivateAction(u"quit"_s, {}, {});
-        }
-        QCOMPARE(m_activations, 0);
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_activations, 1);
-        QCOMPARE(m_actions, QStringList{u"quit"_s});
-    }
-
-    void afterAFloodNothingIsToldUntilItIsOver()
-    {
-        ApplicationObject object;
-        connect(&object, &ApplicationObject::activated, this, [this] { ++m_activations; });
-        int floods = 0;
-        connect(&object, &ApplicationObject::flooded, this, [&] { ++floods; });
-        for (int i = 0; i < 1000 && floods == 0; ++i)
-            object.Activate({});
-        QCOMPARE(floods, 1);
-        QTRY_COMPARE(m_activations, 1);
-        for (int i = 0; i < 1000; ++i)
-            object.Activate({});
-        QTest::qWait(kLongEnough);
-        QCOMPARE(m_activations, 1);
-        QCOMPARE(floods, 1);
-        object.recover();
-        object.Activate({});
-        QTRY_COMPARE(m_activations, 2);
-        QCOMPARE(floods, 1);
-    }
-
-    void aFloodOfCallsIsCutOff()
-    {
-        QVERIFY(listen());
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(kIdentity, kPath, kInterface, u"Activate"_s);
-        call.setArguments({QVariantMap()});
-        for (int i = 0; i < 20'000; ++i)
-            QVERIFY((*m_other)->send(call));
-        QVERIFY(QTest::qWaitFor([&] { return owner().isEmpty(); }, kPatience));
-        QVERIFY(m_activations > 0);
-        QVERIFY2(m_activations <= 100, qPrintable(QString::number(m_activations)));
-        // Once it is over, it can be found again.
-        QVERIFY(QTest::qWaitFor([&] { return !owner().isEmpty(); }, kPatience));
-        m_activations = 0;
-        QCOMPARE(ask(u"Activate"_s, {QVariantMap()}), QString());
-        QTRY_COMPARE(m_activations, 1);
     }
 
     void anotherProgramOfTheNameIsNotMeant()
@@ -335,51 +210,6 @@ private Q_SLOTS:
     }
 
 private:
-    /// Has the first one listen, and waits until it is found.
-    bool listen()
-    {
-        m_first = std::make_unique<BusActivation>(kIdentity);
-        connect(m_first.get(), &ProgramActivation::activated, this, [this] { ++m_activations; });
-        connect(m_first.get(), &ProgramActivation::actionRequested, this,
-                [this](const QString& action) { m_actions.append(action); });
-        m_first->listen();
-        return QTest::qWaitFor([&] { return !owner().isEmpty(); }, kPatience) &&
-               m_first->availability().isAvailable;
-    }
-
-    /// What answers is in this thread: nothing may block.
-    QDBusMessage answerTo(const QDBusMessage& call)
-    {
-        const QDBusPendingCall pending = (*m_other)->asyncCall(call, kPatience);
-        QDBusPendingCallWatcher watcher(pending);
-        const bool isThere = QTest::qWaitFor([&] { return watcher.isFinished(); }, kPatience);
-        return isThere ? watcher.reply() : QDBusMessage();
-    }
-
-    /// The error that a call of the first is answered with. Empty when it is none.
-    QString ask(const QString& method, const QVariantList& arguments)
-    {
-        QDBusMessage call = QDBusMessage::createMethodCall(kIdentity, kPath, kInterface, method);
-        call.setArguments(arguments);
-        call.setAutoStartService(false);
-        const QDBusMessage answer = answerTo(call);
-        if (answer.type() == QDBusMessage::ReplyMessage)
-            return {};
-        return answer.errorName().isEmpty() ? u"no answer"_s : answer.errorName();
-    }
-
-    /// Who has the name. Empty when nobody has.
-    QString owner()
-    {
-        const QString bus = u"org.freedesktop.DBus"_s;
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(bus, u"/org/freedesktop/DBus"_s, bus, u"GetNameOwner"_s);
-        call.setArguments({kIdentity});
-        const QDBusMessage answer = answerTo(call);
-        return answer.type() == QDBusMessage::ReplyMessage ? answer.arguments().value(0).toString()
-                                                           : QString();
-    }
-
     static bool activateFirst(qint64 process, std::chrono::milliseconds patience)
     {
         auto answer = std::async(std::launch::async, [=] {
@@ -389,12 +219,6 @@ private:
                                kPatience) &&
                answer.get();
     }
-
-    std::unique_ptr<TestBus> m_bus;
-    std::unique_ptr<BusConnection> m_other;
-    std::unique_ptr<BusActivation> m_first;
-    int m_activations = 0;
-    QStringList m_actions;
 };
 
 QTEST_GUILESS_MAIN(ProgramActivationTest)
