@@ -26,19 +26,6 @@ constexpr int kRounds = 30;
 
 const QString kRecords = u"Waiting for your next screen"_s;
 
-/// The ids of all processes that run the program from this home.
-QStringList processesIn(const QString& home)
-{
-    QStringList found;
-    for (const QString& process : QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs)) {
-        QFile environment(u"/proc/%1/environ"_s.arg(process));
-        if (environment.open(QIODevice::ReadOnly) &&
-            environment.readAll().split('\0').contains("HOME=" + home.toLocal8Bit()))
-            found.append(process);
-    }
-    return found;
-}
-
 /// Everything that lies in a folder and those within it.
 QStringList filesIn(const QString& folder)
 {
@@ -73,7 +60,7 @@ class CutShortTest final : public QObject {
     /// What has been saved is there, and can be read.
     void checkLibrary()
     {
-        QCOMPARE(processesIn(m_mossbank->home()), QStringList());
+        QCOMPARE(m_mossbank->processes(), QStringList());
         if (!QFile::exists(m_mossbank->library() + u"/history.sqlite"_s))
             return;
         QSet<QString> now;

@@ -20,19 +20,6 @@ namespace {
 
 constexpr int kStarts = 50;
 
-/// The ids of all processes that run the program from this library's home.
-QStringList processesIn(const QString& home)
-{
-    QStringList found;
-    for (const QString& process : QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs)) {
-        QFile environment(u"/proc/%1/environ"_s.arg(process));
-        if (environment.open(QIODevice::ReadOnly) &&
-            environment.readAll().split('\0').contains("HOME=" + home.toLocal8Bit()))
-            found.append(process);
-    }
-    return found;
-}
-
 QStringList filesIn(const QString& folder)
 {
     return QDir(folder).entryList(QDir::Files | QDir::Hidden);
@@ -85,7 +72,7 @@ private Q_SLOTS:
             withSaves += mossbank.terminal().contains(u"Saved at"_s) ? 1 : 0;
             QVERIFY2(!mossbank.terminal().contains(u"History is unavailable"_s),
                      qPrintable(mossbank.terminal()));
-            QCOMPARE(processesIn(mossbank.home()), QStringList());
+            QCOMPARE(mossbank.processes(), QStringList());
             QSet<QString> now;
             for (const Memory& memory : mossbank.rows())
                 now.insert(memory.id);

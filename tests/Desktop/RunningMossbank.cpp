@@ -181,6 +181,18 @@ RunningMossbank::Found RunningMossbank::startAgain(const QString& dataHome) cons
     return runToEnd(m_program, {}, asBefore);
 }
 
+QStringList RunningMossbank::processes() const
+{
+    QStringList found;
+    for (const QString& process : QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs)) {
+        QFile file(u"/proc/%1/environ"_s.arg(process));
+        if (file.open(QIODevice::ReadOnly) &&
+            file.readAll().split('\0').contains("HOME=" + home().toLocal8Bit()))
+            found.append(process);
+    }
+    return found;
+}
+
 std::unique_ptr<QProcess> RunningMossbank::startAnother(const QStringList& arguments) const
 {
     auto process = std::make_unique<QProcess>();

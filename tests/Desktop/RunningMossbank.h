@@ -72,6 +72,8 @@ public:
     std::unique_ptr<QProcess> startAnother(const QStringList& arguments = {}) const;
     /// Further starts with the same home, so many at once. Ended by whoever asked for them.
     std::vector<std::unique_ptr<QProcess>> startTogether(int count) const;
+    /// The ids of all processes with this home.
+    QStringList processes() const;
     /// The folder that all of it lies in.
     QString home() const { return m_home.path(); }
     QString choicesFile() const;
