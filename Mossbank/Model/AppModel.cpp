@@ -62,16 +62,19 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_pauses(surroundings, m_timedPause, m_recorder)
     , m_exclusions(surroundings, m_recorder)
     , m_housekeeping(surroundings, m_recorder, m_store.get())
+    , m_listing(surroundings, m_recorder, m_store.get())
     , m_loginItem(surroundings.loginService, surroundings.preferences, m_recorder)
     , m_quitGuard(surroundings, m_recorder)
     , m_launch(surroundings, {.recorder = m_recorder,
                               .pauses = m_pauses,
                               .housekeeping = m_housekeeping,
+                              .listing = m_listing,
                               .loginItem = m_loginItem,
                               .quitGuard = m_quitGuard})
     , m_updater(surroundings.updates, m_recorder)
 {
-    m_afterSave.follow(m_housekeeping);
+    m_afterSave.follow(m_housekeeping, m_listing);
+    connect(&m_housekeeping, &Housekeeping::deleted, &m_listing, &Listing::refreshSoon);
     connect(&m_preferences, &Preferences::cannotBeStored, this, &AppModel::tellOfUnstored);
     connect(&m_preferences, &Preferences::storedAgain, this, &AppModel::tellOfStored);
     connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);

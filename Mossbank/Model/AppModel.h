@@ -6,6 +6,7 @@
 #include "Mossbank/Model/Exclusions.h"
 #include "Mossbank/Model/Housekeeping.h"
 #include "Mossbank/Model/Launch.h"
+#include "Mossbank/Model/Listing.h"
 #include "Mossbank/Model/LoginItem.h"
 #include "Mossbank/Model/Pauses.h"
 #include "Mossbank/Model/QuitGuard.h"
@@ -59,6 +60,7 @@ public:
     const TimedPause& timedPause() const { return m_timedPause; }
     Exclusions& exclusions() { return m_exclusions; }
     Housekeeping& housekeeping() { return m_housekeeping; }
+    Listing& listing() { return m_listing; }
     LoginItem& loginItem() { return m_loginItem; }
     QuitGuard& quitGuard() { return m_quitGuard; }
     Launch& launch() { return m_launch; }
@@ -103,6 +105,7 @@ private:
     Pauses m_pauses;
     Exclusions m_exclusions;
     Housekeeping m_housekeeping;
+    Listing m_listing;
     LoginItem m_loginItem;
     QuitGuard m_quitGuard;
     Launch m_launch;

@@ -2,6 +2,7 @@
 #include "Mossbank/Model/Launch.h"
 
 #include "Mossbank/Model/Housekeeping.h"
+#include "Mossbank/Model/Listing.h"
 #include "Mossbank/Model/LoginItem.h"
 #include "Mossbank/Model/Pauses.h"
 #include "Mossbank/Model/Preferences.h"
@@ -41,7 +42,9 @@ void Launch::startUp()
 
 QCoro::Task<> Launch::putInOrder(Cancellation cancellation)
 {
-    co_await m_parts.housekeeping.tidyImages();
+    co_await m_parts.listing.refresh();
+    if (!cancellation.isRequested())
+        co_await m_parts.housekeeping.tidyImages();
     if (!cancellation.isRequested())
         co_await m_parts.housekeeping.sealScreenshotsFromBeforeEncryption(cancellation);
 }

@@ -13,6 +13,7 @@
 namespace mossbank {
 
 class Housekeeping;
+class Listing;
 class LoginItem;
 class Pauses;
 class QuitGuard;
@@ -45,6 +46,7 @@ public:
         Recorder& recorder;
         Pauses& pauses;
         Housekeeping& housekeeping;
+        Listing& listing;
         LoginItem& loginItem;
         QuitGuard& quitGuard;
     };
@@ -52,7 +54,7 @@ public:
     Launch(Surroundings surroundings, Parts parts, QObject* parent = nullptr);
     ~Launch() override;
 
-    /// Puts the library in order in the background.
+    /// Shows what there is, and puts the library in order in the background.
     void startUp();
 
     /// Once, when everything is up: a pause of the last run goes on, or else recording comes back

@@ -12,4 +12,11 @@ inline QString localized(const char* english)
     return QCoreApplication::translate("Mossbank", english);
 }
 
+/// The same of a text about so many, in the form that the user's language has for that number. The
+/// number itself stands for nothing in it.
+inline QString localized(const char* english, qsizetype count)
+{
+    return QCoreApplication::translate("Mossbank", english, nullptr, static_cast<int>(count));
+}
+
 } // namespace mossbank

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Support/Calendar.h"
 
+#include <unicode/dtptngen.h>
+#include <unicode/smpdtfmt.h>
+#include <unicode/timezone.h>
+
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace mossbank {
 
@@ -103,6 +108,29 @@ std::optional<Date> Calendar::daysBefore(int days, Date date) const
 QString Calendar::shortTime(Date date) const
 {
     return m_locale.toString(local(date).time(), QLocale::ShortFormat);
+}
+
+QString Calendar::monthAndDay(Date date) const
+{
+    if (!isWithinReach(date))
+        return {};
+    const icu::Locale locale(m_locale.name().toLatin1().constData());
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<icu::DateTimePatternGenerator> patterns(
+        icu::DateTimePatternGenerator::createInstance(locale, error));
+    if (U_FAILURE(error))
+        return {};
+    const icu::UnicodeString pattern = patterns->getBestPattern(u"MMMMd", error);
+    icu::SimpleDateFormat format(pattern, locale, error);
+    if (U_FAILURE(error))
+        return {};
+    // The clocks are this calendar's own already.
+    format.adoptTimeZone(icu::TimeZone::getGMT()->clone());
+    QDateTime shown = local(date);
+    shown.setTimeSpec(Qt::UTC);
+    icu::UnicodeString text;
+    format.format(static_cast<UDate>(shown.toMSecsSinceEpoch()), text);
+    return QStringView(text.getBuffer(), text.length()).toString();
 }
 
 QDateTime Calendar::local(Date date) const

@@ -54,6 +54,12 @@ public:
     /// The time of day as the locale writes it briefly ("14:05", "2:05 PM").
     QString shortTime(Date date) const;
 
+    /// Month and day as the locale writes them in full ("May 31", "31. Mai"). Empty for a date
+    /// beyond the calendar's reach.
+    QString monthAndDay(Date date) const;
+
+    const QLocale& locale() const { return m_locale; }
+
     /// `date` on this calendar's clocks, for showing. Milliseconds are all that it keeps.
     QDateTime local(Date date) const;
 

@@ -104,8 +104,9 @@ const QList<Rule>& rules()
          including(u"sqlite3(?:ext)?\\.h"_s), u"only the library knows its database"_s},
         {u"."_s, u"^(?:MossbankCore/Library/|tests/Core/Library/|bench/)"_s,
          including(u"openssl/"_s), u"only the library knows its cipher"_s},
-        {u"."_s, u"^MossbankCore/Support/Characters\\.(?:h|cpp)$"_s, including(u"unicode/"_s),
-         u"only Characters reckons with characters"_s},
+        {u"."_s, u"^MossbankCore/Support/(?:Characters\\.(?:h|cpp)|Calendar\\.cpp)$"_s,
+         including(u"unicode/"_s),
+         u"only Characters reckons with characters, and only Calendar words dates"_s},
         {u"^(?:MossbankCore|Mossbank/Model)/"_s,
          u"^MossbankCore/Support/SystemClock\\.(?:h|cpp)$"_s,
          u"\\b(?:QDateTime::current|QDate::currentDate|QTime::currentTime|system_clock\\s*::\\s*now"

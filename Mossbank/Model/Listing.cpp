@@ -1,0 +1,484 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Model/Listing.h"
+
+#include "Mossbank/Model/Preferences.h"
+#include "Mossbank/Model/Recorder.h"
+#include "Mossbank/Model/Texts.h"
+#include "MossbankCore/Browsing/SelectionCursor.h"
+#include "MossbankCore/Library/HistoryStore.h"
+#include "MossbankCore/Ports/Clock.h"
+#include "MossbankCore/Support/Awaited.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+namespace mossbank {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// How many rows a list has at first, of all history and of one day.
+constexpr qsizetype kPageAcrossDays = 1500;
+constexpr qsizetype kPageOfDay = 20'000;
+/// More than a list ever has cannot be looked through.
+constexpr qsizetype kMostRows = 20'000;
+/// What may have been recorded since the list was made.
+constexpr qsizetype kSlack = 100;
+constexpr qsizetype kEarlierStep = 1500;
+/// Seconds after a key, so that not each of them has the library searched.
+constexpr double kUntilTyped = 0.18;
+/// Below so many seconds between neighbours, their minutes alone would not tell them apart.
+constexpr double kMinute = 60;
+
+const QString kTimeline = u"timeline"_s;
+const QString kAsk = u"ask"_s;
+const QString kMoments = u"moments"_s;
+
+} // namespace
+
+Listing::Listing(Surroundings surroundings, Recorder& recorder, HistoryStore* store,
+                 QObject* parent)
+    : QObject(parent)
+    , m_around(std::move(surroundings))
+    , m_recorder(recorder)
+    , m_store(store)
+    , m_day(startOfDay(m_around.clock.now()))
+{
+}
+
+std::optional<qsizetype> Listing::position(const QString& id) const
+{
+    const auto found = m_positions.constFind(id);
+    return found == m_positions.constEnd() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<Date> Listing::startOfDay(Date date) const
+{
+    const auto day = m_around.calendar().dateInterval(Calendar::Component::Day, date);
+    return day ? std::optional(day->start) : std::nullopt;
+}
+
+// Filters
+
+void Listing::setQuery(const QString& query)
+{
+    if (query == m_query)
+        return;
+    m_query = query;
+    scheduleRefresh();
+    Q_EMIT queryChanged();
+    // Whoever types has found what the hint tells of.
+    if (!query.isEmpty())
+        dismissSearchHint();
+}
+
+void Listing::setDay(std::optional<Date> day)
+{
+    if (day == m_day)
+        return;
+    m_day = day;
+    scheduleRefresh();
+    Q_EMIT dayChanged();
+}
+
+void Listing::setAppFilter(const std::optional<QString>& app)
+{
+    if (app == m_appFilter)
+        return;
+    m_appFilter = app;
+    scheduleRefresh();
+    Q_EMIT appFilterChanged();
+}
+
+void Listing::shiftDay(int days)
+{
+    const auto from = startOfDay(m_day.value_or(m_around.clock.now()));
+    const auto today = startOfDay(m_around.clock.now());
+    if (!from || !today)
+        return;
+    std::optional<Date> to;
+    int back = -days;
+    do {
+        to = m_around.calendar().daysBefore(back++, *from);
+        to = to ? startOfDay(*to) : std::nullopt;
+        // A day that a zone has left out of its year is the one after it.
+    } while (days < 0 && to == from);
+    if (to)
+        setDay(std::min(*to, *today));
+}
+
+std::optional<Date> Listing::latestDayWithHistory() const
+{
+    for (auto day = m_stats.days.cend(); day != m_stats.days.cbegin();) {
+        --day;
+        if (*day > 0 && day.key() != m_day)
+            return day.key();
+    }
+    return std::nullopt;
+}
+
+ListingWords Listing::words(bool meaningIsReady) const
+{
+    return {{.query = m_query,
+             .day = m_day,
+             .appFilter = m_appFilter,
+             .count = m_memories.size(),
+             .extent = m_extent,
+             .canShowEarlier = canShowEarlier(),
+             .isListedByMeaning = m_isListedByMeaning,
+             .dayMatches = m_dayMatches,
+             .isRecording = m_recorder.isRecording(),
+             .meaningIsReady = meaningIsReady},
+            m_around.calendar(),
+            m_around.clock.now()};
+}
+
+Listing::Lens Listing::lens() const
+{
+    const QString stored = m_around.preferences.lens();
+    return stored == kTimeline ? Lens::Timeline : stored == kAsk ? Lens::Ask : Lens::Moments;
+}
+
+void Listing::setLens(Lens lens)
+{
+    if (lens == this->lens())
+        return;
+    m_around.preferences.setLens(lens == Lens::Timeline ? kTimeline
+                                 : lens == Lens::Ask    ? kAsk
+                                                        : kMoments);
+    Q_EMIT lensChanged();
+}
+
+// Selection
+
+void Listing::setSelectedID(const std::optional<QString>& id)
+{
+    if (id == m_selectedID)
+        return;
+    m_selectedID = id;
+    Q_EMIT selectedIDChanged();
+}
+
+const Memory* Listing::selected() const
+{
+    const auto place = m_selectedID ? position(*m_selectedID) : std::nullopt;
+    return place ? &m_memories.at(*place) : nullptr;
+}
+
+std::optional<QString> Listing::imagePath() const
+{
+    const Memory* const memory = selected();
+    if (!memory || !m_store)
+        return std::nullopt;
+    return m_store->images() + u'/' + memory->filename;
+}
+
+void Listing::step(qsizetype delta)
+{
+    const auto from = m_selectedID ? position(*m_selectedID) : std::nullopt;
+    if (from && *from - delta >= m_memories.size() && canShowEarlier()) {
+        showEarlier();
+        return;
+    }
+    // The list runs from the newest, a step towards it is one back.
+    if (const auto to = SelectionCursor::move(from, -delta, m_memories.size()))
+        setSelectedID(m_memories.at(*to).id);
+}
+
+void Listing::setShowsEnlarged(bool shows)
+{
+    if (std::exchange(m_showsEnlarged, shows) != shows)
+        Q_EMIT showsEnlargedChanged();
+}
+
+// Windows
+
+void Listing::openWorkspace()
+{
+    ++m_openWorkspaces;
+    refreshSoon();
+}
+
+void Listing::closeWorkspace()
+{
+    m_openWorkspaces = std::max(m_openWorkspaces - 1, 0);
+}
+
+bool Listing::showsSearchHint() const
+{
+    const Preferences& preferences = m_around.preferences;
+    return !preferences.isDemo() && !preferences.hasSeenSearchHint() && m_stats.count > 0;
+}
+
+void Listing::dismissSearchHint()
+{
+    if (m_around.preferences.hasSeenSearchHint())
+        return;
+    m_around.preferences.setHasSeenSearchHint(true);
+    Q_EMIT showsSearchHintChanged();
+}
+
+// Refreshing
+
+void Listing::raiseGeneration()
+{
+    ++m_generation;
+    // What it would bring is wanted no more, and what is wanted waits behind it.
+    m_fetching.cancel();
+    m_counting.cancel();
+}
+
+void Listing::scheduleRefresh()
+{
+    m_isListedByMeaning = false;
+    m_earlierFrom.reset();
+    raiseGeneration();
+    m_refreshing = Job::start(&Listing::refreshLater, this);
+}
+
+QCoro::Task<> Listing::refreshLater(Cancellation cancellation)
+{
+    const bool isAwaited = co_await m_around.clock.sleep(kUntilTyped, cancellation);
+    if (!isAwaited)
+        co_return;
+    co_await refresh();
+}
+
+void Listing::refreshSoon()
+{
+    m_loading = Job::start(&Listing::refreshNow, this);
+}
+
+QCoro::Task<> Listing::refreshNow(Cancellation)
+{
+    co_await refresh();
+}
+
+QCoro::Task<> Listing::refresh()
+{
+    if (!m_store)
+        co_return;
+    if (m_isListedByMeaning || !showsWorkspace()) {
+        co_await refreshStats();
+        co_return;
+    }
+    co_await refreshList();
+}
+
+QCoro::Task<> Listing::refreshStats()
+{
+    m_earlierFrom.reset();
+    // A list that was being made when the last window closed has nobody left who would say so.
+    if (m_loadingGeneration != m_generation)
+        setLoading(false);
+    const QPointer<Listing> self(this);
+    try {
+        const LibraryStats stats = co_await awaited(m_store->stats());
+        if (self)
+            setStats(stats);
+    } catch (const Failure&) {
+        // The counts stay as they are; whatever is wrong shows where it matters.
+    }
+}
+
+Listing::Request Listing::makeRequest()
+{
+    raiseGeneration();
+    Request request = {.generation = m_generation,
+                       .filters = {.query = m_query, .day = m_day, .app = m_appFilter},
+                       .base = m_day ? kPageOfDay : kPageAcrossDays};
+    request.isSameList = request.filters == m_listedFilters;
+    request.wanted = request.base;
+    if (request.isSameList) {
+        if (!m_memories.isEmpty())
+            request.anchor = m_memories.last().id;
+        request.extra = m_earlierFrom ? kEarlierStep : 0;
+        request.wanted = std::max(m_memories.size(), request.base) + kSlack + request.extra;
+    }
+    return request;
+}
+
+QCoro::Task<Listing::Answer> Listing::ask(Request request)
+{
+    const QPointer<Listing> self(this);
+    const auto requireSelf = [&self] {
+        if (!self)
+            throw Failure(u"The list is gone."_s);
+    };
+    // One more tells whether there are more.
+    const qsizetype limit = std::min(request.wanted, kMostRows + kSlack) + 1;
+    Answer answer;
+    m_fetching = m_store->fetch({.query = request.filters.query,
+                                 .day = request.filters.day,
+                                 .app = request.filters.app,
+                                 .limit = static_cast<int>(limit),
+                                 .withText = true});
+    answer.rows = co_await awaited(m_fetching);
+    requireSelf();
+    answer.stats = co_await awaited(m_store->stats());
+    requireSelf();
+    if (!request.filters.query.isEmpty() || request.filters.app) {
+        m_counting =
+            m_store->dayCounts({.query = request.filters.query, .app = request.filters.app});
+        answer.dayMatches = co_await awaited(m_counting);
+    }
+    co_return answer;
+}
+
+QCoro::Task<> Listing::refreshList()
+{
+    const QPointer<Listing> self(this);
+    const Request request = makeRequest();
+    m_loadingGeneration = request.generation;
+    setLoading(true);
+    Answer answer;
+    std::optional<QString> problem;
+    try {
+        answer = co_await ask(request);
+    } catch (const Failure& failure) {
+        problem = failure.message();
+    }
+    // Whoever asked for something newer since owns the list.
+    if (!self || request.generation != m_generation)
+        co_return;
+    m_earlierFrom = problem ? std::nullopt : m_earlierFrom;
+    if (problem)
+        m_recorder.setErrorMessage(problem);
+    else
+        publish(request, std::move(answer));
+    // The two above tell others, who may ask for the next.
+    if (self && request.generation == m_generation)
+        setLoading(false);
+}
+
+void Listing::publish(const Request& request, Answer answer)
+{
+    QList<Memory>& rows = answer.rows;
+    std::optional<qsizetype> anchor;
+    if (request.anchor) {
+        const auto found = std::ranges::find(rows, *request.anchor, &Memory::id);
+        if (found != rows.end())
+            anchor = found - rows.begin();
+    }
+    qsizetype keep = request.isSameList ? std::max(request.base, m_memories.size()) : request.base;
+    if (anchor)
+        keep = std::max(request.base, request.extra + *anchor + 1);
+    const qsizetype shown = std::min({rows.size(), keep, kMostRows});
+    const Extent extent = shown == rows.size()  ? Extent::Complete
+                          : request.filters.day ? Extent::NewestOfDay
+                                                : Extent::NewestAcrossDays;
+    rows.resize(shown);
+    const bool isEarlierAdded = m_earlierFrom && anchor && *anchor + 1 < shown;
+    m_earlierFrom.reset();
+    m_listedFilters = request.filters;
+    take(std::move(rows));
+    m_extent = extent;
+    m_dayMatches = std::move(answer.dayMatches);
+    select(isEarlierAdded ? std::optional(m_memories.at(*anchor + 1).id) : std::nullopt);
+    setStats(answer.stats);
+    Q_EMIT memoriesChanged();
+}
+
+void Listing::take(QList<Memory> memories)
+{
+    m_memories = std::move(memories);
+    m_positions.clear();
+    m_positions.reserve(m_memories.size());
+    for (qsizetype place = 0; place < m_memories.size(); ++place)
+        m_positions.insert(m_memories.at(place).id, place);
+    const auto areNear = [](const Memory& later, const Memory& earlier) {
+        return later.timestamp - earlier.timestamp < kMinute;
+    };
+    m_showsSecondsInStrip = std::ranges::adjacent_find(std::as_const(m_memories), areNear) !=
+                            std::as_const(m_memories).end();
+}
+
+void Listing::select(const std::optional<QString>& id)
+{
+    if (id)
+        setSelectedID(id);
+    else if (!m_selectedID || !position(*m_selectedID))
+        setSelectedID(m_memories.isEmpty() ? std::nullopt : std::optional(m_memories.first().id));
+}
+
+void Listing::setLoading(bool isLoading)
+{
+    if (std::exchange(m_isLoading, isLoading) != isLoading)
+        Q_EMIT isLoadingChanged();
+}
+
+void Listing::setStats(const LibraryStats& stats)
+{
+    if (stats == m_stats)
+        return;
+    const bool showedHint = showsSearchHint();
+    m_stats = stats;
+    Q_EMIT statsChanged();
+    if (showsSearchHint() != showedHint)
+        Q_EMIT showsSearchHintChanged();
+}
+
+void Listing::showByMeaning(const QList<Memory>& memories)
+{
+    raiseGeneration();
+    m_earlierFrom.reset();
+    m_isListedByMeaning = true;
+    m_listedFilters.reset();
+    take(memories);
+    m_extent = Extent::Complete;
+    select(std::nullopt);
+    setLoading(false);
+    Q_EMIT memoriesChanged();
+}
+
+bool Listing::canShowEarlier() const
+{
+    return m_extent == Extent::NewestAcrossDays && m_memories.size() < kMostRows;
+}
+
+void Listing::showEarlier()
+{
+    if (!canShowEarlier() || m_earlierFrom || m_memories.isEmpty())
+        return;
+    m_earlierFrom = m_memories.last().id;
+    refreshSoon();
+}
+
+// Deleting
+
+void Listing::deleteSelected()
+{
+    if (!m_selectedID || !m_store)
+        return;
+    std::optional<QString> next;
+    if (const auto place = position(*m_selectedID)) {
+        if (*place + 1 < m_memories.size())
+            next = m_memories.at(*place + 1).id;
+        else if (*place > 0)
+            next = m_memories.at(*place - 1).id;
+    }
+    m_deleting = Job::start(&Listing::deleteMemory, this, *m_selectedID, next);
+}
+
+QCoro::Task<> Listing::deleteMemory(QString id, std::optional<QString> next,
+                                    Cancellation cancellation)
+{
+    const QPointer<Listing> self(this);
+    try {
+        co_await awaited(m_store->deleteMemory(id));
+    } catch (const Failure& failure) {
+        if (self)
+            m_recorder.setErrorMessage(
+                localized("Could not delete the screenshot: %1").arg(failure.message()));
+    }
+    if (!self || cancellation.isRequested())
+        co_return;
+    if (next)
+        setSelectedID(next);
+    co_await refresh();
+}
+
+} // namespace mossbank
