@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "bench/BenchBrowse.h"
 #include "bench/BenchCheck.h"
 #include "bench/BenchGrab.h"
 #include "bench/BenchLibrary.h"
@@ -30,6 +31,7 @@ constexpr const char* kUsage =
     "takes\n"
     "  save --rows N           one save into a library of N rows, beside its bare minimum\n"
     "  library --rows N        what is asked of a library of N rows, beside the bare queries\n"
+    "  browse                  what looking back at a day of 20,000 screenshots takes\n"
     "  check [--rounds N]      a check that finds the same screen, beside a bare grab of it\n"
     "  check --program SECS [COMMAND...]\n"
     "                          the same in the real program, checking once a second, with a "
@@ -51,10 +53,10 @@ int main(int argc, char* argv[])
     const std::unique_ptr<QCoreApplication> application(draws ? new QGuiApplication(argc, argv)
                                                               : new QCoreApplication(argc, argv));
     const std::map<QString, std::function<int(const QStringList&)>> benchmarks = {
-        {u"check"_s, mossbank::benchCheck},     {u"grab"_s, mossbank::benchGrab},
-        {u"library"_s, mossbank::benchLibrary}, {u"read"_s, mossbank::benchRead},
-        {u"hour"_s, mossbank::benchHour},       {u"save"_s, mossbank::benchSave},
-        {u"start"_s, mossbank::benchStart},
+        {u"browse"_s, mossbank::benchBrowse}, {u"check"_s, mossbank::benchCheck},
+        {u"grab"_s, mossbank::benchGrab},     {u"library"_s, mossbank::benchLibrary},
+        {u"read"_s, mossbank::benchRead},     {u"hour"_s, mossbank::benchHour},
+        {u"save"_s, mossbank::benchSave},     {u"start"_s, mossbank::benchStart},
     };
     const QStringList arguments = QCoreApplication::arguments();
     const auto chosen = benchmarks.find(arguments.value(1));
