@@ -63,6 +63,7 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_exclusions(surroundings, m_recorder)
     , m_housekeeping(surroundings, m_recorder, m_store.get())
     , m_listing(surroundings, m_recorder, m_store.get())
+    , m_grouping(m_listing)
     , m_loginItem(surroundings.loginService, surroundings.preferences, m_recorder)
     , m_quitGuard(surroundings, m_recorder)
     , m_launch(surroundings, {.recorder = m_recorder,

@@ -4,6 +4,7 @@
 #include "Mossbank/Model/AfterEachSave.h"
 #include "Mossbank/Model/BrowserAddress.h"
 #include "Mossbank/Model/Exclusions.h"
+#include "Mossbank/Model/Grouping.h"
 #include "Mossbank/Model/Housekeeping.h"
 #include "Mossbank/Model/Launch.h"
 #include "Mossbank/Model/Listing.h"
@@ -61,6 +62,7 @@ public:
     Exclusions& exclusions() { return m_exclusions; }
     Housekeeping& housekeeping() { return m_housekeeping; }
     Listing& listing() { return m_listing; }
+    const Grouping& grouping() const { return m_grouping; }
     LoginItem& loginItem() { return m_loginItem; }
     QuitGuard& quitGuard() { return m_quitGuard; }
     Launch& launch() { return m_launch; }
@@ -106,6 +108,7 @@ private:
     Exclusions m_exclusions;
     Housekeeping m_housekeeping;
     Listing m_listing;
+    Grouping m_grouping;
     LoginItem m_loginItem;
     QuitGuard m_quitGuard;
     Launch m_launch;

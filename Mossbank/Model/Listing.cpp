@@ -294,7 +294,7 @@ Listing::Request Listing::makeRequest()
     request.wanted = request.base;
     if (request.isSameList) {
         if (!m_memories.isEmpty())
-            request.anchor = m_memories.last().id;
+            request.anchor = m_memories.constLast().id;
         request.extra = m_earlierFrom ? kEarlierStep : 0;
         request.wanted = std::max(m_memories.size(), request.base) + kSlack + request.extra;
     }
@@ -318,6 +318,9 @@ QCoro::Task<Listing::Answer> Listing::ask(Request request)
                                  .withText = true});
     answer.rows = co_await awaited(m_fetching);
     requireSelf();
+    // The list is held once, and not by its future as well.
+    if (request.generation == m_generation)
+        m_fetching = {};
     answer.stats = co_await awaited(m_store->stats());
     requireSelf();
     if (!request.filters.query.isEmpty() || request.filters.app) {
@@ -359,9 +362,9 @@ void Listing::publish(const Request& request, Answer answer)
     QList<Memory>& rows = answer.rows;
     std::optional<qsizetype> anchor;
     if (request.anchor) {
-        const auto found = std::ranges::find(rows, *request.anchor, &Memory::id);
-        if (found != rows.end())
-            anchor = found - rows.begin();
+        const auto found = std::ranges::find(std::as_const(rows), *request.anchor, &Memory::id);
+        if (found != rows.cend())
+            anchor = found - rows.cbegin();
     }
     qsizetype keep = request.isSameList ? std::max(request.base, m_memories.size()) : request.base;
     if (anchor)
@@ -401,7 +404,8 @@ void Listing::select(const std::optional<QString>& id)
     if (id)
         setSelectedID(id);
     else if (!m_selectedID || !position(*m_selectedID))
-        setSelectedID(m_memories.isEmpty() ? std::nullopt : std::optional(m_memories.first().id));
+        setSelectedID(m_memories.isEmpty() ? std::nullopt
+                                           : std::optional(m_memories.constFirst().id));
 }
 
 void Listing::setLoading(bool isLoading)
@@ -443,7 +447,7 @@ void Listing::showEarlier()
 {
     if (!canShowEarlier() || m_earlierFrom || m_memories.isEmpty())
         return;
-    m_earlierFrom = m_memories.last().id;
+    m_earlierFrom = m_memories.constLast().id;
     refreshSoon();
 }
 

@@ -23,6 +23,8 @@ protected:
         end();
         m_rig = std::make_unique<RecorderRig>();
         m_sql = std::make_unique<RawSql>(m_rig->libraryRoot() + QStringLiteral("/history.sqlite"));
+        // The store may be writing.
+        m_sql->run(QStringLiteral("PRAGMA busy_timeout = 10000"));
         m_listing =
             std::make_unique<Listing>(m_rig->surroundings(), *m_rig->recorder, m_rig->store.get());
     }
