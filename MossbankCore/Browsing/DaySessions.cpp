@@ -121,7 +121,8 @@ QSet<QString> namesOf(const QList<SessionApp>& apps)
 {
     QSet<QString> names;
     for (const SessionApp& app : apps) {
-        for (const QStringView word : Characters::words(Characters::lowercased(app.name)))
+        const QString name = Characters::lowercased(app.name);
+        for (const QStringView word : Characters::words(name))
             names.insert(word.toString());
     }
     return names;
