@@ -174,6 +174,7 @@ void Preferences::setInterval(double seconds)
 
 void Preferences::setRetentionDays(int days)
 {
+    m_isRetentionChosen = true;
     choose(&Preferences::m_retentionDays, days, kRetentionDays, &Preferences::retentionDaysChanged);
 }
 
@@ -362,7 +363,7 @@ void Preferences::tell(bool wasStored, const std::optional<QString>& problem)
 
 bool Preferences::isRetentionKnown() const
 {
-    return m_file.isReadable() || m_file.contains(kRetentionDays);
+    return m_file.isReadable() || m_isRetentionChosen;
 }
 
 QStringList Preferences::unknownKeys() const

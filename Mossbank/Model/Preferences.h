@@ -207,6 +207,8 @@ private:
     bool m_isDemo;
     double m_interval;
     int m_retentionDays;
+    /// Since the file was read; what comes into it meanwhile is not what counts now.
+    bool m_isRetentionChosen = false;
     double m_imageQuality;
     bool m_skipsUnchangedScreens;
     QString m_changeMode;

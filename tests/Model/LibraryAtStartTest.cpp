@@ -81,14 +81,18 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("isReadable");
         QTest::addColumn<bool>("isChosenAnew");
-        QTest::newRow("as chosen") << true << false;
-        QTest::newRow("what was chosen cannot be read") << false << false;
-        QTest::newRow("it cannot be read, and was chosen anew") << false << true;
+        QTest::addColumn<bool>("isMended");
+        QTest::newRow("as chosen") << true << false << false;
+        QTest::newRow("what was chosen cannot be read") << false << false << false;
+        QTest::newRow("it cannot be read, and was chosen anew") << false << true << false;
+        QTest::newRow("it can be read again, and counts from the next start")
+            << false << false << true;
     }
     void aSaveRemovesWhatIsTooOld()
     {
         QFETCH(bool, isReadable);
         QFETCH(bool, isChosenAnew);
+        QFETCH(bool, isMended);
         RecorderRig rig(false);
         const QString path = rig.folder.filePath(u"broken.ini"_s);
         QFile file(path);
@@ -105,6 +109,12 @@ private Q_SLOTS:
         model.finishedLaunching(false);
         if (isChosenAnew)
             preferences.setRetentionDays(14);
+        if (isMended) {
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("[General]\nretentionDays=0\n");
+            file.close();
+            preferences.setInterval(7); // with this the file is looked at
+        }
         QCoreApplication::processEvents();
         QCOMPARE(model.store()->fetch({.limit = 10}).result().size(), 1);
         rig.drawBlock({0, 0, 200, 150});
