@@ -2,6 +2,7 @@
 //
 // A file of choices that somebody writes by hand, before the program reads it and while it runs.
 #include "Mossbank/Model/Preferences.h"
+#include "tests/Model/WrittenChoices.h"
 
 #include <QFile>
 #include <QSettings>
@@ -14,15 +15,6 @@ using namespace Qt::StringLiterals;
 
 class ChoicesByHandTest : public QObject {
     Q_OBJECT
-
-    static QString write(const QTemporaryDir& folder, const QByteArray& content)
-    {
-        const QString path = folder.filePath(u"choices.ini"_s);
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
 
 private Q_SLOTS:
     void yesAndNoAreUnderstoodHoweverTheyAreWritten_data()
@@ -51,7 +43,8 @@ private Q_SLOTS:
         QFETCH(bool, saves);
         QFETCH(bool, isChosen);
         const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\nsavesAddresses=" + written + "\n"));
+        const Preferences preferences(
+            writtenChoices(folder, "[General]\nsavesAddresses=" + written + "\n"));
         QCOMPARE(preferences.savesAddresses(), saves);
         QCOMPARE(preferences.hasChosenAddresses(), isChosen);
     }
@@ -70,7 +63,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, written);
         QFETCH(QString, mode);
         const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\n" + written + "\n"));
+        const Preferences preferences(writtenChoices(folder, "[General]\n" + written + "\n"));
         QCOMPARE(preferences.changeMode(), mode);
     }
 
@@ -94,16 +87,16 @@ private Q_SLOTS:
         QFETCH(QByteArray, written);
         QFETCH(QStringList, list);
         const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\n" + written + "\n"));
+        const Preferences preferences(writtenChoices(folder, "[General]\n" + written + "\n"));
         QCOMPARE(preferences.excludedBundles(), list);
     }
 
     void aFileChangedMeanwhileChangesNothingBehindAnybodysBack()
     {
         const QTemporaryDir folder;
-        const QString path = write(folder, "[General]\nexcludedBundles=a.b\n");
+        const QString path = writtenChoices(folder, "[General]\nexcludedBundles=a.b\n");
         Preferences preferences(path);
-        write(folder, "[General]\nexcludedBundles=c.d\ninterval=7\n");
+        writtenChoices(folder, "[General]\nexcludedBundles=c.d\ninterval=7\n");
         preferences.setLens(u"ask"_s);
         QCOMPARE(preferences.excludedBundles(), QStringList{u"a.b"_s});
         QCOMPARE(preferences.interval(), 30.0);
@@ -115,9 +108,9 @@ private Q_SLOTS:
     void whatWasExcludedInTheFileMeanwhileStaysExcluded()
     {
         const QTemporaryDir folder;
-        const QString path = write(folder, "[General]\nexcludedBundles=a.b, c.d\n");
+        const QString path = writtenChoices(folder, "[General]\nexcludedBundles=a.b, c.d\n");
         Preferences preferences(path);
-        write(folder, "[General]\nexcludedBundles=a.b, c.d, by.hand, e.f\n");
+        writtenChoices(folder, "[General]\nexcludedBundles=a.b, c.d, by.hand, e.f\n");
         QSignalSpy changes(&preferences, &Preferences::excludedBundlesChanged);
         preferences.setExcludedBundles({u"a.b"_s, u"e.f"_s});
         const QStringList both = {u"a.b"_s, u"e.f"_s, u"by.hand"_s};
@@ -132,7 +125,7 @@ private Q_SLOTS:
     void slipsOfThePenAreKnown()
     {
         const QTemporaryDir folder;
-        const Preferences preferences(write(folder, R"([General]
+        const Preferences preferences(writtenChoices(folder, R"([General]
 interval=often
 retentionDays=1.5
 imageQuality=
@@ -160,7 +153,8 @@ interval=5
     void aValueOutsideItsBoundsStandsAsItIs()
     {
         const QTemporaryDir folder;
-        const Preferences preferences(write(folder, "[General]\ninterval=7\nimageQuality=9\n"));
+        const Preferences preferences(
+            writtenChoices(folder, "[General]\ninterval=7\nimageQuality=9\n"));
         QCOMPARE(preferences.interval(), 7.0);
         QCOMPARE(preferences.imageQuality(), 9.0);
     }
@@ -168,7 +162,7 @@ interval=5
     void whatOthersStoreMeanwhileIsKept()
     {
         const QTemporaryDir folder;
-        const QString path = write(folder, "[General]\nunknown=1\nlens=ask\n");
+        const QString path = writtenChoices(folder, "[General]\nunknown=1\nlens=ask\n");
         Preferences preferences(path);
         QCOMPARE(preferences.lens(), u"ask"_s);
         {

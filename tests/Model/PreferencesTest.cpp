@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Model/Preferences.h"
 
+#include "tests/Model/WrittenChoices.h"
+
 #include <QFile>
 #include <QSettings>
 #include <QSignalSpy>
@@ -12,15 +14,6 @@ using namespace Qt::StringLiterals;
 
 class PreferencesTest : public QObject {
     Q_OBJECT
-
-    static QString write(const QTemporaryDir& folder, const QByteArray& content)
-    {
-        const QString path = folder.filePath(u"choices.ini"_s);
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
 
     /// Every choice, as it is by no default.
     static void chooseAll(const QString& path)
@@ -96,14 +89,14 @@ private Q_SLOTS:
         const QStringList own = {u"keepassxc"_s, u"seahorse"_s};
         QCOMPARE(Preferences(folder.filePath(u"none.ini"_s), own).excludedBundles(),
                  ofEverySystem + own);
-        const QString stored = write(folder, "[General]\nexcludedBundles=a.b\n");
+        const QString stored = writtenChoices(folder, "[General]\nexcludedBundles=a.b\n");
         QCOMPARE(Preferences(stored, own).excludedBundles(), QStringList{u"a.b"_s});
     }
 
     void valuesOfTheWrongTypeCountAsAbsent()
     {
         const QTemporaryDir folder;
-        const Preferences preferences(write(folder, R"([General]
+        const Preferences preferences(writtenChoices(folder, R"([General]
 interval=often
 retentionDays=1.5
 imageQuality=nan
@@ -147,16 +140,16 @@ excludedBundles=@Size(3 4)
         QByteArray nonsense;
         for (int byte = 0; byte < 4096; ++byte)
             nonsense.append(static_cast<char>((byte * 73 + 11) % 256));
-        compareWithDefaults(Preferences(write(folder, nonsense)));
+        compareWithDefaults(Preferences(writtenChoices(folder, nonsense)));
     }
 
     void aFileThatCannotBeReadIsKnown()
     {
         const QTemporaryDir folder;
         QVERIFY(Preferences(folder.filePath(u"not there.ini"_s)).isReadable());
-        QVERIFY(Preferences(write(folder, "[General]\ninterval=7\n")).isReadable());
+        QVERIFY(Preferences(writtenChoices(folder, "[General]\ninterval=7\n")).isReadable());
         QVERIFY(!Preferences(folder.path()).isReadable());
-        QVERIFY(!Preferences(write(folder, "interval 7\n[General\n=\n")).isReadable());
+        QVERIFY(!Preferences(writtenChoices(folder, "interval 7\n[General\n=\n")).isReadable());
     }
 
     void choicesSurviveARestart()
