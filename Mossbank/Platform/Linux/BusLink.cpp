@@ -6,6 +6,7 @@
 #include <QCoro/QCoroDBusPendingCall>
 #include <QDBusError>
 #include <QDBusPendingCall>
+#include <QPointer>
 
 using namespace Qt::StringLiterals;
 
@@ -15,6 +16,9 @@ namespace {
 
 const QString kBus = u"org.freedesktop.DBus"_s;
 const QString kBusPath = u"/org/freedesktop/DBus"_s;
+
+/// Takes down whoever waits for an answer on a link that has gone, frame by frame.
+struct LinkIsGone {};
 
 // Made in functions of their own: the compiler of Debian 12 loses lists within a `co_await`.
 
@@ -93,7 +97,11 @@ QCoro::Task<QDBusMessage> BusLink::call(BusCall call, int limit)
         co_return message.createErrorReply(QDBusError::Disconnected, u"The bus has gone."_s);
     message.setArguments(call.arguments);
     const QDBusPendingCall pending = m_connection->asyncCall(message, limit);
-    co_return co_await pending;
+    const QPointer<BusLink> link(this);
+    const QDBusMessage answer = co_await pending;
+    if (!link)
+        throw LinkIsGone();
+    co_return answer;
 }
 
 QCoro::Task<bool> BusLink::listen(BusSignals wanted, QObject* receiver, const char* slot, int limit)

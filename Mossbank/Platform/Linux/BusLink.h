@@ -33,6 +33,9 @@ struct BusSignals {
 /// A connection to a message bus on which nobody ever waits, not even for its opening: a bus that
 /// has stopped would hold an ordinary connection for as long as it likes.
 ///
+/// Who still waits for an answer when it goes is never gone on with: not even with an answer that
+/// is there already, since whoever asked for it has mostly gone as well.
+///
 /// Threading: the thread it is made on.
 /// Errors: an answer that does not come in time is an error message; nothing throws.
 class BusLink final : public QObject {
