@@ -198,6 +198,7 @@ int startOrSayWhyNot(const Availability& windows, const CommandLine& commandLine
 
 int main(int argc, char* argv[])
 {
+    keepMemoryTogether();
     openStandardFiles();
     const Availability windows = windowsAvailability();
     const auto application = makeApplication(argc, argv, windows.isAvailable);

@@ -43,6 +43,10 @@ struct Platform {
     QStringList passwordManagers;
 };
 
+/// Has what this program frees go back to the system rather than wait for its next use. Before any
+/// other thread is there.
+void keepMemoryTogether();
+
 /// Whether this program can have windows here. Asked before Qt connects to the desktop, which
 /// otherwise ends a program that cannot.
 Availability windowsAvailability();
