@@ -44,19 +44,15 @@ std::optional<DateInterval> hoursAround(std::span<const Date> timestamps, DateIn
 }
 
 /// Hour by hour, later ones first: a morning's work shows with the hours after it.
-DateInterval widened(DateInterval hours, DateInterval whole, const Calendar& calendar,
-                     double minimumSpan)
+DateInterval widened(DateInterval hours, DateInterval whole, double minimumSpan)
 {
     while (hours.duration() < minimumSpan) {
-        const auto next = calendar.dateInterval(Component::Hour, hours.end);
-        if (hours.end < whole.end && next && next->end > hours.end) {
-            hours.end = std::min(next->end, whole.end);
-            continue;
-        }
-        const auto before = calendar.dateInterval(Component::Hour, hours.start - 1);
-        if (hours.start <= whole.start || !before || before->start >= hours.start)
+        if (hours.end < whole.end)
+            hours.end = std::min(hours.end + kHour, whole.end);
+        else if (hours.start > whole.start)
+            hours.start = std::max(hours.start - kHour, whole.start);
+        else
             break;
-        hours.start = std::max(before->start, whole.start);
     }
     return hours;
 }
@@ -69,7 +65,7 @@ DayTimeline::DayTimeline(Date day, std::span<const Date> timestamps, const Calen
     const DateInterval whole = wholeDay(day, calendar);
     m_bounds = whole;
     if (const auto hours = hoursAround(timestamps, whole, calendar)) {
-        const DateInterval shown = widened(*hours, whole, calendar, minimumSpan);
+        const DateInterval shown = widened(*hours, whole, minimumSpan);
         m_bounds = {std::max(shown.start, whole.start), std::min(shown.end, whole.end)};
     }
     m_window = m_bounds;
