@@ -108,14 +108,15 @@ void Housekeeping::deleteAll()
     if (!m_store)
         return;
     m_recorder.forgetLastScreen();
-    m_deleting = Job::start(&Housekeeping::deleteEverything, this);
+    // Asked for at once, and not when this thread next has nothing else to do: it may be quitting.
+    m_deleting = Job::start(&Housekeeping::afterDeletion, this, m_store->deleteAll());
 }
 
-QCoro::Task<> Housekeeping::deleteEverything(Cancellation cancellation)
+QCoro::Task<> Housekeeping::afterDeletion(QFuture<void> deletion, Cancellation cancellation)
 {
     const QPointer<Housekeeping> self(this);
     try {
-        co_await awaited(m_store->deleteAll());
+        co_await awaited(deletion);
     } catch (const Failure& failure) {
         if (self)
             report("Could not delete history: %1", failure.message());

@@ -6,6 +6,7 @@
 #include "MossbankCore/Support/Job.h"
 
 #include <QCoroTask>
+#include <QFuture>
 #include <QLocale>
 #include <QObject>
 #include <QString>
@@ -56,7 +57,7 @@ Q_SIGNALS:
     void deleted();
 
 private:
-    QCoro::Task<> deleteEverything(Cancellation cancellation);
+    QCoro::Task<> afterDeletion(QFuture<void> deletion, Cancellation cancellation);
     void report(const char* sentence, const QString& reason);
 
     Surroundings m_around;
