@@ -34,6 +34,15 @@ Listing::Listing(Surroundings surroundings, Recorder& recorder, HistoryStore* st
     , m_store(store)
     , m_day(startOfDay(m_around.clock.now()))
 {
+    const Preferences& preferences = m_around.preferences;
+    connect(&preferences, &Preferences::lensChanged, this, &Listing::lensChanged);
+    connect(&preferences, &Preferences::hasSeenSearchHintChanged, this,
+            &Listing::showsSearchHintChanged);
+}
+
+Listing::~Listing()
+{
+    raiseGeneration();
 }
 
 std::optional<qsizetype> Listing::position(const QString& id) const
@@ -64,6 +73,7 @@ void Listing::setQuery(const QString& query)
 
 void Listing::setDay(std::optional<Date> day)
 {
+    day = day ? startOfDay(*day) : std::nullopt;
     if (day == m_day)
         return;
     m_day = day;
@@ -82,6 +92,9 @@ void Listing::setAppFilter(const std::optional<QString>& app)
 
 void Listing::shiftDay(int days)
 {
+    // Beyond these no calendar has a day.
+    constexpr int kFar = 10'000'000;
+    days = std::clamp(days, -kFar, kFar);
     const auto from = startOfDay(m_day.value_or(m_around.clock.now()));
     const auto today = startOfDay(m_around.clock.now());
     if (!from || !today)
@@ -99,9 +112,11 @@ void Listing::shiftDay(int days)
 
 std::optional<Date> Listing::latestDayWithHistory() const
 {
+    // Its first moment is another one where the zone has changed since it was chosen.
+    const auto chosen = m_day ? startOfDay(*m_day) : std::nullopt;
     for (auto day = m_stats.days.cend(); day != m_stats.days.cbegin();) {
         --day;
-        if (*day > 0 && day.key() != m_day)
+        if (*day > 0 && day.key() != chosen)
             return day.key();
     }
     return std::nullopt;
@@ -129,6 +144,19 @@ Listing::Lens Listing::lens() const
     return stored == kTimeline ? Lens::Timeline : stored == kAsk ? Lens::Ask : Lens::Moments;
 }
 
+QString Listing::help(Lens lens)
+{
+    switch (lens) {
+    case Lens::Moments:
+        return localized("One screenshot at a time");
+    case Lens::Timeline:
+        return localized("The day grouped into stretches of work");
+    case Lens::Ask:
+        break;
+    }
+    return localized("Ask a question and get the moments that answer it");
+}
+
 void Listing::setLens(Lens lens)
 {
     if (lens == this->lens())
@@ -136,7 +164,6 @@ void Listing::setLens(Lens lens)
     m_around.preferences.setLens(lens == Lens::Timeline ? kTimeline
                                  : lens == Lens::Ask    ? kAsk
                                                         : kMoments);
-    Q_EMIT lensChanged();
 }
 
 // Selection
@@ -155,16 +182,18 @@ const Memory* Listing::selected() const
     return place ? &m_memories.at(*place) : nullptr;
 }
 
-std::optional<QString> Listing::imagePath() const
+std::optional<QUrl> Listing::imageURL() const
 {
     const Memory* const memory = selected();
     if (!memory || !m_store)
         return std::nullopt;
-    return m_store->images() + u'/' + memory->filename;
+    return QUrl::fromLocalFile(m_store->images() + u'/' + memory->filename);
 }
 
 void Listing::step(qsizetype delta)
 {
+    // Further than from one end to the other is no further.
+    delta = std::clamp(delta, -m_memories.size(), m_memories.size());
     const auto from = m_selectedID ? position(*m_selectedID) : std::nullopt;
     if (from && *from - delta >= m_memories.size() && canShowEarlier()) {
         showEarlier();
@@ -186,7 +215,7 @@ void Listing::setShowsEnlarged(bool shows)
 void Listing::openWorkspace()
 {
     ++m_openWorkspaces;
-    refreshSoon();
+    refresh();
 }
 
 void Listing::closeWorkspace()
@@ -202,10 +231,8 @@ bool Listing::showsSearchHint() const
 
 void Listing::dismissSearchHint()
 {
-    if (m_around.preferences.hasSeenSearchHint())
-        return;
-    m_around.preferences.setHasSeenSearchHint(true);
-    Q_EMIT showsSearchHintChanged();
+    if (!m_around.preferences.hasSeenSearchHint())
+        m_around.preferences.setHasSeenSearchHint(true);
 }
 
 // Deleting
@@ -221,21 +248,22 @@ void Listing::deleteSelected()
         else if (*place > 0)
             next = m_memories.at(*place - 1).id;
     }
-    m_deleting = Job::start(&Listing::deleteMemory, this, *m_selectedID, next);
+    afterDeletion(m_store->deleteMemory(*m_selectedID), next);
 }
 
-QCoro::Task<> Listing::deleteMemory(QString id, std::optional<QString> next,
-                                    Cancellation cancellation)
+QCoro::Task<> Listing::afterDeletion(QFuture<void> deletion, std::optional<QString> next)
 {
     const QPointer<Listing> self(this);
+    const quint64 number = ++m_deletions;
     try {
-        co_await awaited(m_store->deleteMemory(id));
+        co_await awaited(deletion);
     } catch (const Failure& failure) {
         if (self)
             m_recorder.setErrorMessage(
                 localized("Could not delete the screenshot: %1").arg(failure.message()));
     }
-    if (!self || cancellation.isRequested())
+    // Whoever has deleted another one since is past it.
+    if (!self || number != m_deletions)
         co_return;
     if (next)
         setSelectedID(next);

@@ -14,6 +14,7 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QUrl>
 
 #include <optional>
 #include <ranges>
@@ -42,6 +43,7 @@ public:
     /// The recorder and the store outlive it. Without a store the list stays empty.
     Listing(Surroundings surroundings, Recorder& recorder, HistoryStore* store,
             QObject* parent = nullptr);
+    ~Listing() override;
 
     /// The list on show, newest first, with the text of each.
     const QList<Memory>& memories() const { return m_memories; }
@@ -62,6 +64,7 @@ public:
     void setQuery(const QString& query);
     /// The first moment of the chosen day. Absent: all history.
     const std::optional<Date>& day() const { return m_day; }
+    /// The day that any of its moments is of.
     void setDay(std::optional<Date> day);
     /// The chosen application, by the name that it has in the library.
     const std::optional<QString>& appFilter() const { return m_appFilter; }
@@ -75,13 +78,15 @@ public:
 
     Lens lens() const;
     void setLens(Lens lens);
+    /// What a lens shows, in a sentence.
+    static QString help(Lens lens);
 
     /// The screenshot in the viewer.
     const std::optional<QString>& selectedID() const { return m_selectedID; }
     void setSelectedID(const std::optional<QString>& id);
     const Memory* selected() const;
-    /// Path of its picture. Absent where nothing is selected, or there is no library.
-    std::optional<QString> imagePath() const;
+    /// Where its picture is. Absent where nothing is selected, or there is no library.
+    std::optional<QUrl> imageURL() const;
     /// One row towards the newest for 1, towards the oldest for -1.
     void step(qsizetype delta);
 
@@ -93,10 +98,9 @@ public:
     bool isListedByMeaning() const { return m_isListedByMeaning; }
     void showByMeaning(const QList<Memory>& memories);
 
-    /// Makes the list anew; without a window on show, the counts alone.
+    /// Makes the list anew; without a window on show, the counts alone. Whoever does not wait for
+    /// it drops the task: it goes on, and ends by itself when the list goes.
     QCoro::Task<> refresh();
-    /// The same, without waiting for it.
-    void refreshSoon();
     bool canShowEarlier() const;
     /// Adds rows at the old end, and selects the first of them.
     void showEarlier();
@@ -113,8 +117,9 @@ public:
     void dismissSearchHint();
 
 Q_SIGNALS:
-    /// The list, and with it whether it is all, what was found on which day, and by what.
+    /// The list, and with it whether it is all, and what was found on which day.
     void memoriesChanged();
+    void isListedByMeaningChanged();
     void isLoadingChanged();
     void statsChanged();
     void queryChanged();
@@ -157,12 +162,13 @@ private:
     QCoro::Task<> refreshStats();
     QCoro::Task<> refreshList();
     QCoro::Task<> refreshLater(Cancellation cancellation);
-    QCoro::Task<> refreshNow(Cancellation cancellation);
-    QCoro::Task<> deleteMemory(QString id, std::optional<QString> next, Cancellation cancellation);
+    QCoro::Task<> afterDeletion(QFuture<void> deletion, std::optional<QString> next);
     void publish(const Request& request, Answer answer);
     void take(QList<Memory> memories);
-    /// That one, or else one that is on the list.
-    void select(const std::optional<QString>& id);
+    /// That one, or else one that is on the list. Whether it is another one than before; nobody is
+    /// told.
+    bool select(const std::optional<QString>& id);
+    void setListedByMeaning(bool isListedByMeaning);
     void setLoading(bool isLoading);
     void setStats(const LibraryStats& stats);
     void scheduleRefresh();
@@ -195,12 +201,12 @@ private:
     quint64 m_generation = 0;
     /// Of the one that `isLoading` is of.
     quint64 m_loadingGeneration = 0;
+    /// How many deletions were asked for.
+    quint64 m_deletions = 0;
     QFuture<QList<Memory>> m_fetching;
     QFuture<QMap<Date, qsizetype>> m_counting;
-    /// Last: they are cancelled before anything above goes.
+    /// Last: it is cancelled before anything above goes.
     Job m_refreshing;
-    Job m_loading;
-    Job m_deleting;
 };
 
 } // namespace mossbank

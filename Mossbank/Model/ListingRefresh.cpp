@@ -43,7 +43,7 @@ void Listing::raiseGeneration()
 
 void Listing::scheduleRefresh()
 {
-    m_isListedByMeaning = false;
+    setListedByMeaning(false);
     m_earlierFrom.reset();
     raiseGeneration();
     m_refreshing = Job::start(&Listing::refreshLater, this);
@@ -54,16 +54,6 @@ QCoro::Task<> Listing::refreshLater(Cancellation cancellation)
     const bool isAwaited = co_await m_around.clock.sleep(kUntilTyped, cancellation);
     if (!isAwaited)
         co_return;
-    co_await refresh();
-}
-
-void Listing::refreshSoon()
-{
-    m_loading = Job::start(&Listing::refreshNow, this);
-}
-
-QCoro::Task<> Listing::refreshNow(Cancellation)
-{
     co_await refresh();
 }
 
@@ -114,10 +104,12 @@ Listing::Request Listing::makeRequest()
 QCoro::Task<Listing::Answer> Listing::ask(Request request)
 {
     const QPointer<Listing> self(this);
-    const auto requireSelf = [&self] {
-        if (!self)
-            throw Failure(u"The list is gone."_s);
+    // The library is not to be asked for what nobody waits for any more.
+    const auto requireNewest = [&] {
+        if (!self || request.generation != m_generation)
+            throw Failure(u"Something newer was asked for."_s);
     };
+    requireNewest();
     // One more tells whether there are more.
     const qsizetype limit = std::min(request.wanted, kMostRows + kSlack) + 1;
     Answer answer;
@@ -127,12 +119,11 @@ QCoro::Task<Listing::Answer> Listing::ask(Request request)
                                  .limit = static_cast<int>(limit),
                                  .withText = true});
     answer.rows = co_await awaited(m_fetching);
-    requireSelf();
+    requireNewest();
     // The list is held once, and not by its future as well.
-    if (request.generation == m_generation)
-        m_fetching = {};
+    m_fetching = {};
     answer.stats = co_await awaited(m_store->stats());
-    requireSelf();
+    requireNewest();
     if (!request.filters.query.isEmpty() || request.filters.app) {
         m_counting =
             m_store->dayCounts({.query = request.filters.query, .app = request.filters.app});
@@ -190,9 +181,13 @@ void Listing::publish(const Request& request, Answer answer)
     take(std::move(rows));
     m_extent = extent;
     m_dayMatches = std::move(answer.dayMatches);
-    select(isEarlierAdded ? std::optional(m_memories.at(*anchor + 1).id) : std::nullopt);
-    setStats(answer.stats);
+    const bool isSelectionNew =
+        select(isEarlierAdded ? std::optional(m_memories.at(*anchor + 1).id) : std::nullopt);
+    // What is selected stands on a list that its viewers have heard of.
     Q_EMIT memoriesChanged();
+    if (isSelectionNew)
+        Q_EMIT selectedIDChanged();
+    setStats(answer.stats);
 }
 
 void Listing::take(QList<Memory> memories)
@@ -209,13 +204,22 @@ void Listing::take(QList<Memory> memories)
                             std::as_const(m_memories).end();
 }
 
-void Listing::select(const std::optional<QString>& id)
+bool Listing::select(const std::optional<QString>& id)
 {
+    const std::optional<QString> before = m_selectedID;
     if (id)
-        setSelectedID(id);
-    else if (!m_selectedID || !position(*m_selectedID))
-        setSelectedID(m_memories.isEmpty() ? std::nullopt
-                                           : std::optional(m_memories.constFirst().id));
+        m_selectedID = id;
+    else if (m_memories.isEmpty())
+        m_selectedID.reset();
+    else if (!selected())
+        m_selectedID = m_memories.constFirst().id;
+    return m_selectedID != before;
+}
+
+void Listing::setListedByMeaning(bool isListedByMeaning)
+{
+    if (std::exchange(m_isListedByMeaning, isListedByMeaning) != isListedByMeaning)
+        Q_EMIT isListedByMeaningChanged();
 }
 
 void Listing::setLoading(bool isLoading)
@@ -239,13 +243,15 @@ void Listing::showByMeaning(const QList<Memory>& memories)
 {
     raiseGeneration();
     m_earlierFrom.reset();
-    m_isListedByMeaning = true;
     m_listedFilters.reset();
     take(memories);
     m_extent = Extent::Complete;
-    select(std::nullopt);
-    setLoading(false);
+    const bool isSelectionNew = select(std::nullopt);
+    setListedByMeaning(true);
     Q_EMIT memoriesChanged();
+    if (isSelectionNew)
+        Q_EMIT selectedIDChanged();
+    setLoading(false);
 }
 
 bool Listing::canShowEarlier() const
@@ -258,7 +264,7 @@ void Listing::showEarlier()
     if (!canShowEarlier() || m_earlierFrom || m_memories.isEmpty())
         return;
     m_earlierFrom = m_memories.constLast().id;
-    refreshSoon();
+    refresh();
 }
 
 } // namespace mossbank

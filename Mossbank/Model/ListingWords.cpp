@@ -115,7 +115,9 @@ qsizetype ListingWords::matchesElsewhere() const
         return 0;
     const QMap<Date, qsizetype>& matches = *m_about.dayMatches;
     const auto all = std::accumulate(matches.cbegin(), matches.cend(), qsizetype{0});
-    return all - matches.value(*m_about.day);
+    // Its first moment is another one where the zone has changed since it was chosen.
+    const auto day = m_calendar.dateInterval(Calendar::Component::Day, *m_about.day);
+    return day ? all - matches.value(day->start) : all;
 }
 
 QString ListingWords::elsewhereDetail(qsizetype count) const

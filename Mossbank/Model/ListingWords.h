@@ -51,14 +51,14 @@ public:
     /// What is said in place of an empty list, and below it.
     QString emptyTitle() const;
     QString emptyDetail() const;
+    /// How many match on other days than the chosen one. 0 where that was not asked for.
+    qsizetype matchesElsewhere() const;
 
 private:
     enum class ChosenDay { AllHistory, Today, Yesterday, Another };
 
     ChosenDay chosenDay(Date now) const;
     QString date() const;
-    /// How many match on other days than the chosen one. 0 where that was not asked for.
-    qsizetype matchesElsewhere() const;
     QString elsewhereDetail(qsizetype count) const;
     QString appDetail() const;
 

@@ -147,7 +147,7 @@ private:
             select();
         // As after a save.
         if (upTo(3) == 0)
-            listing().refreshSoon();
+            listing().refresh();
         turn();
     }
 

@@ -22,7 +22,7 @@ private Q_SLOTS:
         QCOMPARE(listing().appFilter(), std::nullopt);
         QCOMPARE(listing().selectedID(), std::nullopt);
         QCOMPARE(listing().selected(), nullptr);
-        QCOMPARE(listing().imagePath(), std::nullopt);
+        QCOMPARE(listing().imageURL(), std::nullopt);
         QCOMPARE(listing().extent(), Listing::Extent::Complete);
         QCOMPARE(listing().lens(), Listing::Lens::Moments);
         QVERIFY(listing().memories().isEmpty());
@@ -151,7 +151,8 @@ private Q_SLOTS:
         QCOMPARE(selected(), u"a2"_s);
         listing().setSelectedID(u"a1"_s);
         QCOMPARE(listing().selected()->id, u"a1"_s);
-        QCOMPARE(listing().imagePath(), std::optional(m_rig->store->images() + u"/a1.jpg"_s));
+        QCOMPARE(listing().imageURL(),
+                 std::optional(QUrl::fromLocalFile(m_rig->store->images() + u"/a1.jpg"_s)));
         add(u"b"_s, kToday + 10, 1, kEditor, u"egret"_s);
         refresh();
         QCOMPARE(selected(), u"a1"_s);
@@ -359,7 +360,7 @@ private Q_SLOTS:
         none.showEarlier();
         none.step(1);
         QVERIFY(!none.isLoading());
-        QCOMPARE(none.imagePath(), std::nullopt);
+        QCOMPARE(none.imageURL(), std::nullopt);
     }
 };
 
