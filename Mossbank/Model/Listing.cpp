@@ -248,26 +248,55 @@ void Listing::deleteSelected()
         else if (*place > 0)
             next = m_memories.at(*place - 1).id;
     }
-    afterDeletion(m_store->deleteMemory(*m_selectedID), next);
+    afterDeletion(m_store->deleteMemory(*m_selectedID), *m_selectedID, next);
 }
 
-QCoro::Task<> Listing::afterDeletion(QFuture<void> deletion, std::optional<QString> next)
+QCoro::Task<> Listing::afterDeletion(QFuture<void> deletion, QString id,
+                                     std::optional<QString> next)
 {
     const QPointer<Listing> self(this);
     const quint64 number = ++m_deletions;
+    bool isGone = false;
     try {
         co_await awaited(deletion);
+        isGone = true;
     } catch (const Failure& failure) {
         if (self)
             m_recorder.setErrorMessage(
                 localized("Could not delete the screenshot: %1").arg(failure.message()));
     }
-    // Whoever has deleted another one since is past it.
-    if (!self || number != m_deletions)
+    if (!self)
         co_return;
-    if (next)
+    // Whoever has deleted another one since is past it.
+    const bool isLast = number == m_deletions;
+    if (isLast && next)
         setSelectedID(next);
-    co_await refresh();
+    if (isGone && !isMadeAnew())
+        drop(id);
+    if (isLast)
+        co_await refresh();
+}
+
+void Listing::drop(const QString& id)
+{
+    const auto place = position(id);
+    if (!place)
+        return;
+    QList<Memory> left = m_memories;
+    left.removeAt(*place);
+    show(std::move(left), std::nullopt);
+}
+
+void Listing::forgetAll()
+{
+    raiseGeneration();
+    setListedByMeaning(false);
+    m_earlierFrom.reset();
+    m_listedFilters.reset();
+    m_dayMatches.reset();
+    m_extent = Extent::Complete;
+    show({}, std::nullopt);
+    refresh();
 }
 
 } // namespace mossbank

@@ -104,8 +104,11 @@ public:
     bool canShowEarlier() const;
     /// Adds rows at the old end, and selects the first of them.
     void showEarlier();
-    /// Removes the selected screenshot, and selects the next older one.
+    /// Removes the selected screenshot, and selects the next older one. It is off the list as well,
+    /// also off one that is not made anew.
     void deleteSelected();
+    /// Holds none of what was on the list, and makes it anew: everything has been deleted.
+    void forgetAll();
 
     /// A window that shows the list comes, and goes.
     void openWorkspace();
@@ -162,7 +165,13 @@ private:
     QCoro::Task<> refreshStats();
     QCoro::Task<> refreshList();
     QCoro::Task<> refreshLater(Cancellation cancellation);
-    QCoro::Task<> afterDeletion(QFuture<void> deletion, std::optional<QString> next);
+    QCoro::Task<> afterDeletion(QFuture<void> deletion, QString id, std::optional<QString> next);
+    /// Takes off the list what is gone from the library.
+    void drop(const QString& id);
+    /// Whether a refresh makes the list anew.
+    bool isMadeAnew() const { return showsWorkspace() && !m_isListedByMeaning; }
+    /// Puts these on show and tells of it. With `selected`, or else as `select` has it.
+    void show(QList<Memory> memories, const std::optional<QString>& selected);
     void publish(const Request& request, Answer answer);
     void take(QList<Memory> memories);
     /// That one, or else one that is on the list. Whether it is another one than before; nobody is

@@ -61,7 +61,7 @@ QCoro::Task<> Listing::refresh()
 {
     if (!m_store)
         co_return;
-    if (m_isListedByMeaning || !showsWorkspace()) {
+    if (!isMadeAnew()) {
         co_await refreshStats();
         co_return;
     }
@@ -178,16 +178,21 @@ void Listing::publish(const Request& request, Answer answer)
     const bool isEarlierAdded = m_earlierFrom && anchor && *anchor + 1 < shown;
     m_earlierFrom.reset();
     m_listedFilters = request.filters;
-    take(std::move(rows));
     m_extent = extent;
     m_dayMatches = std::move(answer.dayMatches);
-    const bool isSelectionNew =
-        select(isEarlierAdded ? std::optional(m_memories.at(*anchor + 1).id) : std::nullopt);
+    const auto added = isEarlierAdded ? std::optional(rows.at(*anchor + 1).id) : std::nullopt;
+    show(std::move(rows), added);
+    setStats(answer.stats);
+}
+
+void Listing::show(QList<Memory> memories, const std::optional<QString>& selected)
+{
+    take(std::move(memories));
+    const bool isSelectionNew = select(selected);
     // What is selected stands on a list that its viewers have heard of.
     Q_EMIT memoriesChanged();
     if (isSelectionNew)
         Q_EMIT selectedIDChanged();
-    setStats(answer.stats);
 }
 
 void Listing::take(QList<Memory> memories)
@@ -244,13 +249,9 @@ void Listing::showByMeaning(const QList<Memory>& memories)
     raiseGeneration();
     m_earlierFrom.reset();
     m_listedFilters.reset();
-    take(memories);
     m_extent = Extent::Complete;
-    const bool isSelectionNew = select(std::nullopt);
     setListedByMeaning(true);
-    Q_EMIT memoriesChanged();
-    if (isSelectionNew)
-        Q_EMIT selectedIDChanged();
+    show(memories, std::nullopt);
     setLoading(false);
 }
 

@@ -82,6 +82,60 @@ private Q_SLOTS:
         QCOMPARE(listing().latestDayWithHistory(), std::optional(kToday));
     }
 
+    void whatIsDeletedIsOffAListThatIsNotMadeAnew_data()
+    {
+        QTest::addColumn<bool>("hasWindow");
+        QTest::newRow("found by meaning") << true;
+        QTest::newRow("no window is open") << false;
+    }
+    void whatIsDeletedIsOffAListThatIsNotMadeAnew()
+    {
+        QFETCH(bool, hasWindow);
+        add(u"a"_s, kToday, 3);
+        open();
+        if (hasWindow)
+            listing().showByMeaning(listing().memories());
+        else
+            listing().closeWorkspace();
+        listing().setSelectedID(u"a1"_s);
+        listing().deleteSelected();
+        QTRY_COMPARE(ids(), u"a2 a0"_s);
+        QTRY_COMPARE(selected(), u"a0"_s);
+        QTRY_COMPARE(listing().stats().count, 2);
+        QCOMPARE(listing().isListedByMeaning(), hasWindow);
+        listing().deleteSelected();
+        QTRY_COMPARE(selected(), u"a2"_s);
+        listing().deleteSelected();
+        QTRY_COMPARE(ids(), QString());
+        QTRY_COMPARE(selected(), u"none"_s);
+    }
+
+    void whatCouldNotBeDeletedStaysOnTheList()
+    {
+        add(u"a"_s, kToday, 2);
+        open();
+        listing().showByMeaning(listing().memories());
+        breakLibrary();
+        listing().deleteSelected();
+        QTRY_VERIFY(error().startsWith(u"Could not delete the screenshot: "_s));
+        QCOMPARE(ids(), u"a1 a0"_s);
+        mendLibrary();
+    }
+
+    void nothingIsHeldOfWhatWasDeletedAsAWhole()
+    {
+        add(u"a"_s, kToday, 2);
+        open();
+        listing().showByMeaning(listing().memories());
+        listing().closeWorkspace();
+        m_sql->run(u"DELETE FROM memories"_s);
+        listing().forgetAll();
+        QVERIFY(listing().memories().isEmpty());
+        QCOMPARE(listing().selectedID(), std::nullopt);
+        QVERIFY(!listing().isListedByMeaning());
+        QTRY_COMPARE(listing().stats().count, 0);
+    }
+
     void typingEndsTheListByMeaningAtOnce()
     {
         QSignalSpy meanings(&listing(), &Listing::isListedByMeaningChanged);
