@@ -6,6 +6,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <vector>
@@ -202,9 +203,13 @@ private Q_SLOTS:
         // It looks again every ten seconds.
         QTest::qWait(12'000);
         for (const auto& desk : m_desks) {
-            for (const QString& sentence : unknown())
-                QVERIFY2(desk->mossbank().terminal().count(sentence) == 1,
-                         qPrintable(sentence + u'\n' + desk->mossbank().terminal()));
+            // With another reason it is told again: a bus that is silent before it has gone.
+            QStringList lines = desk->mossbank().terminal().split(u'\n');
+            lines.removeIf([](const QString& line) {
+                return std::ranges::none_of(
+                    unknown(), [&](const QString& sentence) { return line.contains(sentence); });
+            });
+            QVERIFY2(lines.removeDuplicates() == 0, qPrintable(desk->mossbank().terminal()));
         }
         QVERIFY(without.kept().rows > m_kept.front().rows);
         QVERIFY(left.kept().rows > m_kept.back().rows);
