@@ -70,7 +70,13 @@ bool Statement::step()
 QString Statement::text(int column) const
 {
     const auto* utf8 = reinterpret_cast<const char*>(sqlite3_column_text(m_handle.get(), column));
-    return utf8 ? QString::fromUtf8(utf8, sqlite3_column_bytes(m_handle.get(), column)) : QString();
+    if (!utf8)
+        return {};
+    QString text = QString::fromUtf8(utf8, sqlite3_column_bytes(m_handle.get(), column));
+    // Qt makes room for a unit a byte, thrice of what a Japanese text then takes.
+    if (text.capacity() > text.size() + text.size() / 4)
+        text.squeeze();
+    return text;
 }
 
 double Statement::real(int column) const
