@@ -225,9 +225,15 @@ private:
     enum class Walk { AlongTheTimes, WhicheverIsQuicker };
     /// The rows that hold what was typed. False when nothing can.
     bool addQuery(Conditions& conditions, const QString& query, Walk walk);
-    /// False when it is sure that an expression matches few screenshots.
-    bool mayMatchMany(const QString& expression);
-    void addDay(Conditions& conditions, const std::optional<Date>& date) const;
+    /// The same of one day.
+    bool addQueryOfDay(Conditions& conditions, const QString& query, const DateInterval& day);
+    /// False when it is sure that an expression matches fewer screenshots than `many`.
+    bool mayMatchMany(const QString& expression, int many);
+    /// How many screenshots match an expression that many do.
+    QMap<Date, qsizetype> dayCountsOfMany(const QString& expression);
+    /// The day of a date; absent where there is no condition.
+    std::optional<DateInterval> dayOf(const std::optional<Date>& date) const;
+    static void addDay(Conditions& conditions, const std::optional<DateInterval>& day);
     static void addApp(Conditions& conditions, const std::optional<QString>& app);
     bool hasTitles() const;
     /// The columns of a Memory, in the order that `readMemory` takes them.

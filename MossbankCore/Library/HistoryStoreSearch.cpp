@@ -2,6 +2,7 @@
 //
 // Finding screenshots: by what was typed, for a question, by identity, and how many a day.
 #include "MossbankCore/Library/DayCounter.h"
+#include "MossbankCore/Library/FoundRows.h"
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Library/Schema.h"
 #include "MossbankCore/Library/SmallerSteps.h"
@@ -31,6 +32,8 @@ QString HistoryStore::Conditions::whereSQL() const
 
 bool HistoryStore::addQuery(Conditions& conditions, const QString& query, Walk walk)
 {
+    // Looking up and sorting so many takes as long as a walk along the times of a large library.
+    constexpr int kMany = 2'000;
     if (query.trimmed().isEmpty())
         return true;
     const auto expression = searchExpression(query);
@@ -38,7 +41,7 @@ bool HistoryStore::addQuery(Conditions& conditions, const QString& query, Walk w
         return false;
     // The plus keeps SQLite from looking every match up by its rowid and sorting them all: it
     // walks memories_time instead and stops at the limit.
-    const bool alongTheTimes = walk == Walk::AlongTheTimes || mayMatchMany(*expression);
+    const bool alongTheTimes = walk == Walk::AlongTheTimes || mayMatchMany(*expression, kMany);
     conditions.clauses.append(
         (alongTheTimes ? u"+"_s : QString()) +
         u"rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ?)"_s);
@@ -46,14 +49,38 @@ bool HistoryStore::addQuery(Conditions& conditions, const QString& query, Walk w
     return true;
 }
 
-bool HistoryStore::mayMatchMany(const QString& expression)
+bool HistoryStore::addQueryOfDay(Conditions& conditions, const QString& query,
+                                 const DateInterval& day)
 {
-    // Looking up and sorting so many takes as long as a walk along the times of a large library.
-    constexpr int kMany = 2'000;
-    const auto areMany = [this](const QString& asked) {
+    if (query.trimmed().isEmpty())
+        return true;
+    const auto expression = searchExpression(query);
+    if (!expression)
+        return false;
+    // What is matched on other days is brought together in vain. The index can be asked for a
+    // stretch of rowids, and those of a day mostly are one.
+    Conditions ofDay;
+    addDay(ofDay, day);
+    Statement ends = m_db.statement(u"SELECT count(*), min(rowid), max(rowid) FROM memories"_s +
+                                    ofDay.whereSQL());
+    ends.bind(ofDay.values);
+    if (!ends.step() || ends.integer(0) == 0)
+        return false;
+    // A day is a short walk already, as the plus has it.
+    conditions.clauses.append(
+        u"+rowid IN (SELECT rowid FROM memory_search WHERE memory_search MATCH ? AND rowid BETWEEN "
+        "%1 AND %2)"_s.arg(ends.integer(1))
+            .arg(ends.integer(2)));
+    conditions.values.append(inSmallerSteps(m_db, *expression));
+    return true;
+}
+
+bool HistoryStore::mayMatchMany(const QString& expression, int many)
+{
+    const auto areMany = [this, many](const QString& asked) {
         Statement matches = m_db.statement(
             u"SELECT 1 FROM memory_search WHERE memory_search MATCH ? LIMIT 1 OFFSET %1"_s.arg(
-                kMany - 1));
+                many - 1));
         matches.bind({asked});
         return matches.step();
     };
@@ -65,11 +92,13 @@ bool HistoryStore::mayMatchMany(const QString& expression)
            areMany(QString(expression).remove(u'*')) || areMany(expression);
 }
 
-void HistoryStore::addDay(Conditions& conditions, const std::optional<Date>& date) const
+std::optional<DateInterval> HistoryStore::dayOf(const std::optional<Date>& date) const
 {
-    if (!date)
-        return;
-    const auto day = m_calendar().dateInterval(Calendar::Component::Day, *date);
+    return date ? m_calendar().dateInterval(Calendar::Component::Day, *date) : std::nullopt;
+}
+
+void HistoryStore::addDay(Conditions& conditions, const std::optional<DateInterval>& day)
+{
     if (!day)
         return;
     conditions.clauses.append(u"timestamp >= ? AND timestamp < ?"_s);
@@ -132,11 +161,12 @@ QList<Memory> HistoryStore::fetchNow(const FetchRequest& request)
 {
     constexpr int kMostRows = 86'400;
     Conditions conditions;
-    // A day is a short walk already.
-    if (!addQuery(conditions, request.query,
-                  request.day ? Walk::AlongTheTimes : Walk::WhicheverIsQuicker))
+    const auto day = dayOf(request.day);
+    const bool canMatch = day ? addQueryOfDay(conditions, request.query, *day)
+                              : addQuery(conditions, request.query, Walk::WhicheverIsQuicker);
+    if (!canMatch)
         return {};
-    addDay(conditions, request.day);
+    addDay(conditions, day);
     addApp(conditions, request.app);
     return readMemories(u"SELECT %1 FROM memories%2 ORDER BY timestamp DESC, rowid DESC%3"_s.arg(
                             memoryColumns(request.withText ? u"text"_s : u"'' AS text"_s),
@@ -156,7 +186,7 @@ QList<Memory> HistoryStore::candidatesNow(const CandidatesRequest& request)
     if (!expression)
         return {};
     Conditions conditions = {{u"s.rowid = m.rowid"_s}, {*expression}};
-    addDay(conditions, request.day);
+    addDay(conditions, dayOf(request.day));
     addApp(conditions, request.app);
     // A word of the title tells eight times as much as one of the text, of the address four times.
     // The columns are id, application, title, address and text; older ones have no title.
@@ -178,6 +208,11 @@ QFuture<QMap<Date, qsizetype>> HistoryStore::dayCounts(DayCountsRequest request)
 
 QMap<Date, qsizetype> HistoryStore::dayCountsNow(const DayCountsRequest& request)
 {
+    // Of fewer SQLite makes the set of rows quicker than all of them are walked by here.
+    constexpr int kMany = 50'000;
+    const auto expression = searchExpression(request.query);
+    if (expression && !request.app && mayMatchMany(*expression, kMany))
+        return dayCountsOfMany(inSmallerSteps(m_db, *expression));
     Conditions conditions;
     if (!addQuery(conditions, request.query, Walk::AlongTheTimes))
         return {};
@@ -188,6 +223,24 @@ QMap<Date, qsizetype> HistoryStore::dayCountsNow(const DayCountsRequest& request
     DayCounter counter(m_calendar());
     while (rows.step())
         counter.add({rows.real(0)});
+    return counter.days();
+}
+
+QMap<Date, qsizetype> HistoryStore::dayCountsOfMany(const QString& expression)
+{
+    // SQLite makes a tree of the rows that match, which takes most of its time where they are many.
+    Statement matches = m_db.statement(
+        u"SELECT rowid FROM memory_search WHERE memory_search MATCH ? ORDER BY rowid"_s);
+    matches.bind({expression});
+    FoundRows found;
+    while (matches.step())
+        found.append(matches.integer(0));
+    Statement rows = m_db.statement(u"SELECT timestamp, rowid FROM memories ORDER BY timestamp"_s);
+    DayCounter counter(m_calendar());
+    while (rows.step()) {
+        if (found.contains(rows.integer(1)))
+            counter.add({rows.real(0)});
+    }
     return counter.days();
 }
 

@@ -32,7 +32,10 @@ private Q_SLOTS:
     void textIsReadOnlyWhenAskedFor();
     void turkishIsFoundHoweverTyped_data();
     void turkishIsFoundHoweverTyped();
+    void aTextTakesNoMoreRoomThanItNeeds();
     void aDayLeavesItsEndOut();
+    void aDayIsSearchedWhereverItsRowsLie();
+    void anEmptyDayIsNotSearched();
     void aDayOfTheClockChangeIsFetchedWhole();
     void aDayBeyondTheCalendarDoesNotNarrow();
     void applicationsAreComparedToTheLetter();
@@ -169,6 +172,50 @@ void FetchTest::turkishIsFoundHoweverTyped()
     QCOMPARE(found({.query = typed, .limit = 9}), QStringList{u"A"_s});
 }
 
+void FetchTest::aTextTakesNoMoreRoomThanItNeeds()
+{
+    constexpr qsizetype kLength = 1000;
+    for (const QChar letter : {u'a', u'ä', u'漢'}) {
+        save(letter, letter.unicode(), QString(kLength, letter));
+        const Memory memory = m_store->fetch({.limit = 1, .withText = true}).result().first();
+        QCOMPARE(memory.text, QString(kLength, letter));
+        QVERIFY2(memory.text.capacity() <= kLength * 5 / 4,
+                 qPrintable(QString::number(memory.text.capacity())));
+    }
+}
+
+void FetchTest::aDayIsSearchedWhereverItsRowsLie()
+{
+    const Date day = *berlin().startOfDay(2024, 5, 17);
+    const double noon = day.secondsSince1970 + 43'200;
+    constexpr double kDay = 86'400;
+    save(u"OLDER"_s, noon - kDay, u"moss"_s);
+    save(u"FIRST"_s, noon, u"moss"_s);
+    save(u"BETWEEN"_s, noon + kDay, u"moss"_s);
+    save(u"OTHER"_s, noon + 1, u"fern"_s);
+    save(u"LAST"_s, noon - 1, u"moss"_s);
+    save(u"NEWER"_s, noon + kDay, u"moss"_s);
+    QCOMPARE(found({.query = u"moss"_s, .day = day, .limit = 9}),
+             (QStringList{u"FIRST"_s, u"LAST"_s}));
+    QCOMPARE(found({.query = u"m"_s, .day = day, .limit = 9}),
+             (QStringList{u"FIRST"_s, u"LAST"_s}));
+    QCOMPARE(found({.query = u"moss"_s, .day = day - kDay, .limit = 9}), QStringList{u"OLDER"_s});
+    QCOMPARE(found({.query = u"moss"_s, .day = Date{qQNaN()}, .limit = 9}).size(), 5);
+}
+
+void FetchTest::anEmptyDayIsNotSearched()
+{
+    m_store.reset();
+    SqlWatch watch;
+    m_store = std::make_unique<HistoryStore>(
+        HistoryStore::Writing{.root = m_folder->root(), .calendar = berlin});
+    save(u"A"_s, 1, u"moss"_s);
+    watch.take();
+    QCOMPARE(found({.query = u"moss"_s, .day = berlin().startOfDay(2024, 5, 17), .limit = 9}),
+             QStringList{});
+    QVERIFY(!watch.take().join(u'\n').contains(u"MATCH"_s));
+}
+
 void FetchTest::aDayLeavesItsEndOut()
 {
     const Date start = *berlin().startOfDay(2024, 5, 17);
@@ -277,7 +324,7 @@ void FetchTest::theWayToTheRowsIsTheQuickerOne()
         {.query = u"fern moss"_s, .limit = 500, .withText = true},
         {.query = u"o"_s, .limit = 500},
         {.day = day, .limit = 500},
-        {.query = u"oak"_s, .day = day, .limit = 500},
+        {.query = u"oak"_s, .day = Date{1}, .limit = 500},
     };
     for (const HistoryStore::FetchRequest& request : alongTheTimes) {
         const QString plan = planOf(request);

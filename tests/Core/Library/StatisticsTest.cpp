@@ -52,6 +52,7 @@ private Q_SLOTS:
     void theGreatestIdentityOfANameWins();
     void aDayWithinASlotBeginsWithIt();
     void aSearchIsCountedByDay();
+    void manyMatchesAreCountedAsFewAre();
     void aSearchThatMatchesNothingHasNoDays();
     void aDateBeyondTheCalendarIsADayByItself();
     void countsAndStatisticsAgree();
@@ -178,6 +179,40 @@ void StatisticsTest::aSearchIsCountedByDay()
     RawSql(m_folder->database())
         .run(u"UPDATE memories SET timestamp = timestamp - 86400 WHERE timestamp < 90000 AND "
              "timestamp > 5000"_s);
+}
+
+void StatisticsTest::manyMatchesAreCountedAsFewAre()
+{
+    // Taken in another order than saved, and some of them gone.
+    constexpr int kRows = 70'000;
+    constexpr int kPrime = 7'919;
+    constexpr double kHour = 3600;
+    RawSql(m_folder->database())
+        .run(u"BEGIN; WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i + 1 < "
+             "%1) INSERT INTO memories SELECT i, i * %2 % %1 * 3600.0, 'Editor', '', iif(i % 7, "
+             "'moss', 'fern'), i || '.jpg', 1, '', '' FROM n;"
+             "DELETE FROM memories WHERE id % 11 = 3; COMMIT"_s
+                 .replace(u"%1"_s, QString::number(kRows))
+                 .replace(u"%2"_s, QString::number(kPrime)));
+    QMap<Date, qsizetype> moss;
+    QMap<Date, qsizetype> fern;
+    for (int number = 0; number < kRows; ++number) {
+        const double hours = static_cast<double>(qint64{number} * kPrime % kRows);
+        if (number % 11 != 3)
+            ++(number % 7 ? moss : fern)[{hours * kHour}];
+    }
+    const auto byDay = [](const QMap<Date, qsizetype>& byTime) {
+        QMap<Date, qsizetype> days;
+        for (auto time = byTime.cbegin(); time != byTime.cend(); ++time)
+            days[berlin().dateInterval(Calendar::Component::Day, time.key())->start] += *time;
+        return days;
+    };
+    QVERIFY(moss.size() > 50'000);
+    QCOMPARE(m_store->dayCounts({.query = u"moss"_s}).result(), byDay(moss));
+    QCOMPARE(m_store->dayCounts({.query = u"mo"_s}).result(), byDay(moss));
+    QCOMPARE(m_store->dayCounts({.query = u"m"_s, .app = u"Editor"_s}).result(), byDay(moss));
+    QCOMPARE(m_store->dayCounts({.query = u"fern"_s}).result(), byDay(fern));
+    QCOMPARE(m_store->dayCounts({.query = u"f"_s}).result(), byDay(fern));
 }
 
 void StatisticsTest::aSearchThatMatchesNothingHasNoDays()
