@@ -2,6 +2,7 @@
 #pragma once
 
 #include "MossbankCore/Library/Database.h"
+#include "MossbankCore/Library/HeldRows.h"
 #include "MossbankCore/Library/ImageVault.h"
 #include "MossbankCore/Library/LibraryStats.h"
 #include "MossbankCore/Library/Memory.h"
@@ -62,6 +63,9 @@ public:
         int limit = 1;
         /// Whether to read the recognised text as well, by far the largest part.
         bool withText = false;
+        /// What the asker holds already, as an earlier fetch with text gave it. The answer shares
+        /// what it has of it, which is neither read nor held a second time.
+        QList<Memory> held = {};
     };
 
     /// Which screenshots to look for the answer to a question in.
@@ -238,8 +242,9 @@ private:
     bool hasTitles() const;
     /// The columns of a Memory, in the order that `readMemory` takes them.
     QString memoryColumns(const QString& text) const;
-    static Memory readMemory(const Statement& row);
-    QList<Memory> readMemories(const QString& sql, const QStringList& values);
+    static Memory readMemory(const Statement& row, HeldRows& held);
+    QList<Memory> readMemories(const QString& sql, const QStringList& values,
+                               HeldRows held = HeldRows({}));
 
     LibraryStats statsNow();
     QHash<QString, QString> bundles();

@@ -125,13 +125,22 @@ QString HistoryStore::memoryColumns(const QString& text) const
         text, hasTitles() ? u"title, link"_s : u"'' AS title, '' AS link"_s);
 }
 
-Memory HistoryStore::readMemory(const Statement& row)
+Memory HistoryStore::readMemory(const Statement& row, HeldRows& held)
 {
     int column = 0;
+    const QString id = row.text(column++);
+    const Date timestamp = {row.real(column++)};
+    if (const Memory* const same = held.find(id, timestamp)) {
+        // Of a row that is there only the size of its picture ever changes, by its sealing.
+        constexpr int kBytes = 6;
+        Memory memory = *same;
+        memory.bytes = row.integer(kBytes);
+        return memory;
+    }
     // A braced list is evaluated in the order written.
     return Memory{
-        .id = row.text(column++),
-        .timestamp = {row.real(column++)},
+        .id = id,
+        .timestamp = timestamp,
         .appName = row.text(column++),
         .bundleID = row.text(column++),
         .text = row.text(column++),
@@ -142,13 +151,14 @@ Memory HistoryStore::readMemory(const Statement& row)
     };
 }
 
-QList<Memory> HistoryStore::readMemories(const QString& sql, const QStringList& values)
+QList<Memory> HistoryStore::readMemories(const QString& sql, const QStringList& values,
+                                         HeldRows held)
 {
     Statement rows = m_db.statement(sql);
     rows.bind(values);
     QList<Memory> memories;
     while (rows.step())
-        memories.append(readMemory(rows));
+        memories.append(readMemory(rows, held));
     return memories;
 }
 
@@ -171,7 +181,8 @@ QList<Memory> HistoryStore::fetchNow(const FetchRequest& request)
     return readMemories(u"SELECT %1 FROM memories%2 ORDER BY timestamp DESC, rowid DESC%3"_s.arg(
                             memoryColumns(request.withText ? u"text"_s : u"'' AS text"_s),
                             conditions.whereSQL(), limitSQL(request.limit, kMostRows)),
-                        conditions.values);
+                        conditions.values,
+                        HeldRows(request.withText ? request.held : QList<Memory>()));
 }
 
 QFuture<QList<Memory>> HistoryStore::candidates(CandidatesRequest request)
