@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench/BenchBrowse.h"
 
-#include "MossbankCore/Browsing/DaySessions.h"
 #include "MossbankCore/Browsing/DayTimeline.h"
 #include "MossbankCore/Browsing/SearchHighlight.h"
+#include "MossbankCore/Support/Failure.h"
 #include "bench/BenchBounds.h"
+#include "bench/BenchListing.h"
 #include "bench/BenchOutput.h"
+#include "bench/BenchSessions.h"
 #include "bench/BenchTiming.h"
-#include "bench/SyntheticLibrary.h"
 
-#include <numeric>
+#include <QCommandLineParser>
 
 using namespace Qt::StringLiterals;
 
@@ -19,76 +20,9 @@ namespace {
 
 constexpr int kRounds = 15;
 constexpr int kRows = 20'000;
-constexpr int kFewerRows = 5'000;
-constexpr double kSecondsADay = 86'400;
-/// The first moment of a day.
-constexpr double kDay = 1'780'272'000;
-
-constexpr double kGap = 600;
-constexpr double kLongest = 3600;
-constexpr qsizetype kKeywords = 4;
 
 /// Keeps the compiler from leaving out what nobody looks at.
 volatile qsizetype s_sink = 0;
-
-/// A day of so many screenshots, newest first, in applications that change every few minutes.
-QList<Memory> makeDay(int rows)
-{
-    constexpr qsizetype kTextSize = 2048;
-    constexpr int kApplications = 12;
-    constexpr int kRowsAStretch = 60;
-    SyntheticScreenshots screenshots;
-    QList<Memory> day;
-    for (int number = 0; number < rows; ++number) {
-        Memory memory = screenshots.next(number);
-        while (memory.text.size() < kTextSize)
-            memory.text += u' ' + memory.text;
-        memory.text.truncate(kTextSize);
-        memory.timestamp = {kDay + number * kSecondsADay / rows};
-        memory.appName = u"Application %1"_s.arg(number / kRowsAStretch % kApplications);
-        memory.bundleID = memory.appName;
-        day.prepend(memory);
-    }
-    return day;
-}
-
-qsizetype readAll(const QList<Memory>& memories)
-{
-    return std::accumulate(memories.begin(), memories.end(), qsizetype{0},
-                           [](qsizetype sum, const Memory& memory) {
-                               for (const QChar unit : memory.text)
-                                   sum += unit.unicode();
-                               return sum;
-                           });
-}
-
-void benchSessions(const QList<Memory>& day, Bounds& bounds)
-{
-    constexpr double kMost = 120;
-    const auto group = [](const QList<Memory>& memories) {
-        s_sink = DaySessions::sessions(memories, kGap, kLongest, kKeywords).size();
-    };
-    const PairedTimes paired = sideBySide(
-        kRounds, [&](int) { group(day); }, [&](int) { s_sink = readAll(day); });
-    printTimes({{u"bench"_s, u"browse"_s},
-                {u"what"_s, u"stretches of work"_s},
-                {u"rows"_s, static_cast<qint64>(day.size())},
-                {u"baseline"_s, u"every letter of the same rows read once"_s}},
-               paired);
-    bounds.hold(u"stretches of work"_s, median(paired.times), kMost, u"ms"_s);
-
-    // A fourth of the rows; a tenth more than four times as long is noise.
-    constexpr double kMostGrowth = 4.4;
-    const QList<Memory> fewer = makeDay(kFewerRows);
-    const PairedTimes growth = sideBySide(
-        kRounds, [&](int) { group(day); }, [&](int) { group(fewer); });
-    printTimes({{u"bench"_s, u"browse"_s},
-                {u"what"_s, u"stretches of work"_s},
-                {u"baseline"_s, u"the same of %1 rows"_s.arg(kFewerRows)}},
-               growth);
-    bounds.hold(u"growth of that from a fourth of the rows"_s, growth.ratio(), kMostGrowth,
-                u"times"_s);
-}
 
 void benchHighlight(const QList<Memory>& day, Bounds& bounds)
 {
@@ -102,13 +36,16 @@ void benchHighlight(const QList<Memory>& day, Bounds& bounds)
     const QString query =
         QStringList{words[10].toString(), words[200].toString(), words[400].first(3).toString()}
             .join(u' ');
+    const auto found = static_cast<qint64>(SearchHighlight::ranges(text, query).size());
+    if (found < 3)
+        throw Failure(u"Words that stand in the text were not found."_s);
     const PairedTimes paired = sideBySide(
         kRounds * kRounds,
         [&](int) { s_sink = static_cast<qsizetype>(SearchHighlight::ranges(text, query).size()); },
         [&](int) { s_sink = FoldedText(text).find(FoldedText(query)) ? 1 : 0; });
     printTimes({{u"bench"_s, u"browse"_s},
                 {u"what"_s, u"marks of three words in 10 KB"_s},
-                {u"found"_s, static_cast<qint64>(SearchHighlight::ranges(text, query).size())},
+                {u"found"_s, found},
                 {u"baseline"_s, u"the text prepared and searched once"_s}},
                paired);
     bounds.hold(u"marks of a search"_s, median(paired.times), kMost, u"ms"_s);
@@ -130,12 +67,13 @@ void benchStrip(const QList<Memory>& day, Bounds& bounds)
         moments.push_back(memory->timestamp);
         entries.push_back({memory->timestamp, memory->appName});
     }
-    const DayTimeline timeline({kDay + kSecondsADay / 2}, moments, calendar, kLeast);
+    const DayTimeline timeline({moments.front().secondsSince1970}, moments, calendar, kLeast);
+    bool isEmpty = false;
     const auto step = [&](int round) {
         const DayTimeline zoomed = timeline.zoomed(1 + round % 40, moments[moments.size() / 3]);
-        s_sink = static_cast<qsizetype>(
-            zoomed.hourTicks(kWidth, kTickSpacing, calendar).size() +
-            zoomed.iconSlots(entries, kWidth, kIcon, kIconSpacing, kStretch).size());
+        const auto ticks = zoomed.hourTicks(kWidth, kTickSpacing, calendar);
+        const auto icons = zoomed.iconSlots(entries, kWidth, kIcon, kIconSpacing, kStretch);
+        isEmpty |= ticks.empty() || icons.empty();
     };
     const auto baseline = [&](int) {
         qsizetype changes = 0;
@@ -144,6 +82,8 @@ void benchStrip(const QList<Memory>& day, Bounds& bounds)
         s_sink = changes;
     };
     const PairedTimes paired = sideBySide(kRounds * kRounds, step, baseline);
+    if (isEmpty)
+        throw Failure(u"A strip had no hours or no icons."_s);
     printTimes({{u"bench"_s, u"browse"_s},
                 {u"what"_s, u"a step of the day's strip"_s},
                 {u"moments"_s, static_cast<qint64>(moments.size())},
@@ -156,13 +96,28 @@ void benchStrip(const QList<Memory>& day, Bounds& bounds)
 
 int benchBrowse(const QStringList& arguments)
 {
-    if (!arguments.isEmpty())
-        return benchWrongUse("browse");
+    QCommandLineParser parser;
+    const QCommandLineOption rowsOption(u"rows"_s, {}, u"N"_s);
+    const QCommandLineOption keepOption(u"keep"_s, {}, u"DIR"_s);
+    parser.addOptions({rowsOption, keepOption});
+    const bool isParsed = parser.parse(QStringList{u"browse"_s} + arguments);
+    const int rows = parser.value(rowsOption).toInt();
+    if (!isParsed || !parser.positionalArguments().isEmpty() ||
+        (parser.isSet(rowsOption) && rows <= kRows) ||
+        (parser.isSet(keepOption) && !parser.isSet(rowsOption)))
+        return benchWrongUse("browse [--rows N [--keep DIR]], with N above 20000");
     Bounds bounds;
-    const QList<Memory> day = makeDay(kRows);
-    benchSessions(day, bounds);
-    benchHighlight(day, bounds);
-    benchStrip(day, bounds);
+    try {
+        // First: the memory of a list shows best where there was little else.
+        if (parser.isSet(rowsOption))
+            measureListing(rows, parser.value(keepOption), bounds);
+        measureSessions(bounds);
+        const QList<Memory> day = continuousDay(kRows);
+        benchHighlight(day, bounds);
+        benchStrip(day, bounds);
+    } catch (const Failure& failure) {
+        return benchFailed(failure.message());
+    }
     return bounds.exitStatus();
 }
 

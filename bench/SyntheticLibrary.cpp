@@ -77,17 +77,27 @@ bool SyntheticScreenshots::beginsAnother(const QString& word) const
     return next != m_sorted.end() && next->startsWith(word);
 }
 
-QString SyntheticScreenshots::wordOn(double part) const
+QString SyntheticScreenshots::wordOn(double part, qsizetype letters) const
 {
     // A screenshot lacks a word of chance p with a chance of (1 - p) to the power of its words.
     const double chance = 1 - std::pow(1 - part, 1.0 / kWordsOfAScreenshot);
+    const auto isWanted = [&](qsizetype rank) {
+        const QString& word = m_vocabulary.at(rank);
+        return m_upTo.at(static_cast<std::size_t>(rank)) -
+                       m_upTo.at(static_cast<std::size_t>(rank - 1)) <=
+                   chance &&
+               (letters == 0 || word.size() == letters) && !beginsAnother(word);
+    };
     qsizetype rank = 1;
-    while (rank < kVocabulary - 1 && (m_upTo.at(static_cast<std::size_t>(rank)) -
-                                              m_upTo.at(static_cast<std::size_t>(rank - 1)) >
-                                          chance ||
-                                      beginsAnother(m_vocabulary.at(rank))))
+    while (rank < kVocabulary - 1 && !isWanted(rank))
         ++rank;
     return m_vocabulary.at(rank);
+}
+
+Date SyntheticScreenshots::dayAfter(int number)
+{
+    constexpr double kDay = 86'400;
+    return {(std::floor((kFirstTime + number * kSecondsBetween) / kDay) + 1) * kDay};
 }
 
 Memory SyntheticScreenshots::next(int number)
@@ -156,22 +166,54 @@ void bindText(sqlite3_stmt* statement, int position, const QString& text)
 
 } // namespace
 
-qsizetype BareDatabase::read(const QString& sql, const QStringList& values)
+void BareDatabase::each(const QString& sql, const QStringList& values,
+                        const std::function<void(sqlite3_stmt*)>& take)
 {
     sqlite3_stmt* const statement = prepare(sql);
     int position = 0;
     for (const QString& value : values)
         bindText(statement, ++position, value);
-    qsizetype rows = 0;
     int result = sqlite3_step(statement);
-    for (; result == SQLITE_ROW; result = sqlite3_step(statement)) {
-        for (int column = 0; column < sqlite3_column_count(statement); ++column)
-            sqlite3_column_text(statement, column);
-        ++rows;
-    }
+    for (; result == SQLITE_ROW; result = sqlite3_step(statement))
+        take(statement);
     sqlite3_finalize(statement);
     check(result == SQLITE_DONE ? SQLITE_OK : result);
+}
+
+qsizetype BareDatabase::read(const QString& sql, const QStringList& values)
+{
+    qsizetype rows = 0;
+    each(sql, values, [&rows](sqlite3_stmt* row) {
+        for (int column = 0; column < sqlite3_column_count(row); ++column)
+            sqlite3_column_text(row, column);
+        ++rows;
+    });
     return rows;
+}
+
+QList<Memory> BareDatabase::readMemories(const QString& sql, const QStringList& values)
+{
+    QList<Memory> memories;
+    each(sql, values, [&memories](sqlite3_stmt* row) {
+        int column = 0;
+        const auto text = [&] {
+            const auto* const utf8 =
+                reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+            return QString::fromUtf8(utf8, sqlite3_column_bytes(row, column++));
+        };
+        Memory memory;
+        memory.id = text();
+        memory.timestamp = {sqlite3_column_double(row, column++)};
+        memory.appName = text();
+        memory.bundleID = text();
+        memory.text = text();
+        memory.filename = text();
+        memory.bytes = sqlite3_column_int64(row, column++);
+        memory.title = text();
+        memory.link = text();
+        memories.append(std::move(memory));
+    });
+    return memories;
 }
 
 void BareDatabase::insert(const Memory& memory)
@@ -204,8 +246,17 @@ void BareDatabase::check(int result) const
         throw Failure(QString::fromUtf8(sqlite3_errmsg(m_connection)));
 }
 
-void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshots)
+void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshots, int onLastDay)
 {
+    const int before = rows - onLastDay;
+    const Date lastDay = SyntheticScreenshots::dayAfter(before - 1);
+    const auto next = [&](int number) {
+        constexpr double kDay = 86'400;
+        Memory memory = screenshots.next(number);
+        if (number >= before)
+            memory.timestamp = lastDay + (number - before) * kDay / onLastDay;
+        return memory;
+    };
     {
         // Makes the folders and the tables.
         const HistoryStore made(HistoryStore::Writing{.root = root});
@@ -217,20 +268,23 @@ void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshot
     for (int number = 0; number < rows; ++number) {
         if (number % kAtOnce == 0)
             database.run(number == 0 ? u"BEGIN"_s : u"COMMIT; BEGIN"_s);
-        database.insert(screenshots.next(number));
+        database.insert(next(number));
     }
     if (rows > 0)
         database.run(u"COMMIT; PRAGMA wal_checkpoint(TRUNCATE)"_s);
 }
 
-QString keptLibrary(const QString& folder, int rows, SyntheticScreenshots& screenshots)
+QString keptLibrary(const QString& folder, int rows, SyntheticScreenshots& screenshots,
+                    int onLastDay)
 {
-    const QString library = folder + u"/library-%1"_s.arg(rows);
+    QString library = folder + u"/library-%1"_s.arg(rows);
+    if (onLastDay > 0)
+        library += u"-with-a-day-of-%1"_s.arg(onLastDay);
     if (!QFile::exists(library + u"/history.sqlite"_s)) {
         // One that was cut short must not be found as a whole one.
         const QString half = library + u".half"_s;
         QDir(half).removeRecursively();
-        makeLibrary(half, rows, screenshots);
+        makeLibrary(half, rows, screenshots, onLastDay);
         QDir().rename(half, library);
     }
     return library;

@@ -30,7 +30,11 @@ public:
     QByteArray noise(qsizetype size);
 
     /// A word that stands on about this part of all screenshots, and that no other begins with.
-    QString wordOn(double part) const;
+    /// `letters`: how many it has; then it may stand on fewer. 0: as many as it happens to have.
+    QString wordOn(double part, qsizetype letters = 0) const;
+
+    /// The first moment of the first day after the screenshot of that number.
+    static Date dayAfter(int number);
 
 private:
     QString words(int count);
@@ -54,6 +58,8 @@ public:
     void run(const QString& sql);
     /// Steps through every row and reads every column. The number of rows.
     qsizetype read(const QString& sql, const QStringList& values);
+    /// The same into the structs of a list. `sql` names all columns, in the order of the table.
+    QList<Memory> readMemories(const QString& sql, const QStringList& values);
     void insert(const Memory& memory);
     /// The least that saving takes: the picture written to the library at `root` and synced, and
     /// the row.
@@ -61,16 +67,22 @@ public:
 
 private:
     sqlite3_stmt* prepare(const QString& sql);
+    /// Binds the values, does `take` with each row, and lets go of the statement.
+    void each(const QString& sql, const QStringList& values,
+              const std::function<void(sqlite3_stmt*)>& take);
     void check(int result) const;
 
     sqlite3* m_connection = nullptr;
 };
 
-/// Makes a library of so many screenshots at `root`, without their pictures.
-void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshots);
+/// Makes a library of so many screenshots at `root`, without their pictures. The last `onLastDay`
+/// of them lie evenly spread over the day after all others.
+void makeLibrary(const QString& root, int rows, SyntheticScreenshots& screenshots,
+                 int onLastDay = 0);
 
 /// The same in a folder for such libraries, where an earlier run may have left it. Where it lies.
-QString keptLibrary(const QString& folder, int rows, SyntheticScreenshots& screenshots);
+QString keptLibrary(const QString& folder, int rows, SyntheticScreenshots& screenshots,
+                    int onLastDay = 0);
 
 /// Puts a copy in place of what is at `to`. Throws a FileError.
 void copyLibrary(const QString& from, const QString& to);
