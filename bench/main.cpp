@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "Mossbank/Platform/PlatformFactory.h"
 #include "bench/BenchBrowse.h"
 #include "bench/BenchCheck.h"
 #include "bench/BenchGrab.h"
@@ -47,6 +48,9 @@ constexpr const char* kUsage =
 
 int main(int argc, char* argv[])
 {
+    // As the program has it: the memory of a list depends on it.
+    if (argc > 1 && argv[1] == "browse"sv)
+        mossbank::keepMemoryTogether();
     // Letters are drawn for the one that reads, and the others take no memory for that.
     const bool draws = argc > 1 && argv[1] == "read"sv;
     if (draws && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
