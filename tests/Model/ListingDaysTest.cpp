@@ -81,6 +81,39 @@ private Q_SLOTS:
         QCOMPARE(written(list.day().value_or(Date{})), expected);
     }
 
+    void daysAreThoseOfTheZone_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        for (const QByteArray zone : {"UTC", "Europe/Berlin", "Pacific/Apia", "America/Los_Angeles",
+                                      "Asia/Kathmandu", "Pacific/Marquesas"})
+            QTest::newRow(zone.constData()) << zone;
+    }
+    void daysAreThoseOfTheZone()
+    {
+        QFETCH(QByteArray, zone);
+        const CalendarSource calendar = RecorderRig::calendarOf(QTimeZone(zone));
+        begin(calendar);
+        const auto today =
+            calendar().dateInterval(Calendar::Component::Day, m_rig->clock.now()).value();
+        const Date yesterday = calendar().daysBefore(1, today.start).value();
+        QCOMPARE(listing().day(), std::optional(today.start));
+        add(u"before"_s, today.start - 1, 1);
+        add(u"first"_s, today.start, 1);
+        add(u"last"_s, today.end - 1, 1);
+        add(u"after"_s, today.end, 1);
+        open();
+        QCOMPARE(ids(), u"last0 first0"_s);
+        QCOMPARE(listing().stats().days,
+                 (QMap<Date, qsizetype>{{yesterday, 1}, {today.start, 2}, {today.end, 1}}));
+        listing().setAppFilter(kEditor);
+        listing().shiftDay(-1);
+        passDebounce();
+        QCOMPARE(ids(), u"before0"_s);
+        QCOMPARE(listing().dayMatches(), std::optional(listing().stats().days));
+        QCOMPARE(listing().latestDayWithHistory(), std::optional(today.end));
+        QCOMPARE(listing().words(false).emptyTitle(), u"Nothing from Editor yesterday"_s);
+    }
+
     void theNewestDayThatHasAnyIsKnown()
     {
         add(u"a"_s, kToday - 3 * kDay, 1);

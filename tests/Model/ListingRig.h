@@ -18,10 +18,11 @@ protected:
     /// The first moment of the day that the fake clock begins in.
     static constexpr Date kToday = {1'699'920'000};
 
-    void begin()
+    /// With the calendar of the library and of the list.
+    void begin(const CalendarSource& calendar = RecorderRig::calendarOf(QTimeZone::utc()))
     {
         end();
-        m_rig = std::make_unique<RecorderRig>();
+        m_rig = std::make_unique<RecorderRig>(true, calendar);
         m_sql = std::make_unique<RawSql>(m_rig->libraryRoot() + QStringLiteral("/history.sqlite"));
         // The store may be writing.
         m_sql->run(QStringLiteral("PRAGMA busy_timeout = 10000"));
@@ -89,6 +90,9 @@ protected:
     }
     QString selected() const { return m_listing->selectedID().value_or(QStringLiteral("none")); }
     QString error() const { return m_rig->recorder->errorMessage().value_or(QString()); }
+
+    /// Until the library has nothing left to do. What it found has not come to the list by that.
+    void drainLibrary() { m_rig->store->memories({}).waitForFinished(); }
 
     /// What is asked of the library fails from now on, and no more.
     void breakLibrary() { m_sql->run(QStringLiteral("ALTER TABLE memories RENAME TO hidden")); }

@@ -25,6 +25,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace mossbank {
 
@@ -42,6 +43,8 @@ public:
                                                  QStringLiteral("Mossbank")};
 
     QTemporaryDir folder;
+    /// That of the library and of all that is made of the surroundings.
+    const CalendarSource calendar;
     SealingHold sealing;
     std::optional<ImageVault> vault = ImageVault(SymmetricKey::random());
     FakeClock clock;
@@ -65,7 +68,8 @@ public:
     std::unique_ptr<HistoryStore> store;
     std::unique_ptr<Recorder> recorder;
 
-    explicit RecorderRig(bool withStore = true)
+    explicit RecorderRig(bool withStore = true, CalendarSource days = calendarOf(QTimeZone::utc()))
+        : calendar(std::move(days))
     {
         front.setCurrent(kEditor);
         screen.contentNow.windows = {window(kEditor, QRect(0, 0, 300, 180))};
@@ -73,7 +77,7 @@ public:
         preferences.setExcludedBundles({kSecret.bundleID});
         if (withStore)
             store = std::make_unique<HistoryStore>(
-                HistoryStore::Writing{.root = libraryRoot(), .vault = vault});
+                HistoryStore::Writing{.root = libraryRoot(), .vault = vault, .calendar = calendar});
         makeRecorder();
     }
 
@@ -84,6 +88,13 @@ public:
         QThreadPool::globalInstance()->waitForDone();
     }
     Q_DISABLE_COPY_MOVE(RecorderRig)
+
+    static CalendarSource calendarOf(const QTimeZone& zone)
+    {
+        return [zone] {
+            return Calendar(zone, QLocale::c());
+        };
+    }
 
     /// As after a fresh launch on the same library.
     void makeRecorder()
@@ -101,7 +112,7 @@ public:
     Surroundings surroundings(Preferences& choices)
     {
         return {.clock = clock,
-                .calendar = [] { return Calendar(QTimeZone::utc(), QLocale::c()); },
+                .calendar = calendar,
                 .screen = screen,
                 .frontApplication = front,
                 .screenState = state,
