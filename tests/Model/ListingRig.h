@@ -24,6 +24,8 @@ protected:
         end();
         m_rig = std::make_unique<RecorderRig>(true, calendar);
         m_sql = std::make_unique<RawSql>(m_rig->libraryRoot() + QStringLiteral("/history.sqlite"));
+        // What is put there need not outlive the machine.
+        m_sql->run(QStringLiteral("PRAGMA synchronous = OFF"));
         // The store may be writing.
         m_sql->run(QStringLiteral("PRAGMA busy_timeout = 10000"));
         m_listing =
@@ -81,13 +83,14 @@ protected:
 
     void refresh() { QCoro::waitFor(m_listing->refresh()); }
 
-    QString ids() const
+    QStringList idsOnShow() const
     {
         QStringList all;
         for (const Memory& memory : m_listing->memories())
             all.append(memory.id);
-        return all.join(u' ');
+        return all;
     }
+    QString ids() const { return idsOnShow().join(u' '); }
     QString selected() const { return m_listing->selectedID().value_or(QStringLiteral("none")); }
     QString error() const { return m_rig->recorder->errorMessage().value_or(QString()); }
 
