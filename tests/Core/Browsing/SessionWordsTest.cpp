@@ -65,6 +65,10 @@ private Q_SLOTS:
         // 1.8 to 1, and 1.8 to 2.
         row("a capital weighs", u"heron Stork"_s, u"stork heron"_s);
         row("but not as much as another", u"heron heron Stork"_s, u"heron stork"_s);
+        // 34.2 to 34, 34.2 to 35, and 37.8 to 38.
+        row("by so much", u"Stork "_s.repeated(19) + u"heron "_s.repeated(34), u"stork heron"_s);
+        row("and no more", u"Stork "_s.repeated(19) + u"heron "_s.repeated(35), u"heron stork"_s);
+        row("nor a little", u"Stork "_s.repeated(21) + u"heron "_s.repeated(38), u"heron stork"_s);
         row("one capital counts for all", u"heron heron heron stork Stork"_s, u"stork heron"_s);
         row("case is no difference", u"HERON heron Heron egret egret"_s, u"heron egret"_s);
         row("short ones", u"a ab abc"_s, u"abc"_s);

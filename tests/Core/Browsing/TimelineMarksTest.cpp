@@ -7,6 +7,7 @@
 
 #include <QTest>
 
+#include <ranges>
 #include <stdexcept>
 
 namespace mossbank {
@@ -179,8 +180,14 @@ private Q_SLOTS:
     {
         QFETCH(QList<int>, numbers);
         QFETCH(int, index);
-        const auto found = partitioningIndex(numbers, [](int number) { return number >= 10; });
-        QCOMPARE(static_cast<int>(found), index);
+        const auto isOfTheRest = [](int number) {
+            return number >= 10;
+        };
+        QCOMPARE(static_cast<int>(partitioningIndex(numbers, isOfTheRest)), index);
+        // What is kept the other way round, seen in order.
+        const QList<int> backwards(numbers.crbegin(), numbers.crend());
+        const auto inOrder = std::views::reverse(backwards);
+        QCOMPARE(static_cast<int>(partitioningIndex(inOrder, isOfTheRest)), index);
     }
 
     void fewAreAskedAndAFailureIsPassedOn()
