@@ -55,6 +55,23 @@ private Q_SLOTS:
             u"2024-03-30T22:00:00.000Z"_s);
         row("and on from it", beirut, summer, u"2024-03-30T22:00:00.000Z"_s, 1,
             u"2024-03-31T21:00:00.000Z"_s);
+        const QString asuncion = u"America/Asuncion"_s;
+        const QString spring = u"2023-10-02T12:00:00Z"_s;
+        row("onto another such day", asuncion, spring, u"2023-10-02T03:00:00.000Z"_s, -1,
+            u"2023-10-01T04:00:00.000Z"_s);
+        row("back from it", asuncion, spring, u"2023-10-01T04:00:00.000Z"_s, -1,
+            u"2023-09-30T04:00:00.000Z"_s);
+        const QString kolkata = u"Asia/Kolkata"_s;
+        row("half an hour beside the others", kolkata, now, u"2026-05-31T18:30:00.000Z"_s, -1,
+            u"2026-05-30T18:30:00.000Z"_s);
+        const QString lordHowe = u"Australia/Lord_Howe"_s;
+        const QString autumn = u"2024-04-08T00:00:00Z"_s;
+        row("onto a day of half an hour more", lordHowe, autumn, u"2024-04-07T13:30:00.000Z"_s, -1,
+            u"2024-04-06T13:00:00.000Z"_s);
+        row("over it by half an hour", lordHowe, autumn, u"2024-04-07T13:30:00.000Z"_s, -2,
+            u"2024-04-05T13:00:00.000Z"_s);
+        row("and on again", lordHowe, autumn, u"2024-04-05T13:00:00.000Z"_s, 2,
+            u"2024-04-07T13:30:00.000Z"_s);
         // The 30th of December 2011 was left out there.
         const QString apia = u"Pacific/Apia"_s;
         const QString newYear = u"2012-01-02T00:00:00Z"_s;

@@ -6,6 +6,7 @@
 #include "tests/Core/Support/CalendarTesting.h"
 
 #include <QTest>
+#include <QTranslator>
 
 using namespace mossbank;
 using namespace Qt::StringLiterals;
@@ -32,6 +33,18 @@ ListingWords words(const About& what, const QLocale& locale = QLocale(u"en_US"_s
 {
     return {what, Calendar(QTimeZone::utc(), locale), moment(kNoon)};
 }
+
+/// Puts the number that a text is asked for with before it.
+class NumberTeller final : public QTranslator {
+public:
+    NumberTeller() { QCoreApplication::installTranslator(this); }
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* source, const char*, int number) const override
+    {
+        return number < 0 ? QString()
+                          : QString::number(number) + u": "_s + QString::fromUtf8(source);
+    }
+};
 
 } // namespace
 
@@ -227,6 +240,134 @@ private Q_SLOTS:
         QFETCH(About, what);
         QFETCH(QString, detail);
         QCOMPARE(words(what).emptyDetail(), detail);
+    }
+
+    void aLanguageHearsTheNumberItHasFormsFor_data()
+    {
+        QTest::addColumn<About>("what");
+        QTest::addColumn<QString>("label");
+        const auto row = [](const char* name, const About& what, const QString& label) {
+            QTest::newRow(name) << what << label;
+        };
+        constexpr Extent kAcross = Extent::NewestAcrossDays;
+        const QString heron = u"heron"_s;
+        row("moments", {.count = 1203}, u"1203: 1,203 moments"_s);
+        row("none", {.count = 0}, u"0: 0 moments"_s);
+        row("the newest moments", {.count = 7, .extent = kAcross, .canShowEarlier = true},
+            u"7: Newest 7 moments"_s);
+        row("matches", {.query = heron, .count = 7}, u"7: 7 matches"_s);
+        row("the newest matches",
+            {.query = heron, .count = 7, .extent = kAcross, .canShowEarlier = true},
+            u"7: Newest 7 matches"_s);
+        row("by meaning", {.count = 7, .isListedByMeaning = true}, u"7: 7 by meaning"_s);
+        row("one by meaning", {.count = 1, .isListedByMeaning = true}, u"1: 1 by meaning"_s);
+        row("the newest by meaning",
+            {.count = 7, .extent = kAcross, .canShowEarlier = true, .isListedByMeaning = true},
+            u"7: Newest 7 by meaning"_s);
+    }
+    void aLanguageHearsTheNumberItHasFormsFor()
+    {
+        QFETCH(About, what);
+        QFETCH(QString, label);
+        const NumberTeller teller;
+        QCOMPARE(words(what).countLabel(), label);
+    }
+
+    void andOfWhatMatchesOnOtherDays_data()
+    {
+        QTest::addColumn<QString>("day");
+        QTest::addColumn<QString>("detail");
+        QTest::newRow("today")
+            << u"today"_s << u"1203: Nothing today, but 1,203 screenshots match on other days."_s;
+        QTest::newRow("yesterday")
+            << u"yesterday"_s
+            << u"1203: Nothing yesterday, but 1,203 screenshots match on other days."_s;
+        QTest::newRow("another")
+            << u"another"_s
+            << u"1203: Nothing on May 12, but 1,203 screenshots match on other days."_s;
+    }
+    void andOfWhatMatchesOnOtherDays()
+    {
+        QFETCH(QString, day);
+        QFETCH(QString, detail);
+        const NumberTeller teller;
+        About what = about(day);
+        what.query = u"heron"_s;
+        what.dayMatches = {{moment(u"2026-05-01T00:00:00Z"_s), 1203}};
+        QCOMPARE(words(what).emptyDetail(), detail);
+    }
+
+    void daysAreThoseOfTheCalendar_data()
+    {
+        QTest::addColumn<QString>("zone");
+        QTest::addColumn<QString>("now");
+        QTest::addColumn<QString>("day");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("empty");
+        const auto row = [](const char* name, const QString& zone, const QString& now,
+                            const QString& day, const QString& date, const QString& when) {
+            const bool isToday = when == u"today"_s;
+            QTest::newRow(name) << zone << now + u'Z' << day + u'Z' << (isToday ? u"Today"_s : date)
+                                << u"Nothing was saved "_s + when;
+        };
+        const QString today = u"today"_s;
+        const QString yesterday = u"yesterday"_s;
+        // The clocks go from midnight to one, and at the end of the summer back to eleven.
+        const QString asuncion = u"America/Asuncion"_s;
+        row("before a day that begins at one", asuncion, u"2023-10-01T03:59:59"_s,
+            u"2023-09-30T04:00:00"_s, {}, today);
+        row("at its first moment", asuncion, u"2023-10-01T04:00:00"_s, u"2023-10-01T04:00:00"_s, {},
+            today);
+        row("at its first moment, of the one before", asuncion, u"2023-10-01T04:00:00"_s,
+            u"2023-09-30T04:00:00"_s, u"September 30"_s, yesterday);
+        row("at its first moment, of two before", asuncion, u"2023-10-01T04:00:00"_s,
+            u"2023-09-29T04:00:00"_s, u"September 29"_s, u"on September 29"_s);
+        row("the day after it", asuncion, u"2023-10-02T03:00:00"_s, u"2023-10-01T04:00:00"_s,
+            u"October 1"_s, yesterday);
+        row("the last of 25 hours", asuncion, u"2024-03-24T03:59:59"_s, u"2024-03-23T03:00:00"_s,
+            {}, today);
+        row("after 25 hours", asuncion, u"2024-03-24T04:00:00"_s, u"2024-03-23T03:00:00"_s,
+            u"March 23"_s, yesterday);
+        const QString cairo = u"Africa/Cairo"_s;
+        row("the last before one", cairo, u"2024-04-25T21:59:59"_s, u"2024-04-24T22:00:00"_s, {},
+            today);
+        row("one", cairo, u"2024-04-25T22:00:00"_s, u"2024-04-24T22:00:00"_s, u"April 25"_s,
+            yesterday);
+        row("eleven for the second time", cairo, u"2024-10-31T21:59:59"_s, u"2024-10-30T21:00:00"_s,
+            {}, today);
+        row("and midnight", cairo, u"2024-10-31T22:00:00"_s, u"2024-10-30T21:00:00"_s,
+            u"October 31"_s, yesterday);
+        // By half an hour.
+        const QString lordHowe = u"Australia/Lord_Howe"_s;
+        row("the last of 24 hours and a half", lordHowe, u"2024-04-07T13:29:59"_s,
+            u"2024-04-06T13:00:00"_s, {}, today);
+        row("after them", lordHowe, u"2024-04-07T13:30:00"_s, u"2024-04-06T13:00:00"_s,
+            u"April 7"_s, yesterday);
+        row("the last of 23 hours and a half", lordHowe, u"2024-10-06T12:59:59"_s,
+            u"2024-10-05T13:30:00"_s, {}, today);
+        row("after these", lordHowe, u"2024-10-06T13:00:00"_s, u"2024-10-05T13:30:00"_s,
+            u"October 6"_s, yesterday);
+        // The 30th of December 2011 was left out there: the day before the 31st is the 29th.
+        const QString apia = u"Pacific/Apia"_s;
+        row("before a day that was not", apia, u"2011-12-30T09:59:59"_s, u"2011-12-29T10:00:00"_s,
+            {}, today);
+        row("after it", apia, u"2011-12-30T10:00:00"_s, u"2011-12-29T10:00:00"_s, u"December 29"_s,
+            yesterday);
+        row("late after it", apia, u"2011-12-31T09:59:59"_s, u"2011-12-29T10:00:00"_s,
+            u"December 29"_s, yesterday);
+        row("two before it", apia, u"2011-12-30T10:00:00"_s, u"2011-12-28T10:00:00"_s,
+            u"December 28"_s, u"on December 28"_s);
+    }
+    void daysAreThoseOfTheCalendar()
+    {
+        QFETCH(QString, zone);
+        QFETCH(QString, now);
+        QFETCH(QString, day);
+        QFETCH(QString, title);
+        QFETCH(QString, empty);
+        const ListingWords list({.day = moment(day)}, calendarOf(zone), moment(now));
+        QCOMPARE(list.dateTitle(), title);
+        QCOMPARE(list.emptyTitle(), empty);
     }
 };
 
