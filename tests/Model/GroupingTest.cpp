@@ -97,9 +97,9 @@ private Q_SLOTS:
         QTest::addColumn<double>("last");
         QTest::addColumn<QString>("groups");
         QTest::newRow("a pause as long as may be") << 2 << 600.0 << 1200.0 << u"a0-b0"_s;
-        QTest::newRow("a longer pause") << 2 << 600.5 << 1200.0 << u"a0-a0 a1-b0"_s;
+        QTest::newRow("a longer pause") << 2 << 600.01 << 1200.0 << u"a0-a0 a1-b0"_s;
         QTest::newRow("as long as may be") << 6 << 600.0 << 3600.0 << u"a0-b0"_s;
-        QTest::newRow("longer") << 7 << 600.0 << 3600.5 << u"a0-a6 b0-b0+"_s;
+        QTest::newRow("longer") << 7 << 600.0 << 3600.01 << u"a0-a6 b0-b0+"_s;
     }
     void aPauseOfTenMinutesAndAnHourPartThem()
     {
