@@ -47,12 +47,14 @@ private Q_SLOTS:
             m_random.seed(static_cast<quint32>(library * kSequencesALibrary + sequence));
             m_log = QStringList{u"sequence %1"_s.arg(sequence)};
             forgetError();
+            if (upTo(3) == 0)
+                choose({});
             for (int number = 0; number < kSteps && m_trouble.isEmpty(); ++number)
                 step();
             calm();
         }
         QVERIFY2(m_trouble.isEmpty(), qPrintable(m_trouble));
-        QVERIFY2(m_published > kSequencesALibrary, "hardly a list was seen");
+        QVERIFY2(m_published > kSequencesALibrary / 2, "hardly a list was seen");
     }
 
 private:
@@ -107,8 +109,6 @@ private:
             {u"capture"_s, &ListingRandomTest::capture},
             {u"capture"_s, &ListingRandomTest::capture},
             {u"prune"_s, &ListingRandomTest::prune},
-            {u"earlier"_s, &ListingRandomTest::showEarlier},
-            {u"earlier"_s, &ListingRandomTest::showEarlier},
             {u"delete"_s, &ListingRandomTest::deleteSelected},
             {u"delete in peace"_s, &ListingRandomTest::deleteInPeace},
             {u"step"_s, &ListingRandomTest::stepAlong},
@@ -121,6 +121,9 @@ private:
         const auto& [name, happens] = oneOf(kAll);
         m_log.append(name);
         std::invoke(happens, this);
+        // Few lists are so long that they can be longer.
+        if (m_plain.canShowEarlier() && upTo(3) == 0)
+            showEarlier();
         turn();
     }
 
@@ -195,6 +198,7 @@ private:
 
     void showEarlier()
     {
+        m_log.append(u"earlier"_s);
         m_plain.showEarlier();
         listing().showEarlier();
     }
@@ -286,7 +290,8 @@ private:
         for (qsizetype done = 0; done <= m_deletions.size(); ++done) {
             PlainListing expected = m_plain;
             expected.publish(library);
-            const QString trouble = differenceFrom(expected);
+            const QString trouble =
+                expected.difference(idsOnShow(), listing().extent(), listing().selectedID());
             if (trouble.isEmpty()) {
                 m_plain = expected;
                 return;
@@ -296,20 +301,6 @@ private:
                 library.remove(m_deletions.at(done).id);
         }
         tell(difference);
-    }
-
-    QString differenceFrom(const PlainListing& expected) const
-    {
-        const QStringList shown = idsOnShow();
-        if (shown != expected.shown())
-            return u"%1 rows where %2 are meant"_s.arg(shown.size()).arg(expected.shown().size());
-        if (m_listing->extent() != expected.extent())
-            return u"%1 rows are called %2"_s.arg(shown.size())
-                .arg(static_cast<int>(m_listing->extent()));
-        if (m_listing->selectedID() != expected.selected)
-            return u"%1 is selected in place of %2"_s.arg(selected(),
-                                                          expected.selected.value_or(u"none"_s));
-        return {};
     }
 
     void seeLoading()

@@ -162,6 +162,22 @@ public:
         m_isLengthened = false;
     }
 
+    /// What is different on a list on show. Empty for nothing.
+    QString difference(const QStringList& ids, Extent called,
+                       const std::optional<QString>& chosen) const
+    {
+        if (ids != m_shown)
+            return QStringLiteral("%1 rows where %2 are meant").arg(ids.size()).arg(m_shown.size());
+        if (called != m_extent)
+            return QStringLiteral("%1 rows are called %2")
+                .arg(ids.size())
+                .arg(static_cast<int>(called));
+        if (chosen != selected)
+            return QStringLiteral("%1 is selected in place of %2")
+                .arg(chosen.value_or(QString()), selected.value_or(QString()));
+        return {};
+    }
+
     /// It does not, and all stays as it is.
     void fail() { m_isLengthened = false; }
 
