@@ -253,7 +253,7 @@ private:
     {
         constexpr int kMostTurns = 1000;
         int quiet = 0;
-        for (int turns = 0; quiet < 3 && turns < kMostTurns; ++turns) {
+        for (int turns = 0; quiet < 2 && turns < kMostTurns; ++turns) {
             QCoreApplication::processEvents();
             drainLibrary();
             QCoreApplication::processEvents();
@@ -261,7 +261,7 @@ private:
             quiet = isQuiet ? quiet + 1 : 0;
             m_rig->clock.advance(0.2);
         }
-        if (quiet < 3)
+        if (quiet < 2)
             tell(u"it does not come to rest"_s);
         for (const Deletion& deletion : std::exchange(m_deletions, {})) {
             if (!deletion.fails)

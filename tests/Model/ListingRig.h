@@ -95,7 +95,7 @@ protected:
     QString error() const { return m_rig->recorder->errorMessage().value_or(QString()); }
 
     /// Until the library has nothing left to do. What it found has not come to the list by that.
-    void drainLibrary() { m_rig->store->memories({}).waitForFinished(); }
+    void drainLibrary() { m_rig->store->picture({}).waitForFinished(); }
 
     /// What is asked of the library fails from now on, and no more.
     void breakLibrary() { m_sql->run(QStringLiteral("ALTER TABLE memories RENAME TO hidden")); }
