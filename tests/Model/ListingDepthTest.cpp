@@ -92,6 +92,7 @@ private Q_SLOTS:
         refresh();
         QCOMPARE(listing().memories().size(), 1600);
         QCOMPARE(listing().memories().last().id, u"a2500"_s);
+        QVERIFY(listing().canShowEarlier());
     }
 
     void otherFiltersBeginWithAPage()
