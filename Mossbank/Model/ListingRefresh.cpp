@@ -162,15 +162,18 @@ void Listing::publish(const Request& request, Answer answer)
 {
     QList<Memory>& rows = answer.rows;
     std::optional<qsizetype> anchor;
+    // One row more than wanted tells that there are more, and is not one of the list.
+    const qsizetype wanted = std::min(rows.size(), request.wanted);
     if (request.anchor) {
-        const auto found = std::ranges::find(std::as_const(rows), *request.anchor, &Memory::id);
-        if (found != rows.cend())
+        const auto end = rows.cbegin() + wanted;
+        const auto found = std::ranges::find(rows.cbegin(), end, *request.anchor, &Memory::id);
+        if (found != end)
             anchor = found - rows.cbegin();
     }
     qsizetype keep = request.isSameList ? std::max(request.base, m_memories.size()) : request.base;
     if (anchor)
         keep = std::max(request.base, request.extra + *anchor + 1);
-    const qsizetype shown = std::min({rows.size(), keep, kMostRows});
+    const qsizetype shown = std::min({wanted, keep, kMostRows});
     const Extent extent = shown == rows.size()  ? Extent::Complete
                           : request.filters.day ? Extent::NewestOfDay
                                                 : Extent::NewestAcrossDays;

@@ -95,6 +95,30 @@ private Q_SLOTS:
         QVERIFY(listing().canShowEarlier());
     }
 
+    void oneMoreThanThereIsRoomFor()
+    {
+        showAllHistory(4000);
+        add(u"b"_s, kToday, 101);
+        refresh();
+        QCOMPARE(listing().memories().size(), 1500);
+        QCOMPARE(listing().memories().last().id, u"a2601"_s);
+        QCOMPARE(listing().extent(), Extent::NewestAcrossDays);
+        QVERIFY(listing().canShowEarlier());
+    }
+
+    void moreNewOnesThanThereIsRoomForWhileEarlierOnesAreAdded()
+    {
+        showAllHistory(4000);
+        add(u"b"_s, kToday, 130);
+        listing().showEarlier();
+        waitForList();
+        QCOMPARE(listing().memories().size(), 3100);
+        QCOMPARE(listing().memories().last().id, u"a1030"_s);
+        QCOMPARE(selected(), u"a2499"_s);
+        QCOMPARE(listing().extent(), Extent::NewestAcrossDays);
+        QVERIFY(listing().canShowEarlier());
+    }
+
     void otherFiltersBeginWithAPage()
     {
         showAllHistory(4000);

@@ -162,13 +162,9 @@ private:
         ++m_added;
         // Now and then more than a list of the same filters has room for.
         const bool areMany = upTo(25) == 0;
-        if (areMany)
-            calm();
         addRows(u"new%1-"_s.arg(m_added), kToday + 20'000 + m_added, areMany ? 130 : 1 + upTo(3),
                 oneOf<QString>({kEditor, kBrowser}), oneOf<QString>({u"heron"_s, u"egret"_s}), 1);
         refreshAsAfterASave();
-        if (areMany)
-            calm();
     }
     void prune()
     {
