@@ -6,6 +6,7 @@
 #include "MossbankCore/Library/HistoryStore.h"
 #include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Awaited.h"
+#include "MossbankCore/Support/Background.h"
 
 #include <QPointer>
 
@@ -117,7 +118,8 @@ QCoro::Task<Listing::Answer> Listing::ask(Request request)
                                  .day = request.filters.day,
                                  .app = request.filters.app,
                                  .limit = static_cast<int>(limit),
-                                 .withText = true});
+                                 .withText = true,
+                                 .held = m_memories});
     answer.rows = co_await awaited(m_fetching);
     requireNewest();
     // The list is held once, and not by its future as well.
@@ -200,7 +202,8 @@ void Listing::show(QList<Memory> memories, const std::optional<QString>& selecte
 
 void Listing::take(QList<Memory> memories)
 {
-    m_memories = std::move(memories);
+    // Letting go of thousands of texts takes longer than a picture on the screen lasts.
+    (void)atOnce([before = std::exchange(m_memories, std::move(memories))] {});
     m_positions.clear();
     m_positions.reserve(m_memories.size());
     for (qsizetype place = 0; place < m_memories.size(); ++place)
