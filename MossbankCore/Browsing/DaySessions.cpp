@@ -9,7 +9,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,14 +33,47 @@ struct Run {
 
 /// What the sampled screenshots of a run say.
 struct Words {
-    /// How often each was found.
-    QHash<QString, qsizetype> counts;
-    /// Those that were found with a capital.
-    QSet<QString> capitals;
+    struct Count {
+        /// Its number in the lexicon.
+        std::size_t word = 0;
+        qsizetype times = 0;
+        /// Whether it was ever found with a capital.
+        bool isCapital = false;
+    };
+    std::vector<Count> counts;
 };
 
-/// How many runs mention a word.
-using Spread = QHash<QString, qsizetype>;
+/// The words of a day, each in lower case under a number: what is written in the same way is taken
+/// apart once, and is compared no more from then on. The texts outlive it.
+class Lexicon {
+public:
+    Words wordsOf(const Run& run);
+    const QString& word(std::size_t number) const { return m_words[number]; }
+    std::size_t size() const { return m_words.size(); }
+
+private:
+    struct Written {
+        /// Absent: it can be no keyword.
+        std::optional<std::size_t> word;
+        bool isCapital = false;
+    };
+    struct Hash {
+        std::size_t operator()(QStringView view) const { return qHash(view); }
+    };
+
+    Written written(QStringView piece);
+    Written read(QStringView piece);
+    void count(const Memory& memory, Words& words);
+
+    std::unordered_map<QStringView, Written, Hash> m_written;
+    QHash<QString, std::size_t> m_numbers;
+    std::vector<QString> m_words;
+    /// For each word its place among those of the run that is being counted, plus one; 0 for none.
+    std::vector<std::size_t> m_places;
+};
+
+/// How many runs mention a word, by its number.
+using Spread = std::vector<qsizetype>;
 
 std::vector<Run> runsOf(QList<Memory> memories, double gap, double longest)
 {
@@ -70,32 +105,61 @@ bool canBeKeyword(const QString& word)
            !Stopwords::common().contains(word) && !isNumeric(word);
 }
 
-void readWords(const Memory& memory, Words& words)
+Lexicon::Written Lexicon::written(QStringView piece)
+{
+    const auto [at, isNew] = m_written.try_emplace(piece);
+    if (isNew)
+        at->second = read(piece);
+    return at->second;
+}
+
+Lexicon::Written Lexicon::read(QStringView piece)
+{
+    const QString word = Characters::lowercased(piece);
+    if (!canBeKeyword(word))
+        return {};
+    auto number = m_numbers.constFind(word);
+    if (number == m_numbers.constEnd()) {
+        number = m_numbers.insert(word, m_words.size());
+        m_words.push_back(word);
+        m_places.push_back(0);
+    }
+    return {*number, Characters::beginsUpperCase(piece)};
+}
+
+void Lexicon::count(const Memory& memory, Words& words)
 {
     for (const QStringView piece : Characters::words(Characters::prefix(memory.text, kPrefix))) {
-        const QString word = Characters::lowercased(piece);
-        if (!canBeKeyword(word))
+        const Written found = written(piece);
+        if (!found.word)
             continue;
-        ++words.counts[word];
-        if (Characters::beginsUpperCase(piece))
-            words.capitals.insert(word);
+        std::size_t& place = m_places[*found.word];
+        if (place == 0) {
+            words.counts.push_back({.word = *found.word});
+            place = words.counts.size();
+        }
+        Words::Count& counted = words.counts[place - 1];
+        ++counted.times;
+        counted.isCapital |= found.isCapital;
     }
 }
 
-Words wordsOf(const Run& run)
+Words Lexicon::wordsOf(const Run& run)
 {
     Words words;
     for (const Memory& memory : DaySessions::sample(run.memories, DaySessions::kSampled))
-        readWords(memory, words);
+        count(memory, words);
+    for (const Words::Count& counted : words.counts)
+        m_places[counted.word] = 0;
     return words;
 }
 
-Spread spreadOf(const std::vector<Words>& ofRuns)
+Spread spreadOf(const std::vector<Words>& ofRuns, std::size_t words)
 {
-    Spread spread;
-    for (const Words& words : ofRuns) {
-        for (auto word = words.counts.keyBegin(); word != words.counts.keyEnd(); ++word)
-            ++spread[*word];
+    Spread spread(words);
+    for (const Words& run : ofRuns) {
+        for (const Words::Count& count : run.counts)
+            ++spread[count.word];
     }
     return spread;
 }
@@ -129,27 +193,33 @@ QSet<QString> namesOf(const QList<SessionApp>& apps)
 }
 
 /// Frequent here and rare on the rest of the day.
-QStringList distinctive(const Words& words, const Spread& spread, qsizetype sessions,
-                        qsizetype wanted, const QList<SessionApp>& apps)
+QStringList distinctive(const Words& words, const Lexicon& lexicon, const Spread& spread,
+                        qsizetype sessions, qsizetype wanted, const QList<SessionApp>& apps)
 {
     const QSet<QString> barred = namesOf(apps);
-    std::vector<std::pair<double, QString>> scored;
-    for (auto word = words.counts.constBegin(); word != words.counts.constEnd(); ++word) {
-        if (barred.contains(word.key()))
-            continue;
-        const auto mentions = static_cast<double>(spread.value(word.key(), 1));
-        const double weight = words.capitals.contains(word.key()) ? kCapitalWeight : 1.0;
+    std::vector<std::pair<double, std::size_t>> scored;
+    scored.reserve(words.counts.size());
+    for (const Words::Count& count : words.counts) {
+        const auto mentions = static_cast<double>(spread[count.word]);
+        const double weight = count.isCapital ? kCapitalWeight : 1.0;
         const double score = std::log((static_cast<double>(sessions) + 1) / mentions) *
-                             static_cast<double>(*word) * weight;
+                             static_cast<double>(count.times) * weight;
         if (score > 0)
-            scored.emplace_back(-score, word.key());
+            scored.emplace_back(-score, count.word);
     }
-    std::ranges::sort(scored);
+    // Those barred are passed over among the best.
+    const auto taken =
+        std::clamp<qsizetype>(wanted + barred.size(), 0, static_cast<qsizetype>(scored.size()));
+    std::ranges::partial_sort(
+        scored, scored.begin() + taken, [&](const auto& one, const auto& other) {
+            return one.first != other.first ? one.first < other.first
+                                            : lexicon.word(one.second) < lexicon.word(other.second);
+        });
     QStringList best;
-    for (const auto& [score, word] : scored) {
-        if (best.size() >= wanted)
-            break;
-        best.append(word);
+    for (qsizetype at = 0; at < taken && best.size() < wanted; ++at) {
+        const QString& word = lexicon.word(scored[static_cast<std::size_t>(at)].second);
+        if (!barred.contains(word))
+            best.append(word);
     }
     return best;
 }
@@ -162,10 +232,11 @@ QList<Session> DaySessions::sessions(const QList<Memory>& memories, double gap, 
     if (memories.isEmpty())
         return {};
     std::vector<Run> runs = runsOf(memories, gap, longest);
+    Lexicon lexicon;
     std::vector<Words> words;
     for (const Run& run : runs)
-        words.push_back(wordsOf(run));
-    const Spread spread = spreadOf(words);
+        words.push_back(lexicon.wordsOf(run));
+    const Spread spread = spreadOf(words, lexicon.size());
     const auto count = static_cast<qsizetype>(runs.size());
     QList<Session> sessions;
     for (std::size_t at = 0; at < runs.size(); ++at) {
@@ -176,7 +247,7 @@ QList<Session> DaySessions::sessions(const QList<Memory>& memories, double gap, 
                          .end = run.memories.last().timestamp,
                          .apps = apps,
                          .titles = headlines(run.memories, keywords),
-                         .keywords = distinctive(words[at], spread, count, keywords, apps),
+                         .keywords = distinctive(words[at], lexicon, spread, count, keywords, apps),
                          .continues = run.continues,
                          .memories = std::move(run.memories)});
     }

@@ -115,8 +115,23 @@ void appendFolded(UChar32 codePoint, QString& folded)
 
 } // namespace
 
+namespace {
+
+/// Whether each unit surely is a character: before the first mark nothing joins its neighbour but
+/// the two signs of a line's end.
+bool isOneUnitEach(QStringView text)
+{
+    constexpr char16_t kFirstMark = 0x300;
+    return std::ranges::all_of(
+        text, [](QChar unit) { return unit.unicode() < kFirstMark && unit != u'\r'; });
+}
+
+} // namespace
+
 qsizetype Characters::count(QStringView text)
 {
+    if (isOneUnitEach(text))
+        return text.size();
     CharacterWalk walk(text);
     qsizetype characters = 0;
     while (walk.next())
@@ -138,6 +153,9 @@ std::vector<QStringView> Characters::split(QStringView text)
 
 QStringView Characters::prefix(QStringView text, qsizetype characters)
 {
+    // A character has at least one unit.
+    if (text.size() <= characters)
+        return text;
     CharacterWalk walk(text);
     qsizetype end = 0;
     for (qsizetype taken = 0; taken < characters; ++taken) {
@@ -165,6 +183,11 @@ bool isMark(UChar32 codePoint)
 bool isLetterOrNumber(UChar32 codePoint)
 {
     return (U_GET_GC_MASK(codePoint) & (U_GC_L_MASK | U_GC_N_MASK)) != 0;
+}
+
+bool isPlainLetter(UChar32 codePoint)
+{
+    return (codePoint >= 'a' && codePoint <= 'z') || (codePoint >= 'A' && codePoint <= 'Z');
 }
 
 /// What belongs to the character before it: accents, and what joins two letters or parts them.
@@ -197,7 +220,9 @@ std::vector<QStringView> Characters::words(QStringView text)
         qsizetype next = end;
         UChar32 codePoint = 0;
         U16_NEXT(units(text), next, text.size(), codePoint);
-        if (!isAlphanumeric(static_cast<char32_t>(codePoint))) {
+        if (isPlainLetter(codePoint)) {
+            isWord = true;
+        } else if (!isAlphanumeric(static_cast<char32_t>(codePoint))) {
             finish();
             start = next;
         } else if (!isMark(codePoint)) {

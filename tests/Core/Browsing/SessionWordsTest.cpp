@@ -70,6 +70,7 @@ private Q_SLOTS:
         row("and no more", u"Stork "_s.repeated(19) + u"heron "_s.repeated(35), u"heron stork"_s);
         row("nor a little", u"Stork "_s.repeated(21) + u"heron "_s.repeated(38), u"heron stork"_s);
         row("one capital counts for all", u"heron heron heron stork Stork"_s, u"stork heron"_s);
+        row("also the first one", u"heron heron heron Stork stork"_s, u"stork heron"_s);
         row("case is no difference", u"HERON heron Heron egret egret"_s, u"heron egret"_s);
         row("short ones", u"a ab abc"_s, u"abc"_s);
         row("long ones", u"abcdefghijklmnopqrstuvwx abcdefghijklmnopqrstuvwxy"_s,
@@ -79,6 +80,8 @@ private Q_SLOTS:
         row("what stands between words", u"grey-heron_mossy.bank"_s, u"bank grey heron mossy"_s);
         row("letters with marks are letters", u"Ağaç ağaç çay ot"_s, u"ağaç çay"_s);
         row("the application's own name", u"Editor EDITOR heron"_s, u"heron"_s);
+        row("it takes nobody's place", u"Editor EDITOR alder birch cedar egret"_s,
+            u"alder birch cedar egret"_s);
     }
     void whatIsFrequentComesFirst()
     {
