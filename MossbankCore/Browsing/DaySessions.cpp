@@ -11,7 +11,6 @@
 #include <cmath>
 #include <optional>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -57,15 +56,12 @@ private:
         std::optional<std::size_t> word;
         bool isCapital = false;
     };
-    struct Hash {
-        std::size_t operator()(QStringView view) const { return qHash(view); }
-    };
 
     Written written(QStringView piece);
     Written read(QStringView piece);
     void count(const Memory& memory, Words& words);
 
-    std::unordered_map<QStringView, Written, Hash> m_written;
+    QHash<QStringView, Written> m_written;
     QHash<QString, std::size_t> m_numbers;
     std::vector<QString> m_words;
     /// For each word its place among those of the run that is being counted, plus one; 0 for none.
@@ -107,10 +103,8 @@ bool canBeKeyword(const QString& word)
 
 Lexicon::Written Lexicon::written(QStringView piece)
 {
-    const auto [at, isNew] = m_written.try_emplace(piece);
-    if (isNew)
-        at->second = read(piece);
-    return at->second;
+    const auto known = m_written.constFind(piece);
+    return known != m_written.cend() ? *known : *m_written.insert(piece, read(piece));
 }
 
 Lexicon::Written Lexicon::read(QStringView piece)
