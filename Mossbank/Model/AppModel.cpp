@@ -75,7 +75,9 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_updater(surroundings.updates, m_recorder)
 {
     m_afterSave.follow(m_housekeeping, m_listing);
-    connect(&m_housekeeping, &Housekeeping::deleted, &m_listing, &Listing::forgetAll);
+    connect(&m_housekeeping, &Housekeeping::deleted, &m_listing, [this](bool isComplete) {
+        isComplete ? m_listing.forgetAll() : m_listing.refreshSoon();
+    });
     connect(&m_preferences, &Preferences::cannotBeStored, this, &AppModel::tellOfUnstored);
     connect(&m_preferences, &Preferences::storedAgain, this, &AppModel::tellOfStored);
     connect(&m_preferences, &Preferences::savesAddressesChanged, this, &AppModel::followAddresses);

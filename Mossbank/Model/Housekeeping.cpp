@@ -115,8 +115,10 @@ void Housekeeping::deleteAll()
 QCoro::Task<> Housekeeping::afterDeletion(QFuture<void> deletion, Cancellation cancellation)
 {
     const QPointer<Housekeeping> self(this);
+    bool isComplete = false;
     try {
         co_await awaited(deletion);
+        isComplete = true;
     } catch (const Failure& failure) {
         if (self)
             report("Could not delete history: %1", failure.message());
@@ -125,7 +127,7 @@ QCoro::Task<> Housekeeping::afterDeletion(QFuture<void> deletion, Cancellation c
         co_return;
     // A pass that was saving meanwhile has taken its screen for the last one, and it is deleted.
     m_recorder.forgetLastScreen();
-    Q_EMIT deleted();
+    Q_EMIT deleted(isComplete);
 }
 
 void Housekeeping::report(const char* sentence, const QString& reason)

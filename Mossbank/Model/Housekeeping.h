@@ -54,7 +54,8 @@ public:
     static QString storageLabel(qint64 bytes, const QLocale& locale);
 
 Q_SIGNALS:
-    void deleted();
+    /// `isComplete`: without a failure.
+    void deleted(bool isComplete);
 
 private:
     QCoro::Task<> afterDeletion(QFuture<void> deletion, Cancellation cancellation);

@@ -215,7 +215,7 @@ void Listing::setShowsEnlarged(bool shows)
 void Listing::openWorkspace()
 {
     ++m_openWorkspaces;
-    refresh();
+    refreshSoon();
 }
 
 void Listing::closeWorkspace()
@@ -248,7 +248,7 @@ void Listing::deleteSelected()
         else if (*place > 0)
             next = m_memories.at(*place - 1).id;
     }
-    afterDeletion(m_store->deleteMemory(*m_selectedID), *m_selectedID, next);
+    Job::detach(afterDeletion(m_store->deleteMemory(*m_selectedID), *m_selectedID, next));
 }
 
 QCoro::Task<> Listing::afterDeletion(QFuture<void> deletion, QString id,
@@ -256,35 +256,52 @@ QCoro::Task<> Listing::afterDeletion(QFuture<void> deletion, QString id,
 {
     const QPointer<Listing> self(this);
     const quint64 number = ++m_deletions;
-    bool isGone = false;
+    std::optional<QString> problem;
     try {
         co_await awaited(deletion);
-        isGone = true;
     } catch (const Failure& failure) {
-        if (self)
-            m_recorder.setErrorMessage(
-                localized("Could not delete the screenshot: %1").arg(failure.message()));
+        problem = failure.message();
     }
     if (!self)
         co_return;
+    if (problem)
+        m_recorder.setErrorMessage(localized("Could not delete the screenshot: %1").arg(*problem));
+    const bool isThere = problem && co_await isInLibrary(id);
+    if (!self)
+        co_return;
+    if (!isThere)
+        m_gone.insert(id);
     // Whoever has deleted another one since is past it.
     const bool isLast = number == m_deletions;
     if (isLast && next)
         setSelectedID(next);
-    if (isGone && !isMadeAnew())
-        drop(id);
     if (isLast)
         co_await refresh();
 }
 
-void Listing::drop(const QString& id)
+/// A removal may fail when the row has gone, and its words in the log have not.
+QCoro::Task<bool> Listing::isInLibrary(QString id)
 {
-    const auto place = position(id);
-    if (!place)
-        return;
-    QList<Memory> left = m_memories;
-    left.removeAt(*place);
-    show(std::move(left), std::nullopt);
+    const QFuture<QList<Memory>> asked = m_store->memories({id});
+    try {
+        const QList<Memory> found = co_await awaited(asked);
+        co_return !found.isEmpty();
+    } catch (const Failure&) {
+        co_return true;
+    }
+}
+
+void Listing::dropGone()
+{
+    const auto isGone = [this](const Memory& memory) {
+        return m_gone.contains(memory.id);
+    };
+    const bool isAny = std::ranges::any_of(std::as_const(m_memories), isGone);
+    QList<Memory> left = isAny ? m_memories : QList<Memory>();
+    left.removeIf(isGone);
+    m_gone.clear();
+    if (isAny)
+        show(std::move(left), std::nullopt);
 }
 
 void Listing::forgetAll()
@@ -292,11 +309,12 @@ void Listing::forgetAll()
     raiseGeneration();
     setListedByMeaning(false);
     m_earlierFrom.reset();
+    m_gone.clear();
     m_listedFilters.reset();
     m_dayMatches.reset();
     m_extent = Extent::Complete;
     show({}, std::nullopt);
-    refresh();
+    refreshSoon();
 }
 
 } // namespace mossbank

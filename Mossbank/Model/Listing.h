@@ -13,6 +13,7 @@
 #include <QList>
 #include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QUrl>
 
@@ -98,9 +99,10 @@ public:
     bool isListedByMeaning() const { return m_isListedByMeaning; }
     void showByMeaning(const QList<Memory>& memories);
 
-    /// Makes the list anew; without a window on show, the counts alone. Whoever does not wait for
-    /// it drops the task: it goes on, and ends by itself when the list goes.
+    /// Makes the list anew; without a window on show, the counts alone.
     QCoro::Task<> refresh();
+    /// The same, begun at once and not waited for.
+    void refreshSoon() { Job::detach(refresh()); }
     bool canShowEarlier() const;
     /// Adds rows at the old end, and selects the first of them.
     void showEarlier();
@@ -166,8 +168,9 @@ private:
     QCoro::Task<> refreshList();
     QCoro::Task<> refreshLater(Cancellation cancellation);
     QCoro::Task<> afterDeletion(QFuture<void> deletion, QString id, std::optional<QString> next);
-    /// Takes off the list what is gone from the library.
-    void drop(const QString& id);
+    QCoro::Task<bool> isInLibrary(QString id);
+    /// Takes off the list what was deleted since it was made.
+    void dropGone();
     /// Whether a refresh makes the list anew.
     bool isMadeAnew() const { return showsWorkspace() && !m_isListedByMeaning; }
     /// Puts these on show and tells of it. With `selected`, or else as `select` has it.
@@ -210,6 +213,8 @@ private:
     quint64 m_generation = 0;
     /// Of the one that `isLoading` is of.
     quint64 m_loadingGeneration = 0;
+    /// What is gone from the library and may be on the list still.
+    QSet<QString> m_gone;
     /// How many deletions were asked for.
     quint64 m_deletions = 0;
     QFuture<QList<Memory>> m_fetching;

@@ -40,6 +40,8 @@ void Listing::raiseGeneration()
     // What it would bring is wanted no more, and what is wanted waits behind it.
     m_fetching.cancel();
     m_counting.cancel();
+    m_fetching = {};
+    m_counting = {};
 }
 
 void Listing::scheduleRefresh()
@@ -72,6 +74,11 @@ QCoro::Task<> Listing::refresh()
 QCoro::Task<> Listing::refreshStats()
 {
     m_earlierFrom.reset();
+    if (!m_gone.isEmpty()) {
+        // What a list that is on its way holds may be gone as well.
+        raiseGeneration();
+        dropGone();
+    }
     // A list that was being made when the last window closed has nobody left who would say so.
     if (m_loadingGeneration != m_generation)
         setLoading(false);
@@ -151,10 +158,12 @@ QCoro::Task<> Listing::refreshList()
     if (!self || request.generation != m_generation)
         co_return;
     m_earlierFrom = problem ? std::nullopt : m_earlierFrom;
-    if (problem)
+    if (problem) {
         m_recorder.setErrorMessage(problem);
-    else
+        dropGone();
+    } else {
         publish(request, std::move(answer));
+    }
     // The two above tell others, who may ask for the next.
     if (self && request.generation == m_generation)
         setLoading(false);
@@ -187,6 +196,7 @@ void Listing::publish(const Request& request, Answer answer)
     m_dayMatches = std::move(answer.dayMatches);
     const auto added = isEarlierAdded ? std::optional(rows.at(*anchor + 1).id) : std::nullopt;
     show(std::move(rows), added);
+    m_gone.removeIf([this](const QString& id) { return !position(id); });
     setStats(answer.stats);
 }
 
@@ -271,7 +281,7 @@ void Listing::showEarlier()
     if (!canShowEarlier() || m_earlierFrom || m_memories.isEmpty())
         return;
     m_earlierFrom = m_memories.constLast().id;
-    refresh();
+    refreshSoon();
 }
 
 } // namespace mossbank

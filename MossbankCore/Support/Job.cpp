@@ -28,6 +28,11 @@ void Job::cancel()
         wake();
 }
 
+void Job::detach(QCoro::Task<> work)
+{
+    watch(std::move(work), std::make_shared<Cancellation::State>());
+}
+
 QCoro::Task<> Job::watch(QCoro::Task<> work, std::shared_ptr<Cancellation::State> state)
 {
     try {

@@ -48,6 +48,9 @@ public:
         return job;
     }
 
+    /// Has work go on that has begun, with nobody waiting for it. It looks after its owner itself.
+    static void detach(QCoro::Task<> work);
+
     /// Asks the work to end. What it sleeps on wakes before this returns.
     void cancel();
 

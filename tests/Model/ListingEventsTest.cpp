@@ -122,6 +122,23 @@ private Q_SLOTS:
         mendLibrary();
     }
 
+    void aDeletionThatFailedAtItsVeryEndHasRemovedTheRow()
+    {
+        add(u"a"_s, kToday, 2);
+        open();
+        listing().showByMeaning(listing().memories());
+        // Who reads keeps the log from being emptied of what is deleted.
+        m_sql->run(u"BEGIN"_s);
+        QCOMPARE(inLibrary().size(), 2);
+        listing().deleteSelected();
+        QTRY_VERIFY_WITH_TIMEOUT(error().startsWith(u"Could not delete the screenshot: "_s),
+                                 20'000);
+        QTRY_COMPARE(ids(), u"a0"_s);
+        QCOMPARE(selected(), u"a0"_s);
+        m_sql->run(u"COMMIT"_s);
+        QCOMPARE(inLibrary(), QStringList(u"a0"_s));
+    }
+
     void nothingIsHeldOfWhatWasDeletedAsAWhole()
     {
         add(u"a"_s, kToday, 2);

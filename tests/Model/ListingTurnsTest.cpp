@@ -127,6 +127,36 @@ private Q_SLOTS:
         QCOMPARE(error(), QString());
     }
 
+    void whatIsDeletedDoesNotComeBackWithAnOlderList()
+    {
+        listing().setSelectedID(u"a1"_s);
+        m_gate.holdAfter(1);
+        const auto older = listing().refresh();
+        // It has its rows, with what is deleted now, and waits for the counts.
+        QTRY_VERIFY(m_gate.isHolding());
+        listing().deleteSelected();
+        listing().closeWorkspace();
+        m_gate.open();
+        QTRY_COMPARE(ids(), u"a2 a0"_s);
+        settleLibrary();
+        QCOMPARE(ids(), u"a2 a0"_s);
+        QCOMPARE(selected(), u"a0"_s);
+        QVERIFY(!listing().isLoading());
+    }
+
+    void whatIsDeletedIsOffAListThatCannotBeMadeAnew()
+    {
+        listing().setSelectedID(u"a1"_s);
+        listing().deleteSelected();
+        drainLibrary();
+        breakLibrary();
+        QTRY_COMPARE(ids(), u"a2 a0"_s);
+        QTRY_VERIFY(!listing().isLoading());
+        QCOMPARE(selected(), u"a0"_s);
+        QVERIFY2(error().contains(u"no such table"_s), qPrintable(error()));
+        mendLibrary();
+    }
+
     void matchesByDayThatCannotBeHadLeaveTheListThatIsThere()
     {
         add(u"b"_s, kToday + 10, 1, kEditor, u"egret"_s);

@@ -50,6 +50,32 @@ private Q_SLOTS:
         QCOMPARE(listing().selectedID(), std::nullopt);
     }
 
+    void whatWasDeletedAltogetherIsHeldByNobody()
+    {
+        listing().openWorkspace();
+        record();
+        QTRY_COMPARE(listing().memories().size(), 1);
+        listing().closeWorkspace();
+        m_model->housekeeping().deleteAll();
+        QTRY_COMPARE(listing().memories().size(), 0);
+    }
+
+    void aListStaysWhereDeletingAllHasFailed()
+    {
+        listing().openWorkspace();
+        record();
+        QTRY_COMPARE(listing().memories().size(), 1);
+        listing().showByMeaning(listing().memories());
+        RawSql sql(m_rig->libraryRoot() + u"/history.sqlite"_s);
+        sql.run(u"ALTER TABLE memories RENAME TO hidden"_s);
+        QSignalSpy deleted(&m_model->housekeeping(), &Housekeeping::deleted);
+        m_model->housekeeping().deleteAll();
+        QTRY_COMPARE(deleted.count(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(listing().memories().size(), 1);
+        QVERIFY(listing().isListedByMeaning());
+    }
+
     void aListOnShowIsGroupedWhereThatIsLookedAt()
     {
         listing().openWorkspace();
