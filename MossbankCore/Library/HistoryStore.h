@@ -64,7 +64,7 @@ public:
         /// Whether to read the recognised text as well, by far the largest part.
         bool withText = false;
         /// What the asker holds already, as an earlier fetch with text gave it. The answer shares
-        /// what it has of it, which is neither read nor held a second time.
+        /// what it has of it, which is neither made into a text nor held a second time.
         QList<Memory> held = {};
     };
 
@@ -233,7 +233,7 @@ private:
     bool addQueryOfDay(Conditions& conditions, const QString& query, const DateInterval& day);
     /// False when it is sure that an expression matches fewer screenshots than `many`.
     bool mayMatchMany(const QString& expression, int many);
-    /// How many screenshots match an expression that many do.
+    /// How many screenshots match an expression that many do, or that may as well.
     QMap<Date, qsizetype> dayCountsOfMany(const QString& expression);
     /// The day of a date; absent where there is no condition.
     std::optional<DateInterval> dayOf(const std::optional<Date>& date) const;

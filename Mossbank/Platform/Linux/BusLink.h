@@ -37,7 +37,8 @@ struct BusSignals {
 /// is there already, since whoever asked for it has mostly gone as well.
 ///
 /// Threading: the thread it is made on.
-/// Errors: an answer that does not come in time is an error message; nothing throws.
+/// Errors: an answer that does not come in time is an error message. Nothing is thrown but in who
+/// waits for a link that has gone, to take it down.
 class BusLink final : public QObject {
     Q_OBJECT
 
