@@ -106,6 +106,8 @@ private:
     QString m_link;
     Memory m_memory;
     bool m_isSaved = false;
+    /// As it was when the saving began.
+    int m_timesForgotten = 0;
 };
 
 } // namespace mossbank

@@ -73,6 +73,7 @@ CaptureVerdict CapturePass::frontIsStillTheSame()
 QCoro::Task<CaptureVerdict> CapturePass::save()
 {
     m_memory = makeMemory();
+    m_timesForgotten = m_recorder->m_seen.timesForgotten;
     co_await awaited(m_recorder->m_neighbours.store->save(m_memory, m_processed.jpeg));
     m_isSaved = true;
     co_return Verdict::goOn();
@@ -102,8 +103,10 @@ Memory CapturePass::makeMemory() const
 CaptureVerdict CapturePass::remember()
 {
     ScreensSeen& seen = m_recorder->m_seen;
-    seen.lastScreen = m_fingerprint;
-    seen.lastScreenSavedAt = m_takenAt;
+    if (seen.timesForgotten == m_timesForgotten) {
+        seen.lastScreen = m_fingerprint;
+        seen.lastScreenSavedAt = m_takenAt;
+    }
     seen.lastText = m_processed.isWhole ? std::optional(m_processed.text) : std::nullopt;
     m_recorder->m_neighbours.afterSave.readForMeaning(m_memory);
     return Verdict::goOn();

@@ -125,8 +125,6 @@ QCoro::Task<> Housekeeping::afterDeletion(QFuture<void> deletion, Cancellation c
     }
     if (!self || cancellation.isRequested())
         co_return;
-    // A pass that was saving meanwhile has taken its screen for the last one, and it is deleted.
-    m_recorder.forgetLastScreen();
     Q_EMIT deleted(isComplete);
 }
 

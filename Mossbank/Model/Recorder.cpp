@@ -57,6 +57,7 @@ void Recorder::forgetLastScreen()
 {
     m_seen.lastScreen.reset();
     m_seen.lastScreenSavedAt = Date::distantPast();
+    ++m_seen.timesForgotten;
 }
 
 void Recorder::stop()

@@ -22,6 +22,9 @@ struct ScreensSeen {
     std::optional<Fingerprint> lastChecked;
     /// Of the last picture saved.
     std::optional<Fingerprint> lastScreen;
+    /// How often the last picture saved was forgotten. One that was being saved meanwhile is not
+    /// taken for the last one: it has been deleted.
+    int timesForgotten = 0;
     /// When the last picture saved was taken.
     Date lastScreenSavedAt = Date::distantPast();
     /// The words of the last picture saved. None where it was not read to its end: the next picture

@@ -241,6 +241,8 @@ private Q_SLOTS:
         QSignalSpy deleted(&housekeeping, &Housekeeping::deleted);
         housekeeping.deleteAll();
         rig.sealing.release();
+        // Both are done before anybody is told, the deletion as well as the save.
+        rig.store->picture({}).waitForFinished();
         QVERIFY(deleted.wait());
         rig.settle();
         QCOMPARE(rig.saved().size(), 0);
