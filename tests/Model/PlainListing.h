@@ -178,6 +178,16 @@ public:
         return {};
     }
 
+    /// A row is gone, and no list can be had without it. Whether it was on the list.
+    bool drop(const QString& id)
+    {
+        if (!m_shown.removeOne(id))
+            return false;
+        if (!selected || !m_shown.contains(*selected))
+            selected = m_shown.isEmpty() ? std::nullopt : std::optional(m_shown.constFirst());
+        return true;
+    }
+
     /// It does not, and all stays as it is.
     void fail() { m_isLengthened = false; }
 
