@@ -289,23 +289,6 @@ private Q_SLOTS:
         QVERIFY2(error().contains(u"no such table"_s), qPrintable(error()));
     }
 
-    void anOldFailureNeverCoversANewerSuccess()
-    {
-        add(u"a"_s, kToday, 2);
-        open();
-        breakLibrary();
-        auto first = listing().refresh();
-        listing().setQuery(u"moss"_s);
-        QTRY_VERIFY(m_rig->clock.sleepers() > 0);
-        QCoro::waitFor(first);
-        QVERIFY2(listing().isLoading(), "the newer one owns that");
-        mendLibrary();
-        passDebounce();
-        QCOMPARE(error(), QString());
-        QCOMPARE(ids(), u"a1 a0"_s);
-        QVERIFY(!listing().isLoading());
-    }
-
     void aWindowThatClosesMeanwhileEndsTheLoading()
     {
         add(u"a"_s, kToday, 2);

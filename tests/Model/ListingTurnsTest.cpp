@@ -127,6 +127,24 @@ private Q_SLOTS:
         QCOMPARE(error(), QString());
     }
 
+    void anOldFailureNeverCoversANewerSuccess()
+    {
+        m_gate.holdAfter(0);
+        const auto first = listing().refresh();
+        QTRY_VERIFY(m_gate.isHolding());
+        breakLibrary();
+        listing().setQuery(u"heron"_s);
+        QTRY_VERIFY(m_rig->clock.sleepers() > 0);
+        m_gate.open();
+        QCoro::waitFor(first);
+        QVERIFY2(listing().isLoading(), "the newer one owns that");
+        mendLibrary();
+        passDebounce();
+        QCOMPARE(error(), QString());
+        QCOMPARE(ids(), u"a2 a1 a0"_s);
+        QVERIFY(!listing().isLoading());
+    }
+
     void whatIsDeletedDoesNotComeBackWithAnOlderList()
     {
         listing().setSelectedID(u"a1"_s);
