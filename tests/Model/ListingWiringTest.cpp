@@ -46,7 +46,7 @@ private Q_SLOTS:
         QTRY_COMPARE(listing().memories().size(), 1);
         m_model->housekeeping().deleteAll();
         QTRY_COMPARE(listing().memories().size(), 0);
-        QCOMPARE(listing().stats().count, 0);
+        QTRY_COMPARE(listing().stats().count, 0);
         QCOMPARE(listing().selectedID(), std::nullopt);
     }
 
