@@ -18,8 +18,15 @@
 #include "Mossbank/Platform/Linux/XdgAutostart.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
 #include "Mossbank/Platform/Null/NullFrontApplication.h"
+#include "Mossbank/Platform/Null/NullKeychain.h"
+#include "Mossbank/Platform/Null/NullLoginService.h"
+#include "Mossbank/Platform/Null/NullProgramActivation.h"
+#include "Mossbank/Platform/Null/NullRelauncher.h"
 #include "Mossbank/Platform/Null/NullScreen.h"
+#include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
+#include "Mossbank/Platform/Null/NullSessionEvents.h"
+#include "Mossbank/Platform/Null/NullUpdates.h"
 #include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Failure.h"
 
@@ -105,6 +112,27 @@ Platform makePlatform(const QString& ownBundleID)
         executableOf(QCoreApplication::applicationPid()), ownBundleID);
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
+    platform.passwordManagers = passwordManagersOfLinux();
+    return platform;
+}
+
+Platform makeSamplePlatform()
+{
+    const QString reason = u"Recording is off in the demo."_s;
+    Platform platform;
+    platform.screen = std::make_unique<NullScreen>(reason);
+    platform.frontApplication = std::make_unique<NullFrontApplication>(reason);
+    platform.screenState = std::make_unique<NullScreenState>(reason);
+    platform.secureInput = std::make_unique<NullSecureInput>(reason);
+    platform.sessionEvents = std::make_unique<NullSessionEvents>(reason);
+    platform.addresses = std::make_unique<NullAddressSource>(reason);
+    platform.installedApplications = std::make_unique<DesktopFileApplications>();
+    platform.activation = std::make_unique<NullProgramActivation>(reason);
+    platform.updates = std::make_unique<NullUpdates>(reason);
+    platform.relauncher = std::make_unique<NullRelauncher>(reason);
+    platform.loginService = std::make_unique<NullLoginService>(reason);
+    platform.recognizer = makeTextRecognizer();
+    platform.keychain = std::make_unique<NullKeychain>(reason);
     platform.passwordManagers = passwordManagersOfLinux();
     return platform;
 }

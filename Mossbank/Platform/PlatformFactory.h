@@ -64,6 +64,12 @@ std::function<bool()> windowSystemHasGone();
 /// Threading: the main thread.
 Platform makePlatform(const QString& ownBundleID);
 
+/// What is needed to look around without recording: the recogniser, and what is installed. Nothing
+/// else of the desktop is asked for, so that it goes without one too.
+///
+/// Threading: the main thread.
+Platform makeSamplePlatform();
+
 /// How starts of this program reach each other, alone: for one that is not the first and needs
 /// nothing else.
 std::unique_ptr<ProgramActivation> makeProgramActivation(const QString& ownBundleID);
