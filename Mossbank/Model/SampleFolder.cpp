@@ -36,8 +36,7 @@ std::optional<pid_t> processOf(const QString& name)
             std::ranges::all_of(tail, [](QChar sign) { return sign >= u'0' && sign <= u'9'; });
         bool isNumber = false;
         const int number = tail.toInt(&isNumber);
-        // 0 would stand for this process and its like.
-        if (isDigits && isNumber && number > 0)
+        if (isDigits && isNumber)
             return number;
     }
     return std::nullopt;

@@ -3,6 +3,8 @@
 // The made-up desktop: what is painted where.
 #include "Mossbank/Model/FixtureImage.h"
 
+#include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QTest>
 
 #include <algorithm>
@@ -18,6 +20,7 @@ const QRgb kBackdrop = qRgb(46, 61, 71);
 const QRgb kWindow = qRgb(237, 237, 237);
 const QRgb kTitleBar = qRgb(222, 222, 222);
 const QRgb kDivider = qRgb(204, 204, 204);
+const QString kLetters = u"Hxg"_s;
 
 bool isNearly(QRgb one, QRgb other, int reach = 1)
 {
@@ -149,16 +152,22 @@ private Q_SLOTS:
         QTest::addColumn<int>("y");
         QTest::addColumn<int>("size");
         QTest::addColumn<QRgb>("background");
-        QTest::newRow("menu") << 30 << 866 << 16 << kBackdrop;
-        QTest::newRow("title") << 485 << 770 << 19 << kTitleBar;
-        QTest::newRow("heading of the side") << 115 << 697 << 12 << kWindow;
+        QTest::addColumn<QString>("text");
+        QTest::newRow("menu") << 30 << 866 << 16 << kBackdrop
+                              << kLetters + u"     File     Edit     View     Window     Help"_s;
+        QTest::newRow("title") << 485 << 770 << 19 << kTitleBar << kLetters;
+        QTest::newRow("heading of the side")
+            << 115 << 697 << 12 << kWindow << u"SAMPLE WORKSPACE"_s;
+        const QStringList rows = {u"All notes"_s, u"Personal"_s, u"Projects"_s, u"Research"_s,
+                                  u"Archive"_s};
         for (int row = 0; row < 5; ++row)
-            QTest::addRow("row %d of the side", row) << 117 << 645 - 43 * row << 18 << kWindow;
+            QTest::addRow("row %d", row) << 117 << 645 - 43 * row << 18 << kWindow << rows.at(row);
         for (int line = 0; line < 7; ++line) {
             QTest::addRow("line %d", line)
-                << 358 << 659 - 57 * line << (line == 0 ? 33 : 21) << kWindow;
+                << 358 << 659 - 57 * line << (line == 0 ? 33 : 21) << kWindow << kLetters;
         }
-        QTest::newRow("footer") << 360 << 99 << 14 << kWindow;
+        QTest::newRow("footer") << 360 << 99 << 14 << kWindow
+                                << u"Fictional sample content • Mossbank development fixture"_s;
     }
     void textsAreWhereTheyAre()
     {
@@ -166,17 +175,31 @@ private Q_SLOTS:
         QFETCH(int, y);
         QFETCH(int, size);
         QFETCH(QRgb, background);
-        const QImage image = drawn(QStringList(7, u"Hxg"_s), u"Hxg"_s, u"Hxg"_s);
-        // From the left to the first letters, and half a line more up and down.
-        const int height = size * 3 / 2;
-        const QRect around(x - 10, 900 - y - height, 10 + 2 * size, height + size / 2);
-        const QRect ink = inkIn(image, around, background);
-        QVERIFY2(ink.left() >= x && ink.left() <= x + size / 3, "it begins elsewhere");
-        QVERIFY2(ink.bottom() < 900 - y, "it reaches below its place");
-        QVERIFY2(ink.bottom() >= 900 - y - size / 2, "it stands above its place");
-        // A capital, and what goes below the line.
-        QVERIFY2(ink.height() > size * 6 / 10 && ink.height() <= size * 13 / 10,
-                 qPrintable(QString::number(ink.height())));
+        QFETCH(QString, text);
+        QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+        font.setPixelSize(size);
+        font.setWeight(text == u"Projects" ? QFont::DemiBold : QFont::Normal);
+        const QFontMetricsF metrics(font);
+        const QRectF letters =
+            metrics.tightBoundingRect(text).translated(x, 900 - y - metrics.descent());
+
+        const QImage image = drawn(QStringList(7, kLetters), kLetters, kLetters);
+        constexpr int kAround = 9; // and no further than the next
+        const QRect ink = inkIn(
+            image,
+            letters.toAlignedRect().adjusted(-kAround, -kAround, kAround, kAround) & image.rect(),
+            background);
+        const QString places = u"%1 to %2, %3 to %4"_s.arg(ink.left())
+                                   .arg(ink.right())
+                                   .arg(ink.top())
+                                   .arg(ink.bottom());
+        const auto isAbout = [](double one, double other) {
+            return std::abs(one - other) <= 2;
+        };
+        QVERIFY2(isAbout(ink.left(), letters.left()), qPrintable(places));
+        QVERIFY2(isAbout(ink.right() + 1, letters.right()), qPrintable(places));
+        QVERIFY2(isAbout(ink.top(), letters.top()), qPrintable(places));
+        QVERIFY2(isAbout(ink.bottom() + 1, letters.bottom()), qPrintable(places));
     }
 
     void textsAreOfTheirColour()
