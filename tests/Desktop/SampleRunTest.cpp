@@ -297,6 +297,18 @@ private Q_SLOTS:
         QVERIFY(mossbank.leftInTemporary().isEmpty());
     }
 
+    void oneOfTheUsersOwnLibraryNeedsNoScreenEither()
+    {
+        SampleMossbank mossbank;
+        const QString picture = mossbank.temporary(u"a.png"_s);
+        QVERIFY(mossbank.start({u"--snapshot-hold"_s, u"0"_s, u"--snapshot"_s, picture}));
+        QCOMPARE(mossbank.waitForEnd(), 0);
+        const bool isMissed = mossbank.terminal().contains(u"snapshot: no window to draw\n"_s);
+        QVERIFY2(isMissed != QFileInfo::exists(picture), qPrintable(mossbank.terminal()));
+        QVERIFY(mossbank.terminal().contains(u"Library: "_s + mossbank.library()));
+        QVERIFY2(!mossbank.terminal().contains(u"Waiting"_s), "it would record");
+    }
+
     void standingLastItTakesNone()
     {
         SampleMossbank mossbank;
