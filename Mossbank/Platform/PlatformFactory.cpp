@@ -8,6 +8,7 @@
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
+#include "Mossbank/Platform/Linux/PortalSettings.h"
 #include "Mossbank/Platform/Linux/ProcessRelauncher.h"
 #include "Mossbank/Platform/Linux/QtX11Server.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
@@ -106,6 +107,7 @@ Platform makePlatform(const QString& ownBundleID)
     platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = makeProgramActivation(ownBundleID);
+    platform.desktopSettings = std::make_unique<PortalSettings>();
     platform.updates = std::make_unique<PackageKitUpdates>(executableOf(self));
     platform.relauncher = std::make_unique<ProcessRelauncher>(executableOf(self));
     platform.loginService = std::make_unique<XdgAutostart>(
@@ -128,6 +130,7 @@ Platform makeSamplePlatform()
     platform.addresses = std::make_unique<NullAddressSource>(reason);
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = std::make_unique<NullProgramActivation>(reason);
+    platform.desktopSettings = std::make_unique<PortalSettings>();
     platform.updates = std::make_unique<NullUpdates>(reason);
     platform.relauncher = std::make_unique<NullRelauncher>(reason);
     platform.loginService = std::make_unique<NullLoginService>(reason);

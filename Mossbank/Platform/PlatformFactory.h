@@ -3,6 +3,7 @@
 
 #include "Mossbank/Ports/AddressSource.h"
 #include "Mossbank/Ports/Availability.h"
+#include "Mossbank/Ports/DesktopSettings.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/InstalledApplications.h"
 #include "Mossbank/Ports/LoginService.h"
@@ -34,6 +35,7 @@ struct Platform {
     std::unique_ptr<AddressSource> addresses;
     std::unique_ptr<InstalledApplications> installedApplications;
     std::unique_ptr<ProgramActivation> activation;
+    std::unique_ptr<DesktopSettings> desktopSettings;
     std::unique_ptr<Updates> updates;
     std::unique_ptr<Relauncher> relauncher;
     std::unique_ptr<LoginService> loginService;
