@@ -91,7 +91,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     const bool isDemo = commandLine.snapshot.isDemo();
     SystemClock clock;
     ApplicationChooserWindow applicationChooser(*platform.installedApplications);
-    PaletteAppearance appearance;
+    PaletteAppearance appearance(*platform.desktopSettings);
     QuitQuestionWindow quitQuestion;
     const auto preferences = makePreferences(platform, commandLine.snapshot);
     AppModel model({.clock = clock,
