@@ -6,6 +6,7 @@
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
 #include "Mossbank/Platform/Linux/BusActivation.h"
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
+#include "Mossbank/Platform/Linux/DesktopFileManager.h"
 #include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/PortalSettings.h"
@@ -108,6 +109,7 @@ Platform makePlatform(const QString& ownBundleID)
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = makeProgramActivation(ownBundleID);
     platform.desktopSettings = std::make_unique<PortalSettings>();
+    platform.fileManager = std::make_unique<DesktopFileManager>();
     platform.updates = std::make_unique<PackageKitUpdates>(executableOf(self));
     platform.relauncher = std::make_unique<ProcessRelauncher>(executableOf(self));
     platform.loginService = std::make_unique<XdgAutostart>(
@@ -131,6 +133,7 @@ Platform makeSamplePlatform()
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = std::make_unique<NullProgramActivation>(reason);
     platform.desktopSettings = std::make_unique<PortalSettings>();
+    platform.fileManager = std::make_unique<DesktopFileManager>();
     platform.updates = std::make_unique<NullUpdates>(reason);
     platform.relauncher = std::make_unique<NullRelauncher>(reason);
     platform.loginService = std::make_unique<NullLoginService>(reason);

@@ -4,6 +4,7 @@
 #include "Mossbank/Ports/AddressSource.h"
 #include "Mossbank/Ports/Availability.h"
 #include "Mossbank/Ports/DesktopSettings.h"
+#include "Mossbank/Ports/FileManager.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/InstalledApplications.h"
 #include "Mossbank/Ports/LoginService.h"
@@ -36,6 +37,7 @@ struct Platform {
     std::unique_ptr<InstalledApplications> installedApplications;
     std::unique_ptr<ProgramActivation> activation;
     std::unique_ptr<DesktopSettings> desktopSettings;
+    std::unique_ptr<FileManager> fileManager;
     std::unique_ptr<Updates> updates;
     std::unique_ptr<Relauncher> relauncher;
     std::unique_ptr<LoginService> loginService;

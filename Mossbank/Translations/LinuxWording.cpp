@@ -19,6 +19,7 @@ constexpr Wording kWordings[] = {
      "keeps it recording from the menu bar.",
      "Quit, and nothing more is saved until Mossbank is opened again. Closing the window instead "
      "keeps it recording in the background."},
+    {"Show in Finder", "Show in file manager"},
     {"Paused when your Mac went to sleep", "Paused when this computer went to sleep"},
     {"Screen recording permission is unavailable. Enable it in System Settings, then reopen "
      "Mossbank.",
