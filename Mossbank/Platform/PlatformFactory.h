@@ -68,8 +68,8 @@ std::function<bool()> windowSystemHasGone();
 /// Threading: the main thread.
 Platform makePlatform(const QString& ownBundleID);
 
-/// What is needed to look around without recording: the recogniser, and what is installed. Nothing
-/// else of the desktop is asked for, so that it goes without one too.
+/// What is needed to look around without recording: the recogniser, what is installed, how the
+/// desktop looks and shows files. It goes without a desktop too.
 ///
 /// Threading: the main thread.
 Platform makeSamplePlatform();
