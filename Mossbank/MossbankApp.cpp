@@ -9,6 +9,8 @@
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/SampleFolder.h"
 #include "Mossbank/Model/Texts.h"
+#include "Mossbank/Platform/Null/NullDesktopSettings.h"
+#include "Mossbank/Platform/Null/NullFileManager.h"
 #include "Mossbank/Platform/PlatformFactory.h"
 #include "Mossbank/QuitEvents.h"
 #include "Mossbank/SingleInstance.h"
@@ -20,6 +22,7 @@
 #include "Mossbank/Views/QuitQuestion/QuitQuestionWindow.h"
 #include "Mossbank/Views/Snapshot/Snapshot.h"
 #include "Mossbank/Views/Snapshot/SnapshotStage.h"
+#include "Mossbank/Views/Workspace/WorkspaceWindow.h"
 #include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/Failure.h"
@@ -86,6 +89,14 @@ void takeSnapshot(Snapshot& snapshot, AppModel& model, const SnapshotStage& stag
         Qt::SingleShotConnection);
 }
 
+/// The states of the window that the model holds nothing of.
+SnapshotStage stageOf(WorkspaceWindow& window)
+{
+    return {.showText = [&window] {
+        window.showText();
+    }};
+}
+
 int run(const Platform& platform, const QString& library, const CommandLine& commandLine)
 {
     const bool isDemo = commandLine.snapshot.isDemo();
@@ -111,6 +122,18 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                     .recognizer = *platform.recognizer,
                     .preferences = *preferences},
                    openLibrary(platform, library, commandLine.snapshot));
+    NullFileManager fileManager(u"-"_s);
+    NullDesktopSettings desktop(u"-"_s);
+    WorkspaceWindow workspace({.model = model,
+                               .preferences = *preferences,
+                               .clock = clock,
+                               .calendar = Calendar::current,
+                               .installedApplications = *platform.installedApplications,
+                               .fileManager = fileManager,
+                               .desktop = desktop});
+    model.launch().setReopenHandler([&workspace] { workspace.open(); });
+    QObject::connect(&model.launch(), &Launch::closesWorkspace, &workspace,
+                     &WorkspaceWindow::close);
     const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
     const TerminationSignals signals;
     const QuitEvents quitEvents;
@@ -125,7 +148,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     QObject::connect(&model.sampleLibrary(), &SampleLibrary::measured, &model,
                      &TerminalStatus::complain);
     Snapshot snapshot(commandLine.snapshot, clock, appearance);
-    takeSnapshot(snapshot, model, {});
+    takeSnapshot(snapshot, model, stageOf(workspace));
 
     TerminalStatus::say(localized("Library: %1").arg(library));
     if (!isDemo)
@@ -136,6 +159,8 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     std::optional<MissingParts> missing;
     if (!isDemo)
         missing.emplace(platform, *preferences);
+    if (!commandLine.isAtLogin)
+        workspace.open();
     return QCoreApplication::exec();
 }
 

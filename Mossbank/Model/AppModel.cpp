@@ -101,6 +101,11 @@ QStringList AppModel::displayNames() const
     return m_screen.displayNames();
 }
 
+bool AppModel::mayRecordScreen() const
+{
+    return m_screen.isAllowed();
+}
+
 void AppModel::finishedLaunching(bool atLogin)
 {
     applyAppearance();

@@ -73,6 +73,8 @@ public:
     Updater& updater() { return m_updater; }
     /// What the user calls the displays, the main one first.
     QStringList displayNames() const;
+    /// Whether the system lets this program see the screen.
+    bool mayRecordScreen() const;
     /// Absent when the library could not be opened.
     HistoryStore* store() { return m_store.get(); }
     /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.

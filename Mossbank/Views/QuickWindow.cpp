@@ -15,6 +15,9 @@ using namespace Qt::StringLiterals;
 std::unique_ptr<QQuickWindow> makeQuickWindow(QQmlEngine& engine, const QString& path,
                                               const QVariantMap& properties)
 {
+    // Words and pictures that stand still ask nothing of a graphics card, whose driver would stay in
+    // memory for as long as the program runs.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     engine.addImportPath(u"qrc:/"_s);
     QQmlComponent component(&engine, QUrl(u"qrc:/Mossbank/Views/"_s + path));
     std::unique_ptr<QQuickWindow> window;
