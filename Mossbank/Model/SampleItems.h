@@ -33,7 +33,7 @@ const QList<SampleDay>& sampleDays();
 /// Made-up screenshots one after the other, in which an application and its title stay for a while.
 class ScaleRows {
 public:
-    explicit ScaleRows(QRandomGenerator random)
+    explicit ScaleRows(const QRandomGenerator& random)
         : m_random(random)
     {
     }

@@ -38,7 +38,7 @@ QQuickItem* sheetWithin(const QQuickWindow& window)
 
 QImage picture(QQuickWindow& window, bool wantsSheet)
 {
-    const QImage whole = window.grabWindow();
+    QImage whole = window.grabWindow();
     const QQuickItem* const sheet = wantsSheet ? sheetWithin(window) : nullptr;
     if (!sheet || whole.isNull())
         return whole;
