@@ -9,8 +9,6 @@
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/SampleFolder.h"
 #include "Mossbank/Model/Texts.h"
-#include "Mossbank/Platform/Null/NullDesktopSettings.h"
-#include "Mossbank/Platform/Null/NullFileManager.h"
 #include "Mossbank/Platform/PlatformFactory.h"
 #include "Mossbank/QuitEvents.h"
 #include "Mossbank/SingleInstance.h"
@@ -122,15 +120,13 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                     .recognizer = *platform.recognizer,
                     .preferences = *preferences},
                    openLibrary(platform, library, commandLine.snapshot));
-    NullFileManager fileManager(u"-"_s);
-    NullDesktopSettings desktop(u"-"_s);
     WorkspaceWindow workspace({.model = model,
                                .preferences = *preferences,
                                .clock = clock,
                                .calendar = Calendar::current,
                                .installedApplications = *platform.installedApplications,
-                               .fileManager = fileManager,
-                               .desktop = desktop});
+                               .fileManager = *platform.fileManager,
+                               .desktop = *platform.desktopSettings});
     model.launch().setReopenHandler([&workspace] { workspace.open(); });
     QObject::connect(&model.launch(), &Launch::closesWorkspace, &workspace,
                      &WorkspaceWindow::close);

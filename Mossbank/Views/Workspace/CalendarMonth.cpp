@@ -109,7 +109,7 @@ QString CalendarMonth::title() const
 
 QStringList CalendarMonth::weekdays() const
 {
-    const QLocale& locale = m_calendar().locale();
+    const QLocale locale = m_calendar().locale();
     QStringList days;
     for (int day = 0; day < kDaysAWeek; ++day) {
         const int number = (locale.firstDayOfWeek() - 1 + day) % kDaysAWeek + 1;

@@ -143,7 +143,7 @@ void Sidebar::showAllHistory()
 QString Sidebar::storage() const
 {
     const LibraryStats& stats = m_listing.stats();
-    const QLocale& locale = m_parts.calendar().locale();
+    const QLocale locale = m_parts.calendar().locale();
     const QString size = Housekeeping::storageLabel(stats.bytes, locale);
     if (stats.count == 0)
         return localized("No screenshots yet");
