@@ -342,17 +342,18 @@ void FileManagerTest::aBusThatStandsStillHoldsNothingUp()
 
 void FileManagerTest::lettingGoWhileItIsAskedIsSafe()
 {
+    constexpr FileShowing::Limits kShort = {.service = 100ms};
     m_service->manner = Manner::KeepsSilent;
     QVERIFY(m_service->appear());
     const QUrl file = makeFile(u"heron.jpg"_s);
     const QFuture<void> atOnce = m_manager->show(file);
-    m_manager = std::make_unique<DesktopFileManager>();
+    m_manager = std::make_unique<DesktopFileManager>(kShort);
     QCOMPARE(outcome(atOnce), u"given up"_s);
     const QFuture<void> asked = m_manager->show(file);
     QTRY_COMPARE_WITH_TIMEOUT(m_service->asked.size(), 1, kPatience);
     m_manager.reset();
     QCOMPARE(outcome(asked), u"given up"_s);
-    QTest::qWait(kLongEnough);
+    QTest::qWait(3 * kLongEnough);
     QCOMPARE(m_service->asked.size(), 1);
     QVERIFY(!m_programs->isStarted());
 }

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void aPortalThatRefusesIsHeardAllTheSame();
     void withoutABusNothingIsKnown();
     void aBusThatStandsStillHoldsNothingUp();
+    void anotherBusIsFound_data();
     void anotherBusIsFound();
     void wrongAnswersAreNone_data();
     void wrongAnswersAreNone();
@@ -236,16 +237,34 @@ void PortalSettingsTest::aBusThatStandsStillHoldsNothingUp()
     QVERIFY(waitFor(ColourScheme::Dark));
 }
 
+void PortalSettingsTest::anotherBusIsFound_data()
+{
+    QTest::addColumn<QString>("when");
+    for (const char* when : {"when all is known", "while the portal is asked", "while it opens"})
+        QTest::newRow(when) << QString::fromLatin1(when);
+}
+
 void PortalSettingsTest::anotherBusIsFound()
 {
+    QFETCH(QString, when);
     m_portal->values = {{StubPortal::kAppearance, {{kScheme, kDark}}}};
     QVERIFY(m_portal->service().appear());
+    if (when == u"while the portal is asked")
+        m_portal->service().manner = Manner::KeepsSilent;
+    if (when == u"while it opens")
+        ::kill(static_cast<pid_t>(m_bus->process().processId()), SIGSTOP);
     make({.again = 10ms});
-    QVERIFY(waitFor(ColourScheme::Dark));
-    m_portal.reset();
+    if (when == u"while the portal is asked")
+        QVERIFY(waitUntilAsked(1));
+    else if (when == u"while it opens")
+        QTest::qWait(kLongEnough);
+    else
+        QVERIFY(waitFor(ColourScheme::Dark));
+    const ColourScheme before = m_settings->colourScheme();
     m_bus.reset();
+    m_portal.reset();
     QTRY_VERIFY_WITH_TIMEOUT(!m_settings->availability().isAvailable, kPatience);
-    QCOMPARE(m_settings->colourScheme(), ColourScheme::Dark);
+    QCOMPARE(m_settings->colourScheme(), before);
     m_bus = std::make_unique<TestBus>(TestBus::Kind::Session);
     m_portal = std::make_unique<StubPortal>();
     m_portal->values = {{StubPortal::kAppearance, {{kScheme, kLight}}}};

@@ -68,7 +68,6 @@ void FileShowing::stop()
 {
     if (std::exchange(m_hasEnded, true))
         return;
-    m_bus.close();
     m_promise.future().cancel();
     m_promise.finish();
 }

@@ -30,7 +30,7 @@ public:
 
     /// Once.
     QFuture<void> begin();
-    /// The future is cancelled.
+    /// The future is cancelled, and the folder is not opened any more.
     void stop();
 
 private:

@@ -139,7 +139,6 @@ void PortalSettings::take(const QDBusMessage& answer)
         m_values.replace(all);
         m_reason.clear();
         m_attempts = 0;
-        m_again.stop();
         tellWhatIsNew();
         return;
     }
