@@ -3,6 +3,9 @@ import QtQuick
 import QtQuick.Templates as T
 import Mossbank.Views
 
+// Nothing here is ever replaced, so nothing is lost by making it at once.
+// qmllint disable deferred-property-id
+
 /// The one button of a page that has no other.
 T.AbstractButton {
     id: button
@@ -10,7 +13,6 @@ T.AbstractButton {
     property string symbol
 
     Accessible.name: text
-    Accessible.role: Accessible.Button
     font.pixelSize: Theme.headingType
     hoverEnabled: true
     implicitHeight: Theme.controlHeight + 6

@@ -3,6 +3,9 @@ import QtQuick
 import QtQuick.Templates as T
 import Mossbank.Views
 
+// Nothing here is ever replaced, so nothing is lost by making it at once.
+// qmllint disable deferred-property-id
+
 /// A button with a symbol on it, and beside that perhaps a word.
 T.AbstractButton {
     id: button
@@ -19,7 +22,6 @@ T.AbstractButton {
 
     Accessible.description: help === text ? "" : help
     Accessible.name: text
-    Accessible.role: Accessible.Button
     font.pixelSize: Theme.bodyType
     font.weight: Font.Medium
     hoverEnabled: true

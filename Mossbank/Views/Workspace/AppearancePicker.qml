@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
-import QtQuick.Templates as T
 import Mossbank.Views
 
 /// Light, dark, or as the desktop has it.
@@ -9,7 +8,6 @@ SymbolButton {
 
     required property Sidebar sidebar
 
-    Accessible.role: Accessible.ButtonMenu
     symbol: "contrast"
     text: sidebar.appearanceLabel
 

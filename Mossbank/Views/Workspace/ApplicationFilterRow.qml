@@ -2,6 +2,9 @@
 import QtQuick
 import Mossbank.Views
 
+// Components within this one are made where its ids are in reach; the linter cannot know it.
+// qmllint disable unqualified
+
 /// An application that the list can be held to.
 SidebarRow {
     id: row

@@ -19,7 +19,6 @@ T.AbstractButton {
     Accessible.checked: isChosen
     Accessible.ignored: !isDay
     Accessible.name: spoken
-    Accessible.role: Accessible.Button
     // One of them is reached by the tab key, and the others from there by the arrows.
     focusPolicy: isChosen ? Qt.StrongFocus : Qt.ClickFocus
     enabled: isDay

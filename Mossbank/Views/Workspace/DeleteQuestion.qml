@@ -8,7 +8,7 @@ Sheet {
 
     required property Workspace workspace
 
-    cardHeight: detail.y + detail.height + Theme.controlHeight + 44
+    cardHeight: message.height + detail.height + Theme.controlHeight + 72
     cardWidth: Math.min(Math.round(420 * Theme.scale), width - 40)
     name: message.text
 

@@ -2,6 +2,9 @@
 import QtQuick
 import Mossbank.Views
 
+// Components within this one are made where its ids are in reach; the linter cannot know it.
+// qmllint disable unqualified
+
 /// Says that there is nothing, and where there is something.
 Item {
     id: view
@@ -52,6 +55,8 @@ Item {
                 model: view.emptyState.actions
 
                 ActionButton {
+                    id: button
+
                     required property int index
                     required property choice modelData
 
@@ -61,8 +66,8 @@ Item {
                     onClicked: view.emptyState.act(index)
 
                     HelpTip {
-                        text: parent.modelData.help
-                        visible: parent.hovered && text.length > 0
+                        text: button.modelData.help
+                        visible: button.hovered && text.length > 0
                     }
                 }
             }

@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Mossbank.Views
 
 /// A screenshot in the strip, with its time.
-T.AbstractButton {
+T.ItemDelegate {
     id: tile
 
     required property string app
@@ -15,7 +15,6 @@ T.AbstractButton {
     required property string time
 
     Accessible.name: help
-    Accessible.role: Accessible.ListItem
     Accessible.selectable: true
     Accessible.selected: isCurrent
     focusPolicy: Qt.NoFocus

@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Mossbank.Views
 
 /// One of the ways in which the history is shown.
-T.AbstractButton {
+T.RadioButton {
     id: segment
 
     required property choice modelData
@@ -15,7 +15,7 @@ T.AbstractButton {
     Accessible.checked: modelData.isChosen
     Accessible.description: modelData.help
     Accessible.name: modelData.label
-    Accessible.role: Accessible.RadioButton
+    checkable: false
     hoverEnabled: true
 
     background: Rectangle {

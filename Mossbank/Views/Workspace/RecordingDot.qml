@@ -6,6 +6,8 @@ import Mossbank.Views
 Rectangle {
     id: dot
 
+    objectName: "dot"
+
     /// Of `RecordingSwitch`.
     required property int recordingState
     readonly property bool isBreathing: recordingState === RecordingSwitch.Recording && !Theme.reducesMotion

@@ -3,8 +3,11 @@ import QtQuick
 import QtQuick.Templates as T
 import Mossbank.Views
 
+// Nothing here is ever replaced, so nothing is lost by making it at once.
+// qmllint disable deferred-property-id
+
 /// A screenshot that was found: the picture, when and where it was, and what was found in it.
-T.AbstractButton {
+T.ItemDelegate {
     id: row
 
     required property string app
@@ -17,7 +20,6 @@ T.AbstractButton {
 
     Accessible.description: snippet.spokenText
     Accessible.name: qsTranslate("Mossbank", "%1 · %2").arg(app).arg(time)
-    Accessible.role: Accessible.ListItem
     Accessible.selectable: true
     Accessible.selected: isCurrent
     focusPolicy: Qt.NoFocus

@@ -2,6 +2,9 @@
 import QtQuick
 import Mossbank.Views
 
+// Components within this one are made where its ids are in reach; the linter cannot know it.
+// qmllint disable unqualified
+
 /// What the history on show can be held to: a day, an application. At its foot, how large it is.
 Rectangle {
     id: panel
@@ -102,7 +105,6 @@ Rectangle {
 
                     width: column.width
 
-                    // A row is made where these are in reach; the linter cannot know it.
                     onClicked: panel.workspace.applications.choose(index)
                 }
             }

@@ -3,8 +3,11 @@ import QtQuick
 import QtQuick.Templates as T
 import Mossbank.Views
 
+// Nothing here is ever replaced, so nothing is lost by making it at once.
+// qmllint disable deferred-property-id
+
 /// One of the things that the history can be held to.
-T.AbstractButton {
+T.RadioButton {
     id: row
 
     property string count
@@ -21,7 +24,7 @@ T.AbstractButton {
     Accessible.checked: isChosen
     Accessible.description: count
     Accessible.name: text
-    Accessible.role: Accessible.RadioButton
+    checkable: false
     font.pixelSize: Theme.bodyType
     hoverEnabled: true
     implicitHeight: Theme.rowHeight

@@ -10,7 +10,6 @@ T.AbstractButton {
     required property Workspace workspace
 
     Accessible.name: qsTranslate("Mossbank", "Screenshot of %1").arg(workspace.viewer.app)
-    Accessible.role: Accessible.Graphic
     focusPolicy: Qt.TabFocus
     text: Accessible.name
 
