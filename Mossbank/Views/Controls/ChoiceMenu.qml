@@ -39,7 +39,7 @@ T.Menu {
             checked: modelData.isChosen
             text: modelData.label
 
-            onTriggered: menu.chosen(index) // qmllint disable missing-property
+            onTriggered: menu.chosen(index) // qmllint disable type
         }
 
         onObjectAdded: (index, object) => menu.insertItem(index, object)
