@@ -51,6 +51,10 @@ struct Platform {
 /// other thread is there.
 void keepMemoryTogether();
 
+/// Gives back to the system what has been freed and lies between what has not. Takes some
+/// milliseconds.
+void giveMemoryBack();
+
 /// Whether this program can have windows here. Asked before Qt connects to the desktop, which
 /// otherwise ends a program that cannot.
 Availability windowsAvailability();
