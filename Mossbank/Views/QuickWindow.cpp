@@ -22,8 +22,7 @@ void drawInMemory()
 {
     // Qt takes it once.
     static std::once_flag isChosen;
-    std::call_once(isChosen,
-                   [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
+    std::call_once(isChosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
 }
 
 } // namespace

@@ -32,6 +32,7 @@ QStringList textsIn(QString source)
     for (auto found = kText.globalMatch(source); found.hasNext();) {
         QString text = found.next().captured();
         text.remove(kSeam);
+        text.replace(u"\\n"_s, u"\n"_s);
         texts.append(text.mid(1, text.size() - 2));
     }
     return texts;

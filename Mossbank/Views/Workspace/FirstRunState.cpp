@@ -84,6 +84,9 @@ QString FirstRunState::step() const
 
 QString FirstRunState::explanation() const
 {
+    // There is nothing to do.
+    if (m_isDemo)
+        return {};
     switch (state()) {
     case FirstRun::Permission:
         return localized("macOS asks once. If it doesn't, turn Mossbank on under Screen & System "

@@ -90,6 +90,7 @@ Item {
             lineHeight: 1.25
             text: view.firstRun.explanation
             topPadding: 14
+            visible: text.length > 0
             width: parent.width
             wrapMode: Text.Wrap
         }
