@@ -29,6 +29,7 @@
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -127,6 +128,11 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                                .installedApplications = *platform.installedApplications,
                                .fileManager = *platform.fileManager,
                                .desktop = *platform.desktopSettings});
+    // When everything of the window and its list has gone.
+    QObject::connect(&workspace, &WorkspaceWindow::closed, &workspace, [&workspace] {
+        constexpr auto kUntilLetGo = std::chrono::seconds(1);
+        QTimer::singleShot(kUntilLetGo, &workspace, &giveMemoryBack);
+    });
     model.launch().setReopenHandler([&workspace] { workspace.open(); });
     QObject::connect(&model.launch(), &Launch::closesWorkspace, &workspace,
                      &WorkspaceWindow::close);

@@ -9,6 +9,8 @@ import Mossbank.Views
 ListView {
     id: strip
 
+    objectName: "filmstrip"
+
     required property Workspace workspace
 
     Accessible.name: qsTranslate("Mossbank", "Screenshots")
