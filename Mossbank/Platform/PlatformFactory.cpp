@@ -7,6 +7,7 @@
 #include "Mossbank/Platform/Linux/BusActivation.h"
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
 #include "Mossbank/Platform/Linux/DesktopFileManager.h"
+#include "Mossbank/Platform/Linux/LinuxTrayHost.h"
 #include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
 #include "Mossbank/Platform/Linux/PortalSettings.h"
@@ -28,11 +29,12 @@
 #include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
 #include "Mossbank/Platform/Null/NullSessionEvents.h"
+#include "Mossbank/Platform/Null/NullTrayHost.h"
 #include "Mossbank/Platform/Null/NullUpdates.h"
 #include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Failure.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -114,6 +116,7 @@ Platform makePlatform(const QString& ownBundleID)
     platform.relauncher = std::make_unique<ProcessRelauncher>(executableOf(self));
     platform.loginService = std::make_unique<XdgAutostart>(
         executableOf(QCoreApplication::applicationPid()), ownBundleID);
+    platform.trayHost = std::make_unique<LinuxTrayHost>();
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
     platform.passwordManagers = passwordManagersOfLinux();
@@ -137,6 +140,11 @@ Platform makeSamplePlatform()
     platform.updates = std::make_unique<NullUpdates>(reason);
     platform.relauncher = std::make_unique<NullRelauncher>(reason);
     platform.loginService = std::make_unique<NullLoginService>(reason);
+    // Its windows may be on no screen at all.
+    if (QGuiApplication::platformName() == u"xcb")
+        platform.trayHost = std::make_unique<LinuxTrayHost>();
+    else
+        platform.trayHost = std::make_unique<NullTrayHost>(reason);
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<NullKeychain>(reason);
     platform.passwordManagers = passwordManagersOfLinux();

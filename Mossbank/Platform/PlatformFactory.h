@@ -14,6 +14,7 @@
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
 #include "Mossbank/Ports/SessionEvents.h"
+#include "Mossbank/Ports/TrayHost.h"
 #include "Mossbank/Ports/Updates.h"
 #include "MossbankCore/Ports/Keychain.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
@@ -41,6 +42,7 @@ struct Platform {
     std::unique_ptr<Updates> updates;
     std::unique_ptr<Relauncher> relauncher;
     std::unique_ptr<LoginService> loginService;
+    std::unique_ptr<TrayHost> trayHost;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
     /// The identities of what keeps passwords, and of what shows keys, on this system alone.
