@@ -20,6 +20,7 @@
 #include "Mossbank/Views/QuitQuestion/QuitQuestionWindow.h"
 #include "Mossbank/Views/Snapshot/Snapshot.h"
 #include "Mossbank/Views/Snapshot/SnapshotStage.h"
+#include "Mossbank/Views/Tray/Tray.h"
 #include "Mossbank/Views/Workspace/WorkspaceWindow.h"
 #include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
@@ -141,6 +142,8 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     const QuitEvents quitEvents;
     followEnds(signals, quitEvents, model);
     followCalls(*platform.activation, model);
+    const Tray tray(model, *preferences, *platform.trayHost);
+    QObject::connect(&tray, &Tray::opens, &workspace, &WorkspaceWindow::open);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &model.launch(),
                      [&model](Qt::ApplicationState state) {
                          if (state == Qt::ApplicationActive)
