@@ -16,6 +16,7 @@
 #include "Mossbank/TerminationSignals.h"
 #include "Mossbank/Translations/LinuxWording.h"
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
+#include "Mossbank/Views/ClosingNotice/ClosingNotice.h"
 #include "Mossbank/Views/PaletteAppearance.h"
 #include "Mossbank/Views/QuitQuestion/QuitQuestionWindow.h"
 #include "Mossbank/Views/Snapshot/Snapshot.h"
@@ -141,6 +142,16 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     const TerminationSignals signals;
     const QuitEvents quitEvents;
     followEnds(signals, quitEvents, model);
+    ClosingNotice closingNotice(*preferences, model.recorder(), *platform.trayHost);
+    QObject::connect(&workspace, &WorkspaceWindow::closed, &closingNotice,
+                     &ClosingNotice::windowClosed);
+    QObject::connect(&workspace, &WorkspaceWindow::opened, &closingNotice, &ClosingNotice::dismiss);
+    // It says how to have the window back, and is not what is to come to the front then.
+    QObject::connect(platform.activation.get(), &ProgramActivation::activated, &workspace,
+                     [&workspace, &closingNotice] {
+                         if (closingNotice.isOpen())
+                             workspace.open();
+                     });
     followCalls(*platform.activation, model);
     const Tray tray(model, *preferences, *platform.trayHost);
     QObject::connect(&tray, &Tray::opens, &workspace, &WorkspaceWindow::open);

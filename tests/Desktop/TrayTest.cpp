@@ -23,6 +23,7 @@ const QString kRecords = u"Waiting for your next screen"_s;
 const QString kRests = u"Recording is off"_s;
 const QString kPauses = u"Paused until "_s;
 const QString kWindow = u"Mossbank"_s;
+const QString kNotice = u"Mossbank keeps recording"_s;
 const QString kQuestion = u"Mossbank is recording"_s;
 
 /// The choices of somebody who starts recording by hand.
@@ -210,6 +211,32 @@ private Q_SLOTS:
         const quint32 again = m_called->window(kWindow);
         QVERIFY(again != 0 && m_called->waitUntilActive(again));
         QCOMPARE(m_called->windows(), 1);
+        QCOMPARE(mossbank().stop(SIGTERM), 0);
+    }
+
+    void withoutAPanelWhoeverClosesTheWindowIsToldOnce()
+    {
+        m_panel.reset();
+        mossbank().openWindow();
+        QVERIFY(start(kRecords));
+        for (int time = 0; time < 2; ++time) {
+            const quint32 window = m_called->window(kWindow);
+            QVERIFY(window != 0 && m_called->waitUntilActive(window));
+            QVERIFY(m_called->press(u"alt+F4"_s));
+            if (time == 0) {
+                const quint32 notice = m_called->window(kNotice);
+                QVERIFY(notice != 0 && m_called->waitUntilActive(notice));
+            } else {
+                QVERIFY(m_called->waitUntilNoWindow());
+                QVERIFY(m_called->waitForAnotherPicture());
+                QCOMPARE(m_called->windows(), 0);
+            }
+            // As it says: the window is there again, and it is not.
+            QCOMPARE(mossbank().startAgain().status, 0);
+            QVERIFY(m_called->window(kWindow) != 0);
+            QCOMPARE(m_called->windows(), 1);
+        }
+        QCOMPARE(mossbank().choice(u"hasSeenClosingNotice"_s), u"true"_s);
         QCOMPARE(mossbank().stop(SIGTERM), 0);
     }
 
