@@ -11,9 +11,12 @@ T.ItemDelegate {
     required property bool hasKeys
     required property string help
     required property bool isCurrent
+    /// It waits to become another, out of sight but not out of the list.
+    property bool isPooled: false
     required property url picture
     required property string time
 
+    Accessible.ignored: isPooled
     Accessible.name: help
     Accessible.selectable: true
     Accessible.selected: isCurrent
@@ -57,4 +60,6 @@ T.ItemDelegate {
     }
 
     Accessible.onPressAction: clicked()
+    ListView.onPooled: isPooled = true
+    ListView.onReused: isPooled = false
 }

@@ -13,12 +13,15 @@ T.ItemDelegate {
     required property string app
     required property bool hasKeys
     required property bool isCurrent
+    /// It waits to become another, out of sight but not out of the list.
+    property bool isPooled: false
     required property string memoryText
     required property url picture
     required property string query
     required property string time
 
     Accessible.description: snippet.spokenText
+    Accessible.ignored: isPooled
     Accessible.name: qsTranslate("Mossbank", "%1 · %2").arg(app).arg(time)
     Accessible.selectable: true
     Accessible.selected: isCurrent
@@ -97,4 +100,6 @@ T.ItemDelegate {
     }
 
     Accessible.onPressAction: clicked()
+    ListView.onPooled: isPooled = true
+    ListView.onReused: isPooled = false
 }
