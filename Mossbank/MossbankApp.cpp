@@ -143,7 +143,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     const QuitEvents quitEvents;
     followEnds(signals, quitEvents, model);
     ClosingNotice closingNotice(*preferences, model.recorder(), *platform.trayHost);
-    QObject::connect(&workspace, &WorkspaceWindow::closed, &closingNotice,
+    QObject::connect(&workspace, &WorkspaceWindow::closedByUser, &closingNotice,
                      &ClosingNotice::windowClosed);
     QObject::connect(&workspace, &WorkspaceWindow::opened, &closingNotice, &ClosingNotice::dismiss);
     // It says how to have the window back, and is not what is to come to the front then.

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void itIsThereWhileItIsOpen()
     {
         QSignalSpy closed(m_workspace.get(), &WorkspaceWindow::closed);
+        QSignalSpy closedByUser(m_workspace.get(), &WorkspaceWindow::closedByUser);
         QVERIFY(!m_workspace->isOpen());
         open();
         QVERIFY(m_rig->listing().showsWorkspace());
@@ -45,14 +46,17 @@ private Q_SLOTS:
         QVERIFY(!m_workspace->isOpen());
         QVERIFY(!m_rig->listing().showsWorkspace());
         QCOMPARE(closed.size(), 1);
+        QCOMPARE(closedByUser.size(), 0);
         QTRY_COMPARE(QGuiApplication::topLevelWindows().size(), 0);
     }
 
     void itIsClosedByTheUser()
     {
+        QSignalSpy closedByUser(m_workspace.get(), &WorkspaceWindow::closedByUser);
         open();
         QTest::keyClick(&window(), Qt::Key_W, Qt::ControlModifier);
         QTRY_VERIFY(!m_workspace->isOpen());
+        QCOMPARE(closedByUser.size(), 1);
         QVERIFY(!m_rig->listing().showsWorkspace());
         open();
         QVERIFY(m_workspace->isOpen());

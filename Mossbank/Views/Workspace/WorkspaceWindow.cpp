@@ -108,8 +108,10 @@ void WorkspaceWindow::open()
 
 void WorkspaceWindow::close()
 {
+    m_isClosing = true;
     if (m_opened)
         m_opened->window().close();
+    m_isClosing = false;
 }
 
 void WorkspaceWindow::end()
@@ -126,6 +128,8 @@ void WorkspaceWindow::end()
     listing.setShowsEnlarged(false);
     listing.closeWorkspace();
     Q_EMIT closed();
+    if (!m_isClosing)
+        Q_EMIT closedByUser();
 }
 
 } // namespace mossbank

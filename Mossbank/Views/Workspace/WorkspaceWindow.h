@@ -37,6 +37,8 @@ Q_SIGNALS:
     void opened();
     /// By the user, or by `close`.
     void closed();
+    /// Besides that, where it was the user.
+    void closedByUser();
 
 private:
     class Opened;
@@ -45,6 +47,7 @@ private:
 
     WorkspaceParts m_parts;
     QPointer<Opened> m_opened;
+    bool m_isClosing = false;
 };
 
 } // namespace mossbank
