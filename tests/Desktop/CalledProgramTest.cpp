@@ -55,6 +55,9 @@ private Q_SLOTS:
     void anotherStartCallsTheFirstAndIsDone()
     {
         QVERIFY(startAndListen(kRecords));
+        // A start out of sight keeps the window closed for a moment.
+        QVERIFY(m_called->waitForAnotherPicture());
+        QVERIFY(m_called->waitForAnotherPicture());
         const auto second = mossbank().startAgain();
         QCOMPARE(second.text, runningAs());
         QCOMPARE(second.status, 0);
