@@ -135,6 +135,8 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
         constexpr auto kUntilLetGo = std::chrono::seconds(1);
         QTimer::singleShot(kUntilLetGo, &workspace, &giveMemoryBack);
     });
+    QObject::connect(&workspace, &WorkspaceWindow::quits, &model.quitGuard(),
+                     [&model] { model.quitGuard().quit(QuitGuard::Cause::User); });
     model.launch().setReopenHandler([&workspace] { workspace.open(); });
     QObject::connect(&model.launch(), &Launch::closesWorkspace, &workspace,
                      &WorkspaceWindow::close);

@@ -138,6 +138,13 @@ private Q_SLOTS:
         QCOMPARE(time(0), calendar.shortMonthAndDay(kToday - kDay) + u", "_s +
                               calendar.shortTime(kToday - kDay + 3600));
         QCOMPARE(time(1), calendar.shortTime(kToday + 60));
+        // Also on rows that were there already.
+        listing().setDay(kToday - kDay);
+        passDebounce();
+        QCOMPARE(time(0), calendar.shortTime(kToday - kDay + 3600));
+        listing().setDay(std::nullopt);
+        passDebounce();
+        QVERIFY(time(0).startsWith(calendar.shortMonthAndDay(kToday - kDay)));
     }
 
     void aRowTellsWhatItIsOf()

@@ -43,6 +43,7 @@ public:
                 .desktop = desktop};
     }
 
+    Surroundings surroundings() { return m_rig.surroundings(); }
     Listing& listing() { return model->listing(); }
     Recorder& recorder() { return model->recorder(); }
     Preferences& preferences() { return m_rig.preferences; }

@@ -30,6 +30,13 @@ private Q_SLOTS:
         QCOMPARE(m_workspace->content(), Workspace::Loading);
     }
 
+    void withoutALibraryNobodyIsWaitedFor()
+    {
+        m_rig->model = std::make_unique<AppModel>(m_rig->surroundings(), OpenedLibrary());
+        show();
+        QCOMPARE(m_workspace->content(), Workspace::FirstRun);
+    }
+
     void anEmptyLibraryIsAFirstRun()
     {
         open();

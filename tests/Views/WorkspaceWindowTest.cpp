@@ -123,7 +123,7 @@ private Q_SLOTS:
     {
         addThree();
         open();
-        QTest::keyClick(&window(), Qt::Key_Tab);
+        // Also from the search field, as long as there are no words in it to go by.
         QTest::keyClick(&window(), Qt::Key_Left, Qt::ControlModifier);
         QCOMPARE(selected(), u"b"_s);
         QTest::keyClick(&window(), Qt::Key_Right, Qt::ControlModifier);
@@ -225,6 +225,63 @@ private Q_SLOTS:
         QTest::keyClick(&window(), Qt::Key_Return);
         QTRY_COMPARE(m_rig->listing().memories().size(), 2);
         QCOMPARE(selected(), u"b"_s);
+    }
+
+    void aQuestionIsOfOneScreenshotAlone()
+    {
+        addThree();
+        open();
+        QVERIFY(press(u"Delete screenshot"_s));
+        QTRY_VERIFY(shows(QAccessible::Dialog, u"Delete this screenshot?"_s));
+        QTest::keyClick(&window(), Qt::Key_Left, Qt::ControlModifier);
+        QCOMPARE(selected(), u"c"_s);
+        m_rig->listing().setSelectedID(u"a"_s);
+        QTRY_VERIFY(!shows(QAccessible::Dialog, u"Delete this screenshot?"_s));
+        QCOMPARE(m_rig->listing().memories().size(), 3);
+    }
+
+    void whatLiesOverTheWindowHasAllKeys()
+    {
+        addThree();
+        open();
+        QVERIFY(press(u"Enlarge screenshot"_s));
+        QTRY_COMPARE(focused(), u"Done"_s);
+        QTest::keyClick(&window(), Qt::Key_F, Qt::ControlModifier);
+        QSet<QString> reached;
+        for (int step = 0; step < 12; ++step) {
+            reached.insert(focused());
+            QTest::keyClick(&window(), Qt::Key_Tab);
+        }
+        QCOMPARE(reached, (QSet<QString>{u"Fit"_s, u"Actual Size"_s, u"Zoom Out"_s, u"Zoom In"_s,
+                                         u"Done"_s}));
+        QTest::keyClick(&window(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_rig->listing().showsEnlarged());
+        QTRY_COMPARE(focused(), u"Search screen history"_s);
+    }
+
+    void theAppearanceIsChosenFromAMenu()
+    {
+        open();
+        QVERIFY(press(u"Appearance: Match System"_s));
+        const auto choose = [this] {
+            QAccessibleInterface* const item = view().find(QAccessible::MenuItem, u"Dark"_s);
+            if (!item || !item->actionInterface())
+                return false;
+            item->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+            return true;
+        };
+        QVERIFY(QTest::qWaitFor(choose));
+        QCOMPARE(m_rig->preferences().appearanceMode(), u"dark"_s);
+        QTRY_VERIFY(!view().find(QAccessible::MenuItem, u"Dark"_s));
+        QVERIFY(shows(QAccessible::Button, u"Appearance: Dark"_s));
+    }
+
+    void theEndOfTheProgramIsAskedForByAKey()
+    {
+        open();
+        QSignalSpy quits(m_workspace.get(), &WorkspaceWindow::quits);
+        QTest::keyClick(&window(), Qt::Key_Q, Qt::ControlModifier);
+        QCOMPARE(quits.size(), 1);
     }
 
     void itIsEnlargedAndZoomed()

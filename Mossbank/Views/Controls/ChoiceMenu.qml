@@ -39,7 +39,12 @@ T.Menu {
             checked: modelData.isChosen
             text: modelData.label
 
-            onTriggered: menu.chosen(index) // qmllint disable type
+            // What is chosen may be written in other items then, and the menu would not know that
+            // one was pressed.
+            onTriggered: {
+                menu.close();
+                menu.chosen(index); // qmllint disable type
+            }
         }
 
         onObjectAdded: (index, object) => menu.insertItem(index, object)

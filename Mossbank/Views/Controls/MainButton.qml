@@ -43,6 +43,7 @@ T.AbstractButton {
                 color: Theme.accentInk
                 font: button.font
                 text: button.text
+                textFormat: Text.PlainText
             }
         }
     }

@@ -68,15 +68,22 @@ std::vector<QRectF> behind(const QTextLayout& layout, FoldedText::Range part)
 MarkedText::MarkedText(QQuickItem* parent)
     : QQuickPaintedItem(parent)
 {
-    connect(this, &MarkedText::changed, this, &MarkedText::arrange);
+    connect(this, &MarkedText::wordsChanged, this, &MarkedText::choose);
+    connect(this, &MarkedText::changed, this, &MarkedText::measure);
 }
 
-void MarkedText::arrange()
+void MarkedText::choose()
 {
-    // Its own signal tells of it already: it is the first that is told.
+    // The signal of its own that it is told by is that of what is made here: it is the first to
+    // be told.
     m_snippet = Snippet::of(m_whole, m_query);
     if (m_snippet.text.trimmed().isEmpty())
         m_snippet = {m_emptyText, {}};
+    update();
+}
+
+void MarkedText::measure()
+{
     setImplicitHeight(std::ceil(QFontMetricsF(m_font).height()) * m_maximumLineCount);
     update();
 }

@@ -17,17 +17,17 @@ namespace mossbank {
 class MarkedText : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString text MEMBER m_whole NOTIFY changed REQUIRED)
-    Q_PROPERTY(QString query MEMBER m_query NOTIFY changed REQUIRED)
+    Q_PROPERTY(QString text MEMBER m_whole NOTIFY wordsChanged REQUIRED)
+    Q_PROPERTY(QString query MEMBER m_query NOTIFY wordsChanged REQUIRED)
     /// Said in place of a text that has no words.
-    Q_PROPERTY(QString emptyText MEMBER m_emptyText NOTIFY changed)
+    Q_PROPERTY(QString emptyText MEMBER m_emptyText NOTIFY wordsChanged)
     Q_PROPERTY(int maximumLineCount MEMBER m_maximumLineCount NOTIFY changed)
     Q_PROPERTY(QFont font MEMBER m_font NOTIFY changed)
     Q_PROPERTY(QColor color MEMBER m_color NOTIFY changed)
     Q_PROPERTY(QColor markColor MEMBER m_markColor NOTIFY changed)
     Q_PROPERTY(QColor markedColor MEMBER m_markedColor NOTIFY changed)
     /// What stands there, for who cannot see it.
-    Q_PROPERTY(QString spokenText READ spokenText NOTIFY changed)
+    Q_PROPERTY(QString spokenText READ spokenText NOTIFY wordsChanged)
 
 public:
     explicit MarkedText(QQuickItem* parent = nullptr);
@@ -36,10 +36,12 @@ public:
     void paint(QPainter* painter) override;
 
 Q_SIGNALS:
+    void wordsChanged();
     void changed();
 
 private:
-    void arrange();
+    void choose();
+    void measure();
 
     QString m_whole;
     QString m_query;

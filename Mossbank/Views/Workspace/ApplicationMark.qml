@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
-import Mossbank.Views
 
 /// The icon of an application, or a square with its initial where it has none.
 Item {
@@ -17,7 +16,8 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        color: Qt.hsla(mark.hue, Theme.isDark ? 0.35 : 0.45, Theme.isDark ? 0.45 : 0.5, 1)
+        // Dark enough, whatever the hue, for what is written on it.
+        color: Qt.hsla(mark.hue, 0.45, 0.3, 1)
         radius: 5
         visible: image.status !== Image.Ready
 

@@ -32,7 +32,7 @@ T.AbstractButton {
         radius: Theme.rowRadius
 
         FocusFrame {
-            anchors.margins: -2
+            anchors.margins: -4
             visible: day.visualFocus
         }
     }
@@ -41,7 +41,7 @@ T.AbstractButton {
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.verticalCenter: parent.verticalCenter
             anchors.verticalCenterOffset: -2
-            color: day.isChosen ? Theme.accentInk : day.share > 0 ? Theme.ink : Theme.tertiaryInk
+            color: day.isChosen ? Theme.accentInk : day.share > 0 ? Theme.ink : day.hovered ? Theme.secondaryInk : Theme.tertiaryInk
             font.pixelSize: Theme.smallType
             font.weight: day.isToday ? Font.DemiBold : Font.Normal
             text: day.isDay ? day.number : ""

@@ -22,6 +22,8 @@ public:
     QString symbol = {};
     QString help = {};
     bool isChosen = false;
+
+    friend bool operator==(const Choice&, const Choice&) = default;
 };
 
 } // namespace mossbank

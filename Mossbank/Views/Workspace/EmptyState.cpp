@@ -5,6 +5,8 @@
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Views/Workspace/Choice.h"
 
+#include <algorithm>
+
 namespace mossbank {
 
 using namespace Qt::StringLiterals;
@@ -17,8 +19,9 @@ EmptyState::EmptyState(const WorkspaceParts& parts, QObject* parent)
     for (const auto signal :
          {&Listing::memoriesChanged, &Listing::statsChanged, &Listing::queryChanged,
           &Listing::dayChanged, &Listing::appFilterChanged, &Listing::isListedByMeaningChanged})
-        connect(&m_listing, signal, this, &EmptyState::changed);
-    connect(&m_parts.model.recorder(), &Recorder::isRecordingChanged, this, &EmptyState::changed);
+        connect(&m_listing, signal, this, &EmptyState::update);
+    connect(&m_parts.model.recorder(), &Recorder::isRecordingChanged, this, &EmptyState::update);
+    update();
 }
 
 ListingWords EmptyState::words() const
@@ -78,12 +81,20 @@ QVariant EmptyState::worded(Action action) const
     return QVariant::fromValue(Choice{.label = localized("Show all history")});
 }
 
-QVariantList EmptyState::actions() const
+void EmptyState::update()
 {
     QVariantList buttons;
     for (const Action action : possible())
         buttons.append(worded(action));
-    return buttons;
+    const auto areSame = [](const QVariant& one, const QVariant& other) {
+        return one.value<Choice>() == other.value<Choice>();
+    };
+    const bool isAnother = !std::ranges::equal(buttons, m_actions, areSame);
+    if (isAnother)
+        m_actions = buttons;
+    Q_EMIT changed();
+    if (isAnother)
+        Q_EMIT actionsChanged();
 }
 
 void EmptyState::act(int number)

@@ -26,7 +26,7 @@ class EmptyState : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString detail READ detail NOTIFY changed)
     /// Of `Choice`: label and help of each button.
-    Q_PROPERTY(QVariantList actions READ actions NOTIFY changed)
+    Q_PROPERTY(QVariantList actions READ actions NOTIFY actionsChanged)
 
 public:
     explicit EmptyState(const WorkspaceParts& parts, QObject* parent = nullptr);
@@ -34,12 +34,13 @@ public:
     QString symbol() const;
     QString title() const;
     QString detail() const;
-    QVariantList actions() const;
+    const QVariantList& actions() const { return m_actions; }
     /// What the button of that number does.
     Q_INVOKABLE void act(int number);
 
 Q_SIGNALS:
     void changed();
+    void actionsChanged();
 
 private:
     enum class Action {
@@ -52,9 +53,12 @@ private:
     ListingWords words() const;
     std::vector<Action> possible() const;
     QVariant worded(Action action) const;
+    void update();
 
     WorkspaceParts m_parts;
     Listing& m_listing;
+    /// Kept, so that a button that is there already stays under the user's hand.
+    QVariantList m_actions;
 };
 
 } // namespace mossbank

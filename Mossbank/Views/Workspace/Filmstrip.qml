@@ -30,6 +30,7 @@ ListView {
     spacing: 8
 
     Keys.onLeftPressed: workspace.viewer.stepBack()
+    Keys.onEnterPressed: workspace.viewer.isEnlarged = true
     Keys.onReturnPressed: workspace.viewer.isEnlarged = true
     Keys.onRightPressed: workspace.viewer.stepOn()
 

@@ -45,12 +45,16 @@ T.ItemDelegate {
     Text {
         id: when
 
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.left: parent.left
+        anchors.right: parent.right
         anchors.top: thumbnail.bottom
         anchors.topMargin: 6
         color: tile.isCurrent ? Theme.ink : Theme.tertiaryInk
         font.pixelSize: Theme.smallType
         font.weight: tile.isCurrent ? Font.Bold : Font.Normal
+        fontSizeMode: Text.HorizontalFit
+        horizontalAlignment: Text.AlignHCenter
+        minimumPixelSize: 8
         text: tile.time
     }
     HelpTip {

@@ -40,6 +40,8 @@ MemoryRows::MemoryRows(Listing& listing, Clock& clock, CalendarSource calendar, 
     connect(&listing, &Listing::memoriesChanged, this, &MemoryRows::update);
     connect(&listing, &Listing::selectedIDChanged, this, &MemoryRows::selectedRowChanged);
     connect(&listing, &Listing::queryChanged, this, &MemoryRows::queryChanged);
+    // Among all days a row tells its day.
+    connect(&listing, &Listing::dayChanged, this, &MemoryRows::redate);
 }
 
 void MemoryRows::setOrder(Order order)

@@ -98,6 +98,7 @@ Rectangle {
             color: Theme.ink
             font.pixelSize: Theme.bodyType
             readOnly: true
+            selectByKeyboard: true
             selectByMouse: true
             selectedTextColor: Theme.accentInk
             selectionColor: Theme.accent
@@ -106,8 +107,19 @@ Rectangle {
             width: parent.width - 10
             wrapMode: TextEdit.Wrap
 
+            onCursorRectangleChanged: {
+                if (cursorRectangle.y < scrolling.contentY)
+                    scrolling.contentY = cursorRectangle.y;
+                else if (cursorRectangle.y + cursorRectangle.height > scrolling.contentY + scrolling.height)
+                    scrolling.contentY = cursorRectangle.y + cursorRectangle.height - scrolling.height;
+            }
             onTextChanged: scrolling.contentY = 0
         }
+    }
+    FocusFrame {
+        anchors.fill: scrolling
+        radius: Theme.rowRadius
+        visible: words.activeFocus
     }
     MatchMarker {
         markColor: Theme.mark

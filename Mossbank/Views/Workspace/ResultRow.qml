@@ -12,6 +12,7 @@ T.ItemDelegate {
 
     required property string app
     required property bool hasKeys
+    required property string help
     required property bool isCurrent
     /// It waits to become another, out of sight but not out of the list.
     property bool isPooled: false
@@ -22,7 +23,7 @@ T.ItemDelegate {
 
     Accessible.description: snippet.spokenText
     Accessible.ignored: isPooled
-    Accessible.name: qsTranslate("Mossbank", "%1 · %2").arg(app).arg(time)
+    Accessible.name: help
     Accessible.selectable: true
     Accessible.selected: isCurrent
     focusPolicy: Qt.NoFocus
@@ -77,7 +78,7 @@ T.ItemDelegate {
 
                     anchors.baseline: name.baseline
                     anchors.right: parent.right
-                    color: Theme.tertiaryInk
+                    color: row.hovered ? Theme.secondaryInk : Theme.tertiaryInk
                     font.pixelSize: Theme.smallType
                     text: row.time
                 }

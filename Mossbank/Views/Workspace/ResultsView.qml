@@ -29,9 +29,10 @@ Item {
         model: view.workspace.memories
         reuseItems: true
         spacing: 6
-        width: 346
+        width: Math.min(346, Math.round(view.width * 0.4))
 
         Keys.onDownPressed: view.workspace.viewer.stepBack()
+        Keys.onEnterPressed: view.workspace.viewer.isEnlarged = true
         Keys.onReturnPressed: view.workspace.viewer.isEnlarged = true
         Keys.onUpPressed: view.workspace.viewer.stepOn()
 

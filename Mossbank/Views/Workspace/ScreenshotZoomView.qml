@@ -13,6 +13,16 @@ Sheet {
     cardWidth: Math.max(320, width - 48)
     name: qsTranslate("Mossbank", "Enlarged screenshot of %1").arg(viewer.app)
 
+    function pan(across, down) {
+        const step = 80;
+        scrolling.contentX = Math.max(0, Math.min(scrolling.contentWidth - scrolling.width, scrolling.contentX + across * step));
+        scrolling.contentY = Math.max(0, Math.min(scrolling.contentHeight - scrolling.height, scrolling.contentY + down * step));
+    }
+
+    Keys.onDownPressed: pan(0, 1)
+    Keys.onLeftPressed: pan(-1, 0)
+    Keys.onRightPressed: pan(1, 0)
+    Keys.onUpPressed: pan(0, -1)
     onDismissed: viewer.isEnlarged = false
 
     ZoomScale {
@@ -70,7 +80,7 @@ Sheet {
             text: zoom.label
         }
         SymbolButton {
-            help: qsTranslate("Mossbank", "Fit the whole screenshot in the window · Ctrl+0")
+            help: qsTranslate("Mossbank", "Fit the whole screenshot in the window · ⌘0")
             isOn: zoom.isFitting
             symbol: "fit"
             text: qsTranslate("Mossbank", "Fit")
@@ -78,7 +88,7 @@ Sheet {
             onClicked: zoom.showWhole()
         }
         SymbolButton {
-            help: qsTranslate("Mossbank", "Show the screenshot at its own size · Ctrl+1")
+            help: qsTranslate("Mossbank", "Show the screenshot at its own size · ⌘1")
             symbol: "photo"
             text: qsTranslate("Mossbank", "Actual Size")
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Views/Workspace/SearchKeys.h"
 
-#include "Mossbank/Model/Listing.h"
+#include "Mossbank/Views/Workspace/ShownLens.h"
 
 #include <QKeyEvent>
 #include <QQuickItem>
@@ -18,14 +18,27 @@ SearchKeys::SearchKeys(Listing& listing, QQuickItem& field, QObject* parent)
 
 bool SearchKeys::eventFilter(QObject*, QEvent* event)
 {
+    if (event->type() == QEvent::ShortcutOverride)
+        return letGo(*static_cast<QKeyEvent*>(event));
     return event->type() == QEvent::KeyPress && take(*static_cast<QKeyEvent*>(event));
+}
+
+/// In an empty field there are no words to go by, and the window's own keys count.
+bool SearchKeys::letGo(QKeyEvent& key) const
+{
+    const bool isStep = key.modifiers() == Qt::ControlModifier &&
+                        (key.key() == Qt::Key_Left || key.key() == Qt::Key_Right);
+    if (!isStep || !m_listing.query().isEmpty())
+        return false;
+    key.ignore();
+    return true;
 }
 
 /// Whether the list has taken it.
 bool SearchKeys::take(const QKeyEvent& key)
 {
     const auto modifiers = key.modifiers() & ~Qt::KeypadModifier;
-    if (modifiers != Qt::NoModifier || m_listing.lens() == Listing::Lens::Ask)
+    if (modifiers != Qt::NoModifier || shownLens(m_listing) == Listing::Lens::Ask)
         return false;
     switch (key.key()) {
     case Qt::Key_Up:

@@ -24,6 +24,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    bool letGo(QKeyEvent& key) const;
     bool take(const QKeyEvent& key);
 
     Listing& m_listing;

@@ -6,24 +6,18 @@ import Mossbank.Views
 FocusScope {
     id: sheet
 
-    default property alias content: card.data
-    property alias cardHeight: card.height
-    property alias cardWidth: card.width
+    default property alias content: board.data
+    property alias cardHeight: board.height
+    property alias cardWidth: board.width
     required property string name
 
-    /// What had the keys before.
-    property Item previous: null
+    /// What of it is more than a veil.
+    readonly property Item card: board
 
     signal dismissed
 
     focus: true
 
-    Component.onCompleted: {
-        previous = Window.activeFocusItem;
-        forceActiveFocus();
-    }
-    Component.onDestruction: if (previous)
-        previous.forceActiveFocus()
     Keys.onEscapePressed: dismissed()
 
     Rectangle {
@@ -41,7 +35,7 @@ FocusScope {
         }
     }
     Rectangle {
-        id: card
+        id: board
 
         Accessible.name: sheet.name
         Accessible.role: Accessible.Dialog

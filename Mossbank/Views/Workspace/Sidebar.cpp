@@ -7,19 +7,14 @@
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Views/Workspace/Choice.h"
+#include "Mossbank/Views/Workspace/ShownLens.h"
 #include "MossbankCore/Ports/Clock.h"
-
-#include <algorithm>
-#include <array>
 
 namespace mossbank {
 
 namespace {
 
 using namespace Qt::StringLiterals;
-
-/// The lenses that there is a view for.
-constexpr std::array kLenses = {Listing::Lens::Moments};
 
 Choice choiceOf(Listing::Lens lens)
 {
@@ -54,6 +49,8 @@ Sidebar::Sidebar(const WorkspaceParts& parts, QObject* parent)
     connect(&m_listing, &Listing::lensChanged, this, &Sidebar::lensChanged);
     connect(&m_listing, &Listing::dayChanged, this, &Sidebar::dayChanged);
     connect(&m_listing, &Listing::statsChanged, this, &Sidebar::statsChanged);
+    // What was saved after midnight is of another today.
+    connect(&m_listing, &Listing::statsChanged, this, &Sidebar::dayChanged);
     connect(&m_parts.model.recorder(), &Recorder::isSavingChanged, this, &Sidebar::savingChanged);
     connect(&m_parts.preferences, &Preferences::appearanceModeChanged, this,
             &Sidebar::appearanceChanged);
@@ -61,12 +58,10 @@ Sidebar::Sidebar(const WorkspaceParts& parts, QObject* parent)
 
 QVariantList Sidebar::lenses() const
 {
-    // One that was chosen where there was a view for it is shown by the first.
-    const auto chosen = std::ranges::find(kLenses, m_listing.lens());
     QVariantList choices;
-    for (const Listing::Lens lens : kLenses) {
+    for (const Listing::Lens lens : kShownLenses) {
         Choice choice = choiceOf(lens);
-        choice.isChosen = lens == (chosen == kLenses.end() ? kLenses.front() : *chosen);
+        choice.isChosen = lens == shownLens(m_listing);
         choices.append(QVariant::fromValue(choice));
     }
     return choices;
@@ -74,8 +69,8 @@ QVariantList Sidebar::lenses() const
 
 void Sidebar::chooseLens(int number)
 {
-    if (number >= 0 && number < static_cast<int>(kLenses.size()))
-        m_listing.setLens(kLenses.at(static_cast<std::size_t>(number)));
+    if (number >= 0 && number < static_cast<int>(kShownLenses.size()))
+        m_listing.setLens(kShownLenses.at(static_cast<std::size_t>(number)));
 }
 
 QVariantList Sidebar::appearances() const

@@ -83,7 +83,10 @@ QString Viewer::text() const
 
 QString Viewer::link() const
 {
-    return selected() ? selected()->link : QString();
+    const QString link = selected() ? selected()->link : QString();
+    const QString scheme = QUrl(link).scheme();
+    // A library may have come from anywhere, and other schemes start other things than browsers.
+    return scheme == u"http"_s || scheme == u"https"_s ? link : QString();
 }
 
 bool Viewer::canStepBack() const
@@ -161,10 +164,8 @@ QCoro::Task<> Viewer::showFolder(QUrl file, Cancellation cancellation)
 
 void Viewer::openLink() const
 {
-    const QUrl url(link());
-    // A library may have come from anywhere, and other schemes start other things than browsers.
-    if (url.scheme() == u"http"_s || url.scheme() == u"https"_s)
-        QDesktopServices::openUrl(url);
+    if (!link().isEmpty())
+        QDesktopServices::openUrl(QUrl(link()));
 }
 
 void Viewer::remove()

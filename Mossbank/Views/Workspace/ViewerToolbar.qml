@@ -21,7 +21,7 @@ Item {
 
         SymbolButton {
             enabled: toolbar.viewer.canStepBack
-            help: qsTranslate("Mossbank", "Previous screenshot · Ctrl+←")
+            help: qsTranslate("Mossbank", "Previous screenshot · ⌘←")
             symbol: "chevron-left"
             text: qsTranslate("Mossbank", "Previous screenshot")
 
@@ -29,7 +29,7 @@ Item {
         }
         SymbolButton {
             enabled: toolbar.viewer.canStepOn
-            help: qsTranslate("Mossbank", "Next screenshot · Ctrl+→")
+            help: qsTranslate("Mossbank", "Next screenshot · ⌘→")
             symbol: "chevron-right"
             text: qsTranslate("Mossbank", "Next screenshot")
 
@@ -57,7 +57,7 @@ Item {
             font.weight: Font.DemiBold
             text: toolbar.viewer.title
             textFormat: Text.PlainText
-            width: Math.min(implicitWidth, words.width - time.width - 8)
+            width: Math.max(0, Math.min(implicitWidth, words.width - time.implicitWidth - 8))
         }
         Text {
             id: time
@@ -68,8 +68,10 @@ Item {
             anchors.left: title.right
             anchors.leftMargin: 8
             color: Theme.tertiaryInk
+            elide: Text.ElideRight
             font.pixelSize: Theme.bodyType
             text: toolbar.viewer.time
+            width: Math.max(0, Math.min(implicitWidth, words.width - title.width - 8))
         }
     }
     Row {

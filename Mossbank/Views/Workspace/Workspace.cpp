@@ -23,7 +23,8 @@ Workspace::Workspace(const WorkspaceParts& parts, QObject* parent)
     , m_viewer(parts)
     , m_emptyState(parts)
     , m_firstRun(parts, parts.preferences.isDemo())
-    , m_hasLooked(m_listing.stats().count > 0)
+    // Without a library nobody will ever answer.
+    , m_hasLooked(!parts.model.store() || m_listing.stats().count > 0)
 {
     follow();
     arrange();
@@ -42,6 +43,9 @@ void Workspace::follow()
         arrange();
     });
     connect(&m_listing, &Listing::queryChanged, this, &Workspace::queryChanged);
+    // The question was about another one.
+    connect(&m_listing, &Listing::selectedIDChanged, this,
+            [this] { setProperty("asksToDelete", false); });
     for (const auto signal : {&Listing::showsSearchHintChanged, &Listing::statsChanged})
         connect(&m_listing, signal, this, &Workspace::showsSearchHintChanged);
     connect(&m_parts.desktop, &DesktopSettings::changed, this, &Workspace::reducesMotionChanged);

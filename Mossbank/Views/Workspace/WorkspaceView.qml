@@ -9,18 +9,39 @@ import Mossbank.Views
 Window {
     id: window
 
+    readonly property bool isCovered: enlarged.item !== null || question.item !== null
+    /// What had the keys before something lay over all the rest.
+    property Item lastFocus: null
     /// What lies over all the rest. Null where nothing does.
-    readonly property QtObject sheet: enlarged.item ?? question.item
+    readonly property QtObject sheet: (enlarged.item ?? question.item)?.card ?? null
     required property Workspace workspace
 
     color: Theme.background
     height: 820
-    minimumHeight: 560
-    minimumWidth: 860
+    minimumHeight: Math.round(560 * Theme.scale)
+    minimumWidth: Math.round(860 * Theme.scale)
     objectName: "workspace"
     title: "Mossbank"
     width: 1240
 
+    function giveFocusBack() {
+        if (!isCovered && lastFocus)
+            lastFocus.forceActiveFocus();
+    }
+
+    onActiveFocusItemChanged: if (!isCovered && activeFocusItem)
+        lastFocus = activeFocusItem
+    // When what was covered can have it again.
+    onIsCoveredChanged: if (!isCovered)
+        givingBack.start()
+
+    Timer {
+        id: givingBack
+
+        interval: 0
+
+        onTriggered: window.giveFocusBack()
+    }
     Binding {
         property: "reducesMotion"
         target: Theme
@@ -32,6 +53,7 @@ Window {
         value: window.active
     }
     WorkspaceShortcuts {
+        isCovered: window.isCovered
         workspace: window.workspace
 
         onFocusesSearch: top.focusSearch()
@@ -43,6 +65,7 @@ Window {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
+        enabled: !window.isCovered
         searchFieldX: side.width + 14
         workspace: window.workspace
     }
@@ -52,6 +75,7 @@ Window {
         anchors.bottom: parent.bottom
         anchors.left: parent.left
         anchors.top: top.bottom
+        enabled: !window.isCovered
         workspace: window.workspace
     }
     MainArea {
@@ -59,6 +83,7 @@ Window {
         anchors.left: side.right
         anchors.right: parent.right
         anchors.top: top.bottom
+        enabled: !window.isCovered
         workspace: window.workspace
     }
     Loader {
@@ -70,6 +95,8 @@ Window {
         sourceComponent: ScreenshotZoomView {
             workspace: window.workspace
         }
+
+        onLoaded: (item as Item).forceActiveFocus()
     }
     Loader {
         id: question
@@ -80,5 +107,7 @@ Window {
         sourceComponent: DeleteQuestion {
             workspace: window.workspace
         }
+
+        onLoaded: (item as Item).forceActiveFocus()
     }
 }

@@ -38,6 +38,7 @@ public:
         if (auto* const field = m_window->findChild<QQuickItem*>(u"search"_s))
             new SearchKeys(parts.model.listing(), *field, field);
         m_window->installEventFilter(this);
+        connect(&m_engine, &QQmlEngine::quit, this, &Opened::quits);
         bringToFront(*m_window);
     }
 
@@ -53,6 +54,7 @@ public:
 
 Q_SIGNALS:
     void closing();
+    void quits();
 
 private:
     Workspace m_workspace;
@@ -103,6 +105,7 @@ void WorkspaceWindow::open()
         return;
     }
     connect(m_opened, &Opened::closing, this, &WorkspaceWindow::end);
+    connect(m_opened, &Opened::quits, this, &WorkspaceWindow::quits);
     Q_EMIT opened();
 }
 

@@ -39,6 +39,8 @@ Q_SIGNALS:
     void closed();
     /// Besides that, where it was the user.
     void closedByUser();
+    /// The user wants the program to end.
+    void quits();
 
 private:
     class Opened;
