@@ -138,8 +138,6 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     QObject::connect(&workspace, &WorkspaceWindow::quits, &model.quitGuard(),
                      [&model] { model.quitGuard().quit(QuitGuard::Cause::User); });
     model.launch().setReopenHandler([&workspace] { workspace.open(); });
-    QObject::connect(&model.launch(), &Launch::closesWorkspace, &workspace,
-                     &WorkspaceWindow::close);
     const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
     const TerminationSignals signals;
     const QuitEvents quitEvents;
