@@ -5,35 +5,13 @@
 #include "Mossbank/Ports/ProgramActivation.h"
 #include "Mossbank/QuitEvents.h"
 #include "Mossbank/TerminationSignals.h"
+#include "Mossbank/Views/OpenWindows.h"
 
 #include <QGuiApplication>
-#include <QWindow>
 
-#include <algorithm>
 #include <csignal>
 
 namespace mossbank {
-
-namespace {
-
-void bringWindowsToFront()
-{
-    for (QWindow* const window : QGuiApplication::topLevelWindows()) {
-        if (!window->isVisible())
-            continue;
-        window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
-        window->raise();
-        window->requestActivate();
-    }
-}
-
-bool hasVisibleWindows()
-{
-    const QWindowList windows = QGuiApplication::topLevelWindows();
-    return std::ranges::any_of(windows, &QWindow::isVisible);
-}
-
-} // namespace
 
 void followEnds(const TerminationSignals& signals, const QuitEvents& events, AppModel& model)
 {
@@ -53,8 +31,8 @@ void followEnds(const TerminationSignals& signals, const QuitEvents& events, App
 void followCalls(ProgramActivation& activation, AppModel& model)
 {
     QObject::connect(&activation, &ProgramActivation::activated, &model, [&model] {
-        if (model.launch().handleReopen(hasVisibleWindows()))
-            bringWindowsToFront();
+        if (model.launch().handleReopen(OpenWindows::areAny()))
+            OpenWindows::bringToFront();
     });
     QObject::connect(&activation, &ProgramActivation::actionRequested, &model,
                      [&model](const QString& action) {

@@ -3,9 +3,11 @@
 // The program: builds the parts, hands them over, starts.
 #include "Mossbank/CallsFromOutside.h"
 #include "Mossbank/ChoicesInWords.h"
+#include "Mossbank/CommandLine.h"
 #include "Mossbank/MissingParts.h"
 #include "Mossbank/Model/AppModel.h"
 #include "Mossbank/Model/Preferences.h"
+#include "Mossbank/Model/SampleFolder.h"
 #include "Mossbank/Model/Texts.h"
 #include "Mossbank/Platform/PlatformFactory.h"
 #include "Mossbank/QuitEvents.h"
@@ -14,17 +16,22 @@
 #include "Mossbank/TerminationSignals.h"
 #include "Mossbank/Translations/LinuxWording.h"
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
+#include "Mossbank/Views/ClosingNotice/ClosingNotice.h"
 #include "Mossbank/Views/PaletteAppearance.h"
 #include "Mossbank/Views/QuitQuestion/QuitQuestionWindow.h"
+#include "Mossbank/Views/Snapshot/Snapshot.h"
+#include "Mossbank/Views/Snapshot/SnapshotStage.h"
+#include "Mossbank/Views/Tray/Tray.h"
+#include "Mossbank/Views/Workspace/WorkspaceWindow.h"
 #include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/Failure.h"
 #include "MossbankCore/Support/SystemClock.h"
 
-#include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -32,6 +39,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <thread>
 
 using namespace mossbank;
@@ -41,36 +49,63 @@ namespace {
 
 constexpr int kFailed = 1;
 
-struct CommandLine {
-    /// The desktop starts the program, and not the user.
-    bool isAtLogin = false;
-    /// The one that runs is about to end for this one.
-    bool isRelaunched = false;
-};
-
-CommandLine parseCommandLine(const QCoreApplication& application)
+/// The user's, or those that a look at the sample library begins with.
+std::unique_ptr<Preferences> makePreferences(const Platform& platform,
+                                             const SnapshotOptions& options)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(localized(
-        "Records what is on the screen into a library on this computer, and nowhere else."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption atLogin(
-        u"at-login"_s, localized("Said by the desktop that starts Mossbank at login."));
-    QCommandLineOption relaunched(QString::fromUtf16(Relauncher::kRelaunched).mid(2));
-    relaunched.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions({atLogin, relaunched});
-    parser.process(application);
-    return {.isAtLogin = parser.isSet(atLogin), .isRelaunched = parser.isSet(relaunched)};
+    if (!options.isDemo())
+        return std::make_unique<Preferences>(Preferences::userPath(), platform.passwordManagers);
+    Preferences::Sample sample;
+    sample.answerEngine = options.engine().value_or(sample.answerEngine);
+    sample.embeddingModel = options.meaning().value_or(sample.embeddingModel);
+    return std::make_unique<Preferences>(sample, platform.passwordManagers);
+}
+
+OpenedLibrary openLibrary(const Platform& platform, const QString& library,
+                          const SnapshotOptions& options)
+{
+    if (!options.isDemo())
+        return OpenedLibrary::at(library, platform.keychain.get());
+    OpenedLibrary opened = OpenedLibrary::at(library, nullptr);
+    opened.sample = {.isEmpty = options.isFirstRun(),
+                     .scale = options.scale(),
+                     .scaleInterval = options.scaleInterval()};
+    return opened;
+}
+
+/// Takes the picture that the command line asks for, once there is a list to show.
+void takeSnapshot(Snapshot& snapshot, AppModel& model, const SnapshotStage& stage)
+{
+    QObject::connect(&snapshot, &Snapshot::failed, &model,
+                     [](const QString& text) { TerminalStatus::complain(u"snapshot: "_s + text); });
+    // Whoever has asked for the picture has asked for the end.
+    QObject::connect(&snapshot, &Snapshot::ended, &model,
+                     [&model] { model.quitGuard().quit(QuitGuard::Cause::Interrupt); });
+    QObject::connect(
+        &model.launch(), &Launch::listed, &snapshot,
+        [&snapshot, &model, stage] {
+            snapshot.takeWhenAsked(
+                true, [&snapshot, &model, stage] { prepareWorkspace(snapshot, model, stage); });
+        },
+        Qt::SingleShotConnection);
+}
+
+/// The states of the window that the model holds nothing of.
+SnapshotStage stageOf(WorkspaceWindow& window)
+{
+    return {.showText = [&window] {
+        window.showText();
+    }};
 }
 
 int run(const Platform& platform, const QString& library, const CommandLine& commandLine)
 {
+    const bool isDemo = commandLine.snapshot.isDemo();
     SystemClock clock;
     ApplicationChooserWindow applicationChooser(*platform.installedApplications);
-    PaletteAppearance appearance;
+    PaletteAppearance appearance(*platform.desktopSettings);
     QuitQuestionWindow quitQuestion;
-    Preferences preferences(Preferences::userPath(), platform.passwordManagers);
+    const auto preferences = makePreferences(platform, commandLine.snapshot);
     AppModel model({.clock = clock,
                     .calendar = Calendar::current,
                     .screen = *platform.screen,
@@ -86,24 +121,62 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                     .relauncher = *platform.relauncher,
                     .updates = *platform.updates,
                     .recognizer = *platform.recognizer,
-                    .preferences = preferences},
-                   OpenedLibrary::at(library, platform.keychain.get()));
+                    .preferences = *preferences},
+                   openLibrary(platform, library, commandLine.snapshot));
+    WorkspaceWindow workspace({.model = model,
+                               .preferences = *preferences,
+                               .clock = clock,
+                               .calendar = Calendar::current,
+                               .installedApplications = *platform.installedApplications,
+                               .fileManager = *platform.fileManager,
+                               .desktop = *platform.desktopSettings});
+    // When everything of the window and its list has gone.
+    QObject::connect(&workspace, &WorkspaceWindow::closed, &workspace, [&workspace] {
+        constexpr auto kUntilLetGo = std::chrono::seconds(1);
+        QTimer::singleShot(kUntilLetGo, &workspace, &giveMemoryBack);
+    });
+    QObject::connect(&workspace, &WorkspaceWindow::quits, &model.quitGuard(),
+                     [&model] { model.quitGuard().quit(QuitGuard::Cause::User); });
+    model.launch().setReopenHandler([&workspace] { workspace.open(); });
     const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
     const TerminationSignals signals;
     const QuitEvents quitEvents;
     followEnds(signals, quitEvents, model);
+    ClosingNotice closingNotice(*preferences, model.recorder(), *platform.trayHost);
+    QObject::connect(&workspace, &WorkspaceWindow::closedByUser, &closingNotice,
+                     &ClosingNotice::windowClosed);
+    QObject::connect(&workspace, &WorkspaceWindow::opened, &closingNotice, &ClosingNotice::dismiss);
+    // It says how to have the window back, and is not what is to come to the front then.
+    QObject::connect(platform.activation.get(), &ProgramActivation::activated, &workspace,
+                     [&workspace, &closingNotice] {
+                         if (closingNotice.isOpen())
+                             workspace.open();
+                     });
     followCalls(*platform.activation, model);
+    const Tray tray(model, *preferences, *platform.trayHost);
+    QObject::connect(&tray, &Tray::opens, &workspace, &WorkspaceWindow::open);
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &model.launch(),
                      [&model](Qt::ApplicationState state) {
                          if (state == Qt::ApplicationActive)
                              model.launch().becameActive();
                      });
 
+    QObject::connect(&model.sampleLibrary(), &SampleLibrary::measured, &model,
+                     &TerminalStatus::complain);
+    Snapshot snapshot(commandLine.snapshot, clock, appearance);
+    takeSnapshot(snapshot, model, stageOf(workspace));
+
     TerminalStatus::say(localized("Library: %1").arg(library));
-    sayWhatChoicesMean(preferences);
+    if (!isDemo)
+        sayWhatChoicesMean(*preferences);
     terminal.show();
     model.finishedLaunching(commandLine.isAtLogin);
-    const MissingParts missing(platform, preferences);
+    // What a look at the sample library does without is missed by nobody.
+    std::optional<MissingParts> missing;
+    if (!isDemo)
+        missing.emplace(platform, *preferences);
+    if (!commandLine.isAtLogin)
+        workspace.open();
     return QCoreApplication::exec();
 }
 
@@ -159,8 +232,25 @@ int callFirst(const SingleInstance& instance, const CommandLine& commandLine)
     return activation->activateFirst(*process) ? 0 : kFailed;
 }
 
+int runToEnd(const Platform& platform, const QString& library, const CommandLine& commandLine)
+{
+    const int status = run(platform, library, commandLine);
+    // A reading may be under way still; it uses the platform's recogniser.
+    QThreadPool::globalInstance()->waitForDone();
+    return status;
+}
+
+/// Nothing of the user's is opened, and nobody is called: one that records runs beside it.
+int startSample(const CommandLine& commandLine)
+{
+    const SampleFolder library;
+    return runToEnd(makeSamplePlatform(), library.path(), commandLine);
+}
+
 int start(const Availability& windows, const CommandLine& commandLine)
 {
+    if (commandLine.snapshot.isDemo() && windows.isAvailable)
+        return startSample(commandLine);
     const QString library = LibraryLocation::library();
     const auto instance = takeLibrary(library, commandLine.isRelaunched);
     if (!instance->problem().isEmpty()) {
@@ -174,14 +264,13 @@ int start(const Availability& windows, const CommandLine& commandLine)
         return kFailed;
     }
     const Platform platform = makePlatform(QString::fromUtf16(kOwnBundleID));
-    if (const Availability screen = platform.screen->availability(); !screen.isAvailable) {
+    const Availability screen = platform.screen->availability();
+    // A picture of the windows needs no screen to record.
+    if (!screen.isAvailable && !commandLine.snapshot.path()) {
         TerminalStatus::complain(screen.reason);
         return kFailed;
     }
-    const int status = run(platform, library, commandLine);
-    // A reading may be under way still; it uses the platform's recogniser.
-    QThreadPool::globalInstance()->waitForDone();
-    return status;
+    return runToEnd(platform, library, commandLine);
 }
 
 int startOrSayWhyNot(const Availability& windows, const CommandLine& commandLine)
@@ -200,13 +289,15 @@ int main(int argc, char* argv[])
 {
     keepMemoryTogether();
     openStandardFiles();
-    const Availability windows = windowsAvailability();
+    Availability windows = windowsAvailability();
+    if (runsWithoutScreen(argc, argv))
+        windows = {};
     const auto application = makeApplication(argc, argv, windows.isAvailable);
     QCoreApplication::setApplicationName(u"Mossbank"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(MOSSBANK_VERSION));
     LinuxWording wording;
     QCoreApplication::installTranslator(&wording);
-    const CommandLine commandLine = parseCommandLine(*application);
+    const CommandLine commandLine = parseCommandLine();
     const int status = startOrSayWhyNot(windows, commandLine);
     // Everything of this program is closed. Qt would take leave of the X server now, and wait for
     // one that has stopped answering for as long as that takes.

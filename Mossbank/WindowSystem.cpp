@@ -5,11 +5,15 @@
 #include "Mossbank/Platform/PlatformFactory.h"
 #include "Mossbank/TerminalStatus.h"
 
+#include <QApplication>
+
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <functional>
+
+using namespace Qt::StringLiterals;
 
 namespace mossbank {
 
@@ -75,7 +79,10 @@ std::unique_ptr<QGuiApplication> makeWindowedApplication(int& argc, char** argv)
 {
     g_usual = qInstallMessageHandler(whileStarting);
     outliveSessionManager();
-    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    // The menu of the tray is all there is of widgets. The style that the desktop names for them
+    // may bring a library for each of its effects.
+    QApplication::setStyle(u"Fusion"_s);
+    std::unique_ptr<QGuiApplication> application = std::make_unique<QApplication>(argc, argv);
     g_hasGone = windowSystemHasGone();
     qInstallMessageHandler(whileRunning);
     // Messages may be switched off. What is asked for last at an exit comes first.

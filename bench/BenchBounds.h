@@ -30,6 +30,19 @@ struct ProgramBounds {
     static constexpr double kOwnMegabytes = 60;
 };
 
+/// What the main window may take, with a day of 20,000 screenshots in it.
+struct WindowBounds {
+    /// From the wish to open it until the list is painted.
+    static constexpr double kPaintedMilliseconds = 600;
+    /// By any frame while the strip is scrolled, and by all but a few of them.
+    static constexpr double kFrameMilliseconds = 50;
+    static constexpr double kUsualFrameMilliseconds = 33;
+    static constexpr double kLongerFrames = 0.05;
+    /// Resident with the window open, and above what it was before once it is closed.
+    static constexpr double kOpenMegabytes = 350;
+    static constexpr double kLeftMegabytes = 30;
+};
+
 /// Says of each figure that exceeds its bound which it is, and remembers that one did.
 class Bounds {
 public:

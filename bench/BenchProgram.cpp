@@ -44,7 +44,8 @@ public:
     {
         m_process.setProcessEnvironment(m_home.environment(sessionBus));
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(ProgramHome::program(), QStringList());
+        // A window of its own would be in front of what is recorded.
+        m_process.start(ProgramHome::program(), {u"--at-login"_s});
     }
 
     ~RecordingProgram()

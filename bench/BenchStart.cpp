@@ -132,7 +132,7 @@ void measureStart(int rows, const QString& kept, Bounds& bounds)
     bounds.hold(u"start to ready"_s, median(starts.times) + median(listings),
                 ProgramBounds::kReadyMilliseconds, u"ms"_s);
 
-    MeasuredProgram program(home.environment(), {});
+    MeasuredProgram program(home.environment(), {u"--at-login"_s});
     program.waitFor(kReady);
     constexpr auto kUntilSettled = std::chrono::seconds(2);
     std::this_thread::sleep_for(kUntilSettled);
@@ -200,7 +200,7 @@ void measureHour(int minutes, Bounds& bounds)
     QProcessEnvironment environment = home.environment();
     environment.insert(u"LD_PRELOAD"_s, u"/usr/$LIB/faketime/libfaketimeMT.so.1"_s);
     environment.insert(u"FAKETIME"_s, u"+0 x%1"_s.arg(kTimesAsFast));
-    MeasuredProgram program(environment, {});
+    MeasuredProgram program(environment, {u"--at-login"_s});
     program.waitFor("Saved at");
     constexpr double kRestOfAPicture = 12;
     measureOwn(program, "after the first picture", kRestOfAPicture, bounds);

@@ -31,12 +31,12 @@ public:
     QFuture<bool> isQuitMeant() override { return QtFuture::makeReadyFuture(true); }
 };
 
-Calendar utc()
+} // namespace
+
+Calendar QuietModel::calendar()
 {
     return {QTimeZone::utc(), QLocale::c()};
 }
-
-} // namespace
 
 struct QuietModel::Desktop {
     QString reason = u"Only the library is measured."_s;
@@ -60,10 +60,10 @@ QuietModel::QuietModel(const QString& library)
 {
     OpenedLibrary opened;
     opened.store = std::make_unique<HistoryStore>(
-        HistoryStore::Writing{.root = library, .vault = {}, .calendar = utc});
+        HistoryStore::Writing{.root = library, .vault = {}, .calendar = calendar});
     m_model =
         std::make_unique<AppModel>(Surroundings{.clock = m_clock,
-                                                .calendar = utc,
+                                                .calendar = calendar,
                                                 .screen = m_desktop->screen,
                                                 .frontApplication = m_desktop->frontApplication,
                                                 .screenState = m_desktop->screenState,

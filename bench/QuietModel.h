@@ -21,6 +21,11 @@ public:
     ~QuietModel();
     Q_DISABLE_COPY_MOVE(QuietModel)
 
+    AppModel& model() { return *m_model; }
+    Preferences& preferences() { return m_preferences; }
+    Clock& clock() { return m_clock; }
+    /// UTC's, in plain English.
+    static Calendar calendar();
     Listing& listing() { return m_model->listing(); }
     const Grouping& grouping() const { return m_model->grouping(); }
     const std::optional<QString>& errorMessage() { return m_model->recorder().errorMessage(); }

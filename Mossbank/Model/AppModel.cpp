@@ -66,12 +66,14 @@ AppModel::AppModel(Surroundings surroundings, OpenedLibrary library, QObject* pa
     , m_grouping(m_listing)
     , m_loginItem(surroundings.loginService, surroundings.preferences, m_recorder)
     , m_quitGuard(surroundings, m_recorder)
+    , m_sampleLibrary(surroundings, library.sample, m_recorder, m_store.get())
     , m_launch(surroundings, {.recorder = m_recorder,
                               .pauses = m_pauses,
                               .housekeeping = m_housekeeping,
                               .listing = m_listing,
                               .loginItem = m_loginItem,
-                              .quitGuard = m_quitGuard})
+                              .quitGuard = m_quitGuard,
+                              .sample = m_sampleLibrary})
     , m_updater(surroundings.updates, m_recorder)
 {
     m_afterSave.follow(m_housekeeping, m_listing);
@@ -97,6 +99,11 @@ AppModel::~AppModel() = default;
 QStringList AppModel::displayNames() const
 {
     return m_screen.displayNames();
+}
+
+bool AppModel::mayRecordScreen() const
+{
+    return m_screen.isAllowed();
 }
 
 void AppModel::finishedLaunching(bool atLogin)

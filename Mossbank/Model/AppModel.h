@@ -12,6 +12,7 @@
 #include "Mossbank/Model/Pauses.h"
 #include "Mossbank/Model/QuitGuard.h"
 #include "Mossbank/Model/Recorder.h"
+#include "Mossbank/Model/SampleLibrary.h"
 #include "Mossbank/Model/TimedPause.h"
 #include "Mossbank/Model/Updater.h"
 #include "MossbankCore/Library/HistoryStore.h"
@@ -37,6 +38,8 @@ struct OpenedLibrary {
     std::optional<ImageVault> vault;
     /// What the user is to be told.
     std::optional<QString> errorMessage;
+    /// What it is filled with at the start where it is the sample library.
+    SampleContents sample = {};
 
     /// Opens the library for writing, with the key from `keychain`. Without a keychain pictures
     /// lie plain, and nothing is said of it. Waits for the keychain, and with it perhaps for the
@@ -65,10 +68,13 @@ public:
     const Grouping& grouping() const { return m_grouping; }
     LoginItem& loginItem() { return m_loginItem; }
     QuitGuard& quitGuard() { return m_quitGuard; }
+    SampleLibrary& sampleLibrary() { return m_sampleLibrary; }
     Launch& launch() { return m_launch; }
     Updater& updater() { return m_updater; }
     /// What the user calls the displays, the main one first.
     QStringList displayNames() const;
+    /// Whether the system lets this program see the screen.
+    bool mayRecordScreen() const;
     /// Absent when the library could not be opened.
     HistoryStore* store() { return m_store.get(); }
     /// Absent when the keychain gave no key: pictures lie plain, and sealed ones do not open.
@@ -111,6 +117,7 @@ private:
     Grouping m_grouping;
     LoginItem m_loginItem;
     QuitGuard m_quitGuard;
+    SampleLibrary m_sampleLibrary;
     Launch m_launch;
     Updater m_updater;
     /// What the user was told of choices that could not be stored.

@@ -8,12 +8,15 @@
 #include "Mossbank/Model/Preferences.h"
 #include "Mossbank/Model/QuitGuard.h"
 #include "Mossbank/Model/Recorder.h"
+#include "Mossbank/Model/SampleLibrary.h"
 #include "Mossbank/Ports/Relauncher.h"
 #include "Mossbank/Ports/Screen.h"
 #include "Mossbank/Ports/SessionEvents.h"
 #include "MossbankCore/Library/LibraryStats.h"
 #include "MossbankCore/Ports/Clock.h"
 #include "MossbankCore/Support/Failure.h"
+
+#include <QElapsedTimer>
 
 #include <cmath>
 #include <utility>
@@ -42,7 +45,19 @@ void Launch::startUp()
 
 QCoro::Task<> Launch::putInOrder(Cancellation cancellation)
 {
+    constexpr double kNanosecondsASecond = 1e9;
+    if (m_around.preferences.isDemo())
+        co_await m_parts.sample.seed(cancellation);
+    if (cancellation.isRequested())
+        co_return;
+    QElapsedTimer timer;
+    timer.start();
     co_await m_parts.listing.refresh();
+    if (cancellation.isRequested())
+        co_return;
+    m_parts.sample.tellFirstRefresh(static_cast<double>(timer.nsecsElapsed()) /
+                                    kNanosecondsASecond);
+    Q_EMIT listed();
     if (!cancellation.isRequested())
         co_await m_parts.housekeeping.tidyImages();
     if (!cancellation.isRequested())
@@ -86,7 +101,8 @@ Launch::FirstRun Launch::firstRun(const LibraryStats& stats) const
 {
     if (stats.count > 0)
         return FirstRun::Done;
-    if (!m_around.screen.isAllowed())
+    // Nothing is ever seen of the screen in the sample library.
+    if (!m_around.preferences.isDemo() && !m_around.screen.isAllowed())
         return FirstRun::Permission;
     if (m_parts.recorder.askedForPermission())
         return FirstRun::Reopen;

@@ -18,6 +18,7 @@ class LoginItem;
 class Pauses;
 class QuitGuard;
 class Recorder;
+class SampleLibrary;
 struct LibraryStats;
 
 /// What happens between the start of the process and the first capture, and what brings recording
@@ -49,12 +50,14 @@ public:
         Listing& listing;
         LoginItem& loginItem;
         QuitGuard& quitGuard;
+        SampleLibrary& sample;
     };
 
     Launch(Surroundings surroundings, Parts parts, QObject* parent = nullptr);
     ~Launch() override;
 
-    /// Shows what there is, and puts the library in order in the background.
+    /// Shows what there is, and puts the library in order in the background. A sample library is
+    /// filled before.
     void startUp();
 
     /// Once, when everything is up: a pause of the last run goes on, or else recording comes back
@@ -79,6 +82,8 @@ public:
     bool handleReopen(bool hasVisibleWindows) const;
 
 Q_SIGNALS:
+    /// What there is has been looked for, and is on show where there is a window for it.
+    void listed();
     /// The program was started at login, and stays out of sight.
     void closesWorkspace();
     /// What the system allows may be another than it was, and whoever shows it should look again.

@@ -74,6 +74,7 @@ void Listing::setQuery(const QString& query)
 void Listing::setDay(std::optional<Date> day)
 {
     day = day ? startOfDay(*day) : std::nullopt;
+    m_isToday = day && day == startOfDay(m_around.clock.now());
     if (day == m_day)
         return;
     m_day = day;
@@ -214,13 +215,32 @@ void Listing::setShowsEnlarged(bool shows)
 
 void Listing::openWorkspace()
 {
+    // Whoever has looked at today looks at today, also on the morning after.
+    if (m_openWorkspaces == 0 && m_isToday)
+        setDay(m_around.clock.now());
     ++m_openWorkspaces;
     refreshSoon();
 }
 
 void Listing::closeWorkspace()
 {
-    m_openWorkspaces = std::max(m_openWorkspaces - 1, 0);
+    if (m_openWorkspaces > 0 && --m_openWorkspaces == 0)
+        letGo();
+}
+
+/// The texts of thousands of screenshots are for whoever looks at them. What was chosen stays, and
+/// the next window begins with it.
+void Listing::letGo()
+{
+    raiseGeneration();
+    setListedByMeaning(false);
+    m_earlierFrom.reset();
+    m_gone.clear();
+    m_listedFilters.reset();
+    m_extent = Extent::Complete;
+    setLoading(false);
+    take({});
+    Q_EMIT memoriesChanged();
 }
 
 bool Listing::showsSearchHint() const

@@ -112,7 +112,8 @@ public:
     /// Holds none of what was on the list, and makes it anew: everything has been deleted.
     void forgetAll();
 
-    /// A window that shows the list comes, and goes.
+    /// A window that shows the list comes, and goes. The first shows today again where that was
+    /// what the last one showed; with the last the list is let go.
     void openWorkspace();
     void closeWorkspace();
     bool showsWorkspace() const { return m_openWorkspaces > 0; }
@@ -169,6 +170,7 @@ private:
     QCoro::Task<> refreshLater(Cancellation cancellation);
     QCoro::Task<> afterDeletion(QFuture<void> deletion, QString id, std::optional<QString> next);
     QCoro::Task<bool> isInLibrary(QString id);
+    void letGo();
     /// Takes off the list what was deleted since it was made.
     void dropGone();
     /// Whether a refresh makes the list anew.
@@ -200,6 +202,8 @@ private:
     std::optional<QMap<Date, qsizetype>> m_dayMatches;
     QString m_query;
     std::optional<Date> m_day;
+    /// The day was today's when it was chosen.
+    bool m_isToday = true;
     std::optional<QString> m_appFilter;
     std::optional<QString> m_selectedID;
     bool m_showsEnlarged = false;

@@ -27,6 +27,7 @@ const QString kAppearanceMode = u"appearanceMode"_s;
 const QString kCapturesOnAppSwitch = u"capturesOnAppSwitch"_s;
 const QString kUnchangedRefreshMinutes = u"unchangedRefreshMinutes"_s;
 const QString kHasSeenSearchHint = u"hasSeenSearchHint"_s;
+const QString kHasSeenClosingNotice = u"hasSeenClosingNotice"_s;
 const QString kSavesAddresses = u"savesAddresses"_s;
 const QString kRecordsAtLaunch = u"recordsAtLaunch"_s;
 const QString kResumesAfterAway = u"resumesAfterAway"_s;
@@ -60,6 +61,7 @@ const std::vector<std::pair<QString, Kind>> kChoices = {
     {kCapturesOnAppSwitch, Kind::Flag},
     {kUnchangedRefreshMinutes, Kind::Number},
     {kHasSeenSearchHint, Kind::Flag},
+    {kHasSeenClosingNotice, Kind::Flag},
     {kSavesAddresses, Kind::Flag},
     {kRecordsAtLaunch, Kind::Flag},
     {kResumesAfterAway, Kind::Flag},
@@ -140,6 +142,7 @@ Preferences::Preferences(const std::optional<QString>& path, const Sample& sampl
     , m_capturesOnAppSwitch(m_file.flag(kCapturesOnAppSwitch, !m_isDemo))
     , m_unchangedRefreshMinutes(m_file.number(kUnchangedRefreshMinutes, 15.0))
     , m_hasSeenSearchHint(m_file.flag(kHasSeenSearchHint, m_isDemo))
+    , m_hasSeenClosingNotice(m_file.flag(kHasSeenClosingNotice, m_isDemo))
     , m_savesAddresses(m_file.flag(kSavesAddresses, !m_isDemo))
     , m_recordsAtLaunch(m_file.flag(kRecordsAtLaunch, false))
     , m_resumesAfterAway(m_file.flag(kResumesAfterAway, true))
@@ -216,6 +219,12 @@ void Preferences::setHasSeenSearchHint(bool hasSeen)
 {
     choose(&Preferences::m_hasSeenSearchHint, hasSeen, kHasSeenSearchHint,
            &Preferences::hasSeenSearchHintChanged);
+}
+
+void Preferences::setHasSeenClosingNotice(bool hasSeen)
+{
+    choose(&Preferences::m_hasSeenClosingNotice, hasSeen, kHasSeenClosingNotice,
+           &Preferences::hasSeenClosingNoticeChanged);
 }
 
 void Preferences::setSavesAddresses(bool saves)

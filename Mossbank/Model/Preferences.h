@@ -107,6 +107,10 @@ public:
     bool hasSeenSearchHint() const { return m_hasSeenSearchHint; }
     void setHasSeenSearchHint(bool hasSeen);
 
+    /// Whether the user has been told that recording goes on without a window.
+    bool hasSeenClosingNotice() const { return m_hasSeenClosingNotice; }
+    void setHasSeenClosingNotice(bool hasSeen);
+
     /// Whether browsers are asked for the address of the page.
     bool savesAddresses() const { return m_savesAddresses; }
     void setSavesAddresses(bool saves);
@@ -179,6 +183,7 @@ Q_SIGNALS:
     void capturesOnAppSwitchChanged();
     void unchangedRefreshMinutesChanged();
     void hasSeenSearchHintChanged();
+    void hasSeenClosingNoticeChanged();
     void savesAddressesChanged();
     void recordsAtLaunchChanged();
     void resumesAfterAwayChanged();
@@ -216,6 +221,7 @@ private:
     bool m_capturesOnAppSwitch;
     double m_unchangedRefreshMinutes;
     bool m_hasSeenSearchHint;
+    bool m_hasSeenClosingNotice;
     bool m_savesAddresses;
     bool m_recordsAtLaunch;
     bool m_resumesAfterAway;

@@ -6,8 +6,11 @@
 #include "Mossbank/Platform/Linux/AtspiSecureInput.h"
 #include "Mossbank/Platform/Linux/BusActivation.h"
 #include "Mossbank/Platform/Linux/DesktopFileApplications.h"
+#include "Mossbank/Platform/Linux/DesktopFileManager.h"
+#include "Mossbank/Platform/Linux/LinuxTrayHost.h"
 #include "Mossbank/Platform/Linux/PackageKitUpdates.h"
 #include "Mossbank/Platform/Linux/PasswordManagers.h"
+#include "Mossbank/Platform/Linux/PortalSettings.h"
 #include "Mossbank/Platform/Linux/ProcessRelauncher.h"
 #include "Mossbank/Platform/Linux/QtX11Server.h"
 #include "Mossbank/Platform/Linux/SecretServiceKeychain.h"
@@ -18,12 +21,20 @@
 #include "Mossbank/Platform/Linux/XdgAutostart.h"
 #include "Mossbank/Platform/Null/NullAddressSource.h"
 #include "Mossbank/Platform/Null/NullFrontApplication.h"
+#include "Mossbank/Platform/Null/NullKeychain.h"
+#include "Mossbank/Platform/Null/NullLoginService.h"
+#include "Mossbank/Platform/Null/NullProgramActivation.h"
+#include "Mossbank/Platform/Null/NullRelauncher.h"
 #include "Mossbank/Platform/Null/NullScreen.h"
+#include "Mossbank/Platform/Null/NullScreenState.h"
 #include "Mossbank/Platform/Null/NullSecureInput.h"
+#include "Mossbank/Platform/Null/NullSessionEvents.h"
+#include "Mossbank/Platform/Null/NullTrayHost.h"
+#include "Mossbank/Platform/Null/NullUpdates.h"
 #include "MossbankCore/Capture/TextReader.h"
 #include "MossbankCore/Support/Failure.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -99,12 +110,43 @@ Platform makePlatform(const QString& ownBundleID)
     platform.sessionEvents = std::make_unique<LinuxSessionEvents>(session);
     platform.installedApplications = std::make_unique<DesktopFileApplications>();
     platform.activation = makeProgramActivation(ownBundleID);
+    platform.desktopSettings = std::make_unique<PortalSettings>();
+    platform.fileManager = std::make_unique<DesktopFileManager>();
     platform.updates = std::make_unique<PackageKitUpdates>(executableOf(self));
     platform.relauncher = std::make_unique<ProcessRelauncher>(executableOf(self));
     platform.loginService = std::make_unique<XdgAutostart>(
         executableOf(QCoreApplication::applicationPid()), ownBundleID);
+    platform.trayHost = std::make_unique<LinuxTrayHost>();
     platform.recognizer = makeTextRecognizer();
     platform.keychain = std::make_unique<SecretServiceKeychain>();
+    platform.passwordManagers = passwordManagersOfLinux();
+    return platform;
+}
+
+Platform makeSamplePlatform()
+{
+    const QString reason = u"Recording is off in the demo."_s;
+    Platform platform;
+    platform.screen = std::make_unique<NullScreen>(reason);
+    platform.frontApplication = std::make_unique<NullFrontApplication>(reason);
+    platform.screenState = std::make_unique<NullScreenState>(reason);
+    platform.secureInput = std::make_unique<NullSecureInput>(reason);
+    platform.sessionEvents = std::make_unique<NullSessionEvents>(reason);
+    platform.addresses = std::make_unique<NullAddressSource>(reason);
+    platform.installedApplications = std::make_unique<DesktopFileApplications>();
+    platform.activation = std::make_unique<NullProgramActivation>(reason);
+    platform.desktopSettings = std::make_unique<PortalSettings>();
+    platform.fileManager = std::make_unique<DesktopFileManager>();
+    platform.updates = std::make_unique<NullUpdates>(reason);
+    platform.relauncher = std::make_unique<NullRelauncher>(reason);
+    platform.loginService = std::make_unique<NullLoginService>(reason);
+    // Its windows may be on no screen at all.
+    if (QGuiApplication::platformName() == u"xcb")
+        platform.trayHost = std::make_unique<LinuxTrayHost>();
+    else
+        platform.trayHost = std::make_unique<NullTrayHost>(reason);
+    platform.recognizer = makeTextRecognizer();
+    platform.keychain = std::make_unique<NullKeychain>(reason);
     platform.passwordManagers = passwordManagersOfLinux();
     return platform;
 }

@@ -3,6 +3,8 @@
 
 #include "Mossbank/Ports/AddressSource.h"
 #include "Mossbank/Ports/Availability.h"
+#include "Mossbank/Ports/DesktopSettings.h"
+#include "Mossbank/Ports/FileManager.h"
 #include "Mossbank/Ports/FrontApplication.h"
 #include "Mossbank/Ports/InstalledApplications.h"
 #include "Mossbank/Ports/LoginService.h"
@@ -12,6 +14,7 @@
 #include "Mossbank/Ports/ScreenState.h"
 #include "Mossbank/Ports/SecureInput.h"
 #include "Mossbank/Ports/SessionEvents.h"
+#include "Mossbank/Ports/TrayHost.h"
 #include "Mossbank/Ports/Updates.h"
 #include "MossbankCore/Ports/Keychain.h"
 #include "MossbankCore/Ports/TextRecognizer.h"
@@ -34,9 +37,12 @@ struct Platform {
     std::unique_ptr<AddressSource> addresses;
     std::unique_ptr<InstalledApplications> installedApplications;
     std::unique_ptr<ProgramActivation> activation;
+    std::unique_ptr<DesktopSettings> desktopSettings;
+    std::unique_ptr<FileManager> fileManager;
     std::unique_ptr<Updates> updates;
     std::unique_ptr<Relauncher> relauncher;
     std::unique_ptr<LoginService> loginService;
+    std::unique_ptr<TrayHost> trayHost;
     std::unique_ptr<TextRecognizer> recognizer;
     std::unique_ptr<Keychain> keychain;
     /// The identities of what keeps passwords, and of what shows keys, on this system alone.
@@ -46,6 +52,10 @@ struct Platform {
 /// Has what this program frees go back to the system rather than wait for its next use. Before any
 /// other thread is there.
 void keepMemoryTogether();
+
+/// Gives back to the system what has been freed and lies between what has not. Takes some
+/// milliseconds.
+void giveMemoryBack();
 
 /// Whether this program can have windows here. Asked before Qt connects to the desktop, which
 /// otherwise ends a program that cannot.
@@ -63,6 +73,12 @@ std::function<bool()> windowSystemHasGone();
 ///
 /// Threading: the main thread.
 Platform makePlatform(const QString& ownBundleID);
+
+/// What is needed to look around without recording: the recogniser, what is installed, how the
+/// desktop looks and shows files. It goes without a desktop too.
+///
+/// Threading: the main thread.
+Platform makeSamplePlatform();
 
 /// How starts of this program reach each other, alone: for one that is not the first and needs
 /// nothing else.

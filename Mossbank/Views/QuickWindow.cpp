@@ -8,13 +8,29 @@
 #include <QQmlEngine>
 #include <QQuickWindow>
 
+#include <mutex>
+
 namespace mossbank {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Words and pictures that stand still ask nothing of a graphics card, whose driver would stay in
+/// memory for as long as the program runs.
+void drawInMemory()
+{
+    // Qt takes it once.
+    static std::once_flag isChosen;
+    std::call_once(isChosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
+}
+
+} // namespace
+
 std::unique_ptr<QQuickWindow> makeQuickWindow(QQmlEngine& engine, const QString& path,
                                               const QVariantMap& properties)
 {
+    drawInMemory();
     engine.addImportPath(u"qrc:/"_s);
     QQmlComponent component(&engine, QUrl(u"qrc:/Mossbank/Views/"_s + path));
     std::unique_ptr<QQuickWindow> window;

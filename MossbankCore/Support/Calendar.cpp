@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Support/Calendar.h"
 
+#include <QHash>
+
 #include <unicode/dtptngen.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
@@ -12,6 +14,8 @@
 namespace mossbank {
 
 namespace {
+
+using namespace Qt::StringLiterals;
 
 constexpr qint64 kSecondsAnHour = 3600;
 constexpr qint64 kSecondsADay = 86'400;
@@ -39,6 +43,22 @@ QDateTime utc(qint64 seconds)
 qint64 unitsBelow(qint64 seconds, qint64 unit)
 {
     return seconds / unit - (seconds % unit < 0 ? 1 : 0);
+}
+
+/// How a locale writes these fields. Empty where that cannot be known.
+icu::UnicodeString patternOf(const icu::Locale& locale, const char16_t* fields)
+{
+    // Finding it takes longer than all the rest, and a list asks for the same again and again.
+    thread_local QHash<QByteArray, icu::UnicodeString> patterns;
+    const QByteArray key = QByteArray(locale.getName()) + ' ' + QStringView(fields).toLatin1();
+    if (const auto known = patterns.constFind(key); known != patterns.cend())
+        return *known;
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+        icu::DateTimePatternGenerator::createInstance(locale, error));
+    const icu::UnicodeString pattern =
+        U_FAILURE(error) ? icu::UnicodeString() : generator->getBestPattern(fields, error);
+    return *patterns.insert(key, U_FAILURE(error) ? icu::UnicodeString() : pattern);
 }
 
 bool isWithinReach(Date date)
@@ -110,19 +130,49 @@ QString Calendar::shortTime(Date date) const
     return m_locale.toString(local(date).time(), QLocale::ShortFormat);
 }
 
+QString Calendar::timeWithSeconds(Date date) const
+{
+    QString format = m_locale.timeFormat(QLocale::ShortFormat);
+    if (!format.contains(u's'))
+        format.replace(u"mm"_s, u"mm:ss"_s);
+    return m_locale.toString(local(date).time(), format);
+}
+
 QString Calendar::monthAndDay(Date date) const
+{
+    return worded(date, u"MMMMd");
+}
+
+QString Calendar::shortMonthAndDay(Date date) const
+{
+    return worded(date, u"MMMd");
+}
+
+QString Calendar::weekdayAndDay(Date date) const
+{
+    return worded(date, u"EEEMMMd");
+}
+
+QString Calendar::fullDate(Date date) const
+{
+    return worded(date, u"EEEEyMMMMd");
+}
+
+QString Calendar::monthAndYear(Date date) const
+{
+    return worded(date, u"yMMMM");
+}
+
+QString Calendar::worded(Date date, const char16_t* fields) const
 {
     if (!isWithinReach(date))
         return {};
-    const icu::Locale locale(m_locale.name().toLatin1().constData());
+    const QByteArray name = m_locale.name().toLatin1();
+    const icu::Locale locale(name.constData());
+    const icu::UnicodeString pattern = patternOf(locale, fields);
     UErrorCode error = U_ZERO_ERROR;
-    const std::unique_ptr<icu::DateTimePatternGenerator> patterns(
-        icu::DateTimePatternGenerator::createInstance(locale, error));
-    if (U_FAILURE(error))
-        return {};
-    const icu::UnicodeString pattern = patterns->getBestPattern(u"MMMMd", error);
     icu::SimpleDateFormat format(pattern, locale, error);
-    if (U_FAILURE(error))
+    if (pattern.isEmpty() || U_FAILURE(error))
         return {};
     // The clocks are this calendar's own already.
     format.adoptTimeZone(icu::TimeZone::getGMT()->clone());

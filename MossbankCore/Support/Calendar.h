@@ -54,9 +54,17 @@ public:
     /// The time of day as the locale writes it briefly ("14:05", "2:05 PM").
     QString shortTime(Date date) const;
 
-    /// Month and day as the locale writes them in full ("May 31", "31. Mai"). Empty for a date
-    /// beyond the calendar's reach.
+    /// The same with its seconds ("14:05:09", "2:05:09 PM").
+    QString timeWithSeconds(Date date) const;
+
+    /// Dates as the locale writes them, each empty beyond the calendar's reach: month and day in
+    /// full ("May 31", "31. Mai"), both in short ("Nov 20"), with the day of the week ("Fri, Nov
+    /// 20"), all of it in full ("Friday, November 20, 2026"), a month of a year ("November 2026").
     QString monthAndDay(Date date) const;
+    QString shortMonthAndDay(Date date) const;
+    QString weekdayAndDay(Date date) const;
+    QString fullDate(Date date) const;
+    QString monthAndYear(Date date) const;
 
     const QLocale& locale() const { return m_locale; }
 
@@ -64,6 +72,8 @@ public:
     QDateTime local(Date date) const;
 
 private:
+    /// `fields`: what is to be told, as a skeleton of Unicode's date formats.
+    QString worded(Date date, const char16_t* fields) const;
     DateInterval day(Date date) const;
     DateInterval hour(Date date) const;
     /// The first second at which the clocks show the day of this number, counted from

@@ -111,7 +111,10 @@ bool RunningMossbank::start(const QStringList& arguments)
 {
     m_terminal.clear();
     m_process.setProcessEnvironment(environment());
-    m_process.start(m_program, arguments);
+    // A window of its own would be in front of what a test shows.
+    const bool staysOutOfSight = !m_opensWindow && !arguments.contains(u"--demo"_s);
+    m_process.start(m_program,
+                    staysOutOfSight ? QStringList{u"--at-login"_s} + arguments : arguments);
     return m_process.waitForStarted(kPatience);
 }
 

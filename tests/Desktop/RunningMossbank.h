@@ -39,9 +39,12 @@ public:
     /// What the new process does before the program begins in it. Only what a process may do
     /// between fork and exec.
     void setBeginning(const std::function<void()>& beginning);
+    /// It is started as by the user's hand, and opens its window. Before `start`.
+    void openWindow() { m_opensWindow = true; }
     /// What is started in its place, as where it has been moved to. Before `start`.
     void setProgram(const QString& path) { m_program = path; }
-    /// Starts the program on the display that DISPLAY names.
+    /// Starts the program on the display that DISPLAY names, out of sight as the desktop does at
+    /// login.
     bool start(const QStringList& arguments = {});
     /// Sends a signal, if it still runs, and waits for the end. The exit status, or -1 when it does
     /// not end.
@@ -89,6 +92,7 @@ private:
     QString m_program;
     QString m_sessionBus;
     QMap<QString, QString> m_variables;
+    bool m_opensWindow = false;
     QProcess m_process;
     QString m_terminal;
 };

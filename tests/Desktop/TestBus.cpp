@@ -21,6 +21,7 @@ constexpr int kPatience = 10'000;
 const QString kConfiguration = uR"(<busconfig>
   <type>%1</type>
   <listen>unix:dir=%2</listen>
+  %3
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -31,11 +32,11 @@ const QString kConfiguration = uR"(<busconfig>
 
 } // namespace
 
-TestBus::TestBus(Kind kind)
+TestBus::TestBus(Kind kind, const QString& services)
     : m_variable(kind == Kind::System ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS")
     , m_previousAddress(qgetenv(m_variable.constData()))
 {
-    if (startBus(kind))
+    if (startBus(kind, services))
         qputenv(m_variable.constData(), m_address.toLocal8Bit());
 }
 
@@ -50,15 +51,17 @@ TestBus::~TestBus()
         qputenv(m_variable.constData(), m_previousAddress);
 }
 
-bool TestBus::startBus(Kind kind)
+bool TestBus::startBus(Kind kind, const QString& services)
 {
     m_problem = whyMissing(u"dbus-daemon"_s, u"dbus-daemon"_s);
     if (!m_problem.isEmpty())
         return false;
     QFile configuration(m_folder.filePath(u"bus.conf"_s));
     const QString type = kind == Kind::System ? u"system"_s : u"session"_s;
+    const QString started =
+        services.isEmpty() ? QString() : u"<servicedir>%1</servicedir>"_s.arg(services);
     if (!configuration.open(QIODevice::WriteOnly) ||
-        configuration.write(kConfiguration.arg(type, m_folder.path()).toUtf8()) <= 0)
+        configuration.write(kConfiguration.arg(type, m_folder.path(), started).toUtf8()) <= 0)
         qFatal("cannot write %s", qPrintable(configuration.fileName()));
     configuration.close();
     endWithTest(m_bus);

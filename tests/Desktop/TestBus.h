@@ -13,13 +13,14 @@
 namespace mossbank::test {
 
 /// A message bus of the tests' own. While it lives the environment names it in place of the
-/// machine's, and nothing of the user's is touched. No service is started on demand: who is to be
-/// there is started by the test, and ended with the bus.
+/// machine's, and nothing of the user's is touched. No service is started on demand but for those
+/// of the test's own: who is to be there is started by the test, and ended with the bus.
 class TestBus {
 public:
     enum class Kind { Session, System };
 
-    explicit TestBus(Kind kind);
+    /// `services`: a folder with the files of services that the bus starts when they are asked for.
+    explicit TestBus(Kind kind, const QString& services = {});
     ~TestBus();
     Q_DISABLE_COPY_MOVE(TestBus)
 
@@ -36,7 +37,7 @@ public:
     QProcess& process() { return m_bus; }
 
 private:
-    bool startBus(Kind kind);
+    bool startBus(Kind kind, const QString& services);
 
     QByteArray m_variable;
     QByteArray m_previousAddress;

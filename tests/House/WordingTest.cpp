@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 bool namesAnotherSystem(const QString& text)
 {
     static const QRegularExpression kWords(
-        u"\\b(?:Mac|macOS|Macs|Finder|Apple|System Settings|System Preferences|menu bar|Dock)\\b"_s);
+        u"\\b(?:Mac|macOS|Macs|Finder|Apple|System Settings|System Preferences|menu bar|Dock)\\b|⌘"_s);
     return kWords.match(text).hasMatch();
 }
 
@@ -32,6 +32,7 @@ QStringList textsIn(QString source)
     for (auto found = kText.globalMatch(source); found.hasNext();) {
         QString text = found.next().captured();
         text.remove(kSeam);
+        text.replace(u"\\n"_s, u"\n"_s);
         texts.append(text.mid(1, text.size() - 2));
     }
     return texts;
@@ -104,6 +105,7 @@ private Q_SLOTS:
         QTest::newRow("a Mac") << u"Paused when your Mac went to sleep"_s << true;
         QTest::newRow("its settings") << u"Enable it in System Settings"_s << true;
         QTest::newRow("its files") << u"Show in Finder"_s << true;
+        QTest::newRow("its keys") << u"Next screenshot · ⌘→"_s << true;
         QTest::newRow("an identity") << u"com.apple.Passwords"_s << false;
         QTest::newRow("a machine") << u"Machine"_s << false;
     }

@@ -347,8 +347,9 @@ private Q_SLOTS:
     {
         Preferences sample{Preferences::Sample{}};
         m_rig->loginService.statusNow = LoginService::Status::Enabled;
-        AppModel model(m_rig->surroundings(sample),
-                       OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
+        OpenedLibrary library = OpenedLibrary::at(m_rig->libraryRoot(), nullptr);
+        library.sample.isEmpty = true;
+        AppModel model(m_rig->surroundings(sample), std::move(library));
         sample.setRecordsAtLaunch(true);
         sample.setAppearanceMode(u"dark"_s);
         model.finishedLaunching(true);
@@ -363,6 +364,20 @@ private Q_SLOTS:
         QSignalSpy ready(&model, &AppModel::readyToQuit);
         model.quitGuard().quit(QuitGuard::Cause::User);
         QCOMPARE(ready.count(), 1);
+    }
+
+    // This program has no fonts.
+    void aSampleLibraryThatCannotBePaintedIsTold()
+    {
+        Preferences sample{Preferences::Sample{}};
+        AppModel model(m_rig->surroundings(sample),
+                       OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
+        QSignalSpy listed(&model.launch(), &Launch::listed);
+        model.finishedLaunching(false);
+        QTRY_COMPARE(listed.count(), 1);
+        QCOMPARE(model.recorder().status(),
+                 u"Could not prepare sample history: The sample pictures cannot be painted."_s);
+        QCOMPARE(model.listing().stats().count, 0);
     }
 
 private:

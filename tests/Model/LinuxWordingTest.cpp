@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Translations/LinuxWording.h"
 
+#include "Mossbank/Model/Texts.h"
 #include "MossbankCore/Capture/InactivityMonitor.h"
 #include "tests/Model/RecorderRig.h"
 
@@ -28,6 +29,11 @@ private Q_SLOTS:
                  u"Paused when the screen locked"_s);
         QCOMPARE(InactivityEvent(InactivityEvent::SessionResigned).message(),
                  u"Paused when your session became inactive"_s);
+    }
+
+    void filesAreShownInTheFileManager()
+    {
+        QCOMPARE(localized("Show in Finder"), u"Show in file manager"_s);
     }
 
     void aPermissionIsGivenInTheDesktopsSettings()

@@ -19,6 +19,43 @@ private Q_SLOTS:
     void init() { begin(); }
     void cleanup() { end(); }
 
+    void aWindowOpenedTheNextMorningShowsThatMorning()
+    {
+        open();
+        listing().closeWorkspace();
+        m_rig->clock.advance(kDay);
+        open();
+        QCOMPARE(listing().day(), std::optional(kToday + kDay));
+    }
+
+    void aDayThatWasChosenStays()
+    {
+        open();
+        listing().setDay(kToday - kDay);
+        listing().closeWorkspace();
+        m_rig->clock.advance(kDay);
+        open();
+        QCOMPARE(listing().day(), std::optional(kToday - kDay));
+        listing().setDay(std::nullopt);
+        listing().closeWorkspace();
+        open();
+        QCOMPARE(listing().day(), std::nullopt);
+        listing().shiftDay(0);
+        listing().setDay(kToday + kDay);
+        listing().closeWorkspace();
+        m_rig->clock.advance(kDay);
+        open();
+        QCOMPARE(listing().day(), std::optional(kToday + 2 * kDay));
+    }
+
+    void aSecondWindowLeavesTheDayAsItIs()
+    {
+        open();
+        m_rig->clock.advance(kDay);
+        open();
+        QCOMPARE(listing().day(), std::optional(kToday));
+    }
+
     void daysGoBackAndForthAsFarAsToday_data()
     {
         QTest::addColumn<QString>("zone");

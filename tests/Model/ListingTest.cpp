@@ -44,9 +44,10 @@ private Q_SLOTS:
         open();
         QCOMPARE(ids(), u"a2 a1 a0"_s);
         listing().closeWorkspace();
+        QCOMPARE(ids(), QString());
         add(u"b"_s, kToday + 10, 1);
         refresh();
-        QCOMPARE(ids(), u"a2 a1 a0"_s);
+        QCOMPARE(ids(), QString());
         QCOMPARE(listing().stats().count, 4);
         // One too many closed is none less than none.
         listing().closeWorkspace();
@@ -299,7 +300,20 @@ private Q_SLOTS:
         QCoro::waitFor(first);
         passDebounce();
         QVERIFY(!listing().isLoading());
-        QCOMPARE(ids(), u"a1 a0"_s);
+        QCOMPARE(ids(), QString());
+    }
+
+    void theNextWindowBeginsWithWhatWasLookedAt()
+    {
+        add(u"a"_s, kToday, 3);
+        open();
+        listing().setSelectedID(u"a0"_s);
+        listing().closeWorkspace();
+        QCOMPARE(selected(), u"a0"_s);
+        QVERIFY(!listing().selected());
+        open();
+        QCOMPARE(selected(), u"a0"_s);
+        QVERIFY(listing().selected());
     }
 
     void whatWasFoundByMeaningStaysUntilSomethingIsTyped()

@@ -31,6 +31,7 @@ class PreferencesTest : public QObject {
         preferences.setRetentionDays(0);
         preferences.setAppearanceMode(u"dark"_s);
         preferences.setHasSeenSearchHint(true);
+        preferences.setHasSeenClosingNotice(true);
         preferences.setAnswerEngine(u"local"_s);
         preferences.setSearchesByMeaning(true);
         preferences.setEmbeddingModel(u"nomic"_s);
@@ -57,6 +58,7 @@ class PreferencesTest : public QObject {
         QCOMPARE(preferences.resumesAfterAway(), true);
         QCOMPARE(preferences.appearanceMode(), u"system"_s);
         QCOMPARE(preferences.hasSeenSearchHint(), false);
+        QCOMPARE(preferences.hasSeenClosingNotice(), false);
         QCOMPARE(preferences.answerEngine(), u"apple"_s);
         QCOMPARE(preferences.searchesByMeaning(), false);
         QCOMPARE(preferences.embeddingModel(), QString());
@@ -109,6 +111,7 @@ resumesAfterAway=never
 changeMode=any, flicker
 appearanceMode=light, dark
 hasSeenSearchHint=seen
+hasSeenClosingNotice=2
 answerEngine=@Size(3 4)
 searchesByMeaning=1.0
 embeddingModel=a, b
@@ -129,7 +132,7 @@ excludedBundles=@Size(3 4)
         const QString path = folder.filePath(u"choices.ini"_s);
         chooseAll(path);
         const Preferences preferences(path);
-        QCOMPARE(QSettings(path, QSettings::IniFormat).allKeys().size(), 22);
+        QCOMPARE(QSettings(path, QSettings::IniFormat).allKeys().size(), 23);
         QCOMPARE(preferences.unknownKeys(), QStringList());
         QCOMPARE(preferences.unusableKeys(), QStringList());
     }
@@ -170,6 +173,7 @@ excludedBundles=@Size(3 4)
         QCOMPARE(again.retentionDays(), 0);
         QCOMPARE(again.appearanceMode(), u"dark"_s);
         QCOMPARE(again.hasSeenSearchHint(), true);
+        QCOMPARE(again.hasSeenClosingNotice(), true);
         QCOMPARE(again.answerEngine(), u"local"_s);
         QCOMPARE(again.searchesByMeaning(), true);
         QCOMPARE(again.embeddingModel(), u"nomic"_s);
@@ -230,6 +234,7 @@ excludedBundles=@Size(3 4)
         QCOMPARE(sample.path(), QString());
         QCOMPARE(sample.capturesOnAppSwitch(), false);
         QCOMPARE(sample.hasSeenSearchHint(), true);
+        QCOMPARE(sample.hasSeenClosingNotice(), true);
         QCOMPARE(sample.savesAddresses(), false);
         QCOMPARE(sample.answerEngine(), u"apple"_s);
         QCOMPARE(sample.searchesByMeaning(), false);

@@ -64,6 +64,10 @@ const std::map<QString, Setter>& setters()
          [](Preferences& choices) {
              choices.setHasSeenSearchHint(false);
          }},
+        {u"setHasSeenClosingNotice"_s,
+         [](Preferences& choices) {
+             choices.setHasSeenClosingNotice(false);
+         }},
         {u"setSavesAddresses"_s,
          [](Preferences& choices) {
              choices.setSavesAddresses(false);
@@ -140,6 +144,7 @@ appearanceMode=light
 capturesOnAppSwitch=true
 unchangedRefreshMinutes=20
 hasSeenSearchHint=true
+hasSeenClosingNotice=true
 savesAddresses=true
 recordsAtLaunch=true
 resumesAfterAway=true

@@ -17,4 +17,9 @@ void keepMemoryTogether()
     ::mallopt(M_MMAP_THRESHOLD, kOwnMapping);
 }
 
+void giveMemoryBack()
+{
+    ::malloc_trim(0);
+}
+
 } // namespace mossbank

@@ -31,6 +31,7 @@ constexpr std::array<const char*, static_cast<std::size_t>(Atom::Count)> kAtomNa
     "_NET_WM_CM_S", // the number of the screen comes behind it
     "_NET_CURRENT_DESKTOP",
     "_NET_SUPPORTING_WM_CHECK",
+    "_NET_SYSTEM_TRAY_S", // the same
     "_NET_WM_DESKTOP",
     "_NET_WM_NAME",
     "_NET_WM_OPAQUE_REGION",
@@ -161,7 +162,8 @@ void X11Connection::findAtoms()
     std::array<xcb_intern_atom_cookie_t, kAtomNames.size()> cookies = {};
     for (std::size_t index = 0; index < cookies.size(); ++index) {
         QByteArray name = kAtomNames.at(index);
-        if (index == static_cast<std::size_t>(Atom::NetCompositor))
+        if (index == static_cast<std::size_t>(Atom::NetCompositor) ||
+            index == static_cast<std::size_t>(Atom::NetSystemTray))
             name += QByteArray::number(m_screenNumber);
         cookies.at(index) =
             xcb_intern_atom(m_connection, 0, static_cast<quint16>(name.size()), name.constData());
@@ -194,13 +196,16 @@ void X11Connection::findExtensions()
             reply<xcb_res_query_version_reply_t>(xcb_res_query_version(m_connection, 1, 2));
         m_hasRes = version && (version->server_major > 1 || version->server_minor >= 2);
     }
-    if (isPresent(m_connection, xcb_damage_id) && isPresent(m_connection, xcb_xfixes_id)) {
-        const auto regions =
+    if (isPresent(m_connection, xcb_xfixes_id)) {
+        const auto version =
             reply<xcb_xfixes_query_version_reply_t>(xcb_xfixes_query_version(m_connection, 2, 0));
-        const auto damage =
-            reply<xcb_damage_query_version_reply_t>(xcb_damage_query_version(m_connection, 1, 1));
         // Regions came with 2.0.
-        m_hasDamage = damage && regions && regions->major_version >= 2;
+        m_hasFixes = version && version->major_version >= 2;
+    }
+    if (m_hasFixes && isPresent(m_connection, xcb_damage_id)) {
+        const auto version =
+            reply<xcb_damage_query_version_reply_t>(xcb_damage_query_version(m_connection, 1, 1));
+        m_hasDamage = version != nullptr;
     }
 }
 

@@ -23,6 +23,7 @@ enum class Atom : quint8 {
     NetCompositor,
     NetCurrentDesktop,
     NetSupportingWmCheck,
+    NetSystemTray,
     NetWmDesktop,
     NetWmName,
     NetWmOpaqueRegion,
@@ -89,6 +90,8 @@ public:
     bool hasRandr() const { return m_hasRandr; }
     bool hasRes() const { return m_hasRes; }
     bool hasShape() const { return m_hasShape; }
+    /// Regions, and who owns a selection.
+    bool hasFixes() const { return m_hasFixes; }
     bool hasDamage() const { return m_hasDamage; }
     bool hasDpms() const { return m_hasDpms; }
     bool hasScreenSaver() const { return m_hasScreenSaver; }
@@ -141,6 +144,7 @@ private:
     bool m_hasRandr = false;
     bool m_hasRes = false;
     bool m_hasShape = false;
+    bool m_hasFixes = false;
     bool m_hasDamage = false;
     bool m_hasDpms = false;
     bool m_hasScreenSaver = false;

@@ -37,6 +37,7 @@ T.Button {
         font: button.font
         horizontalAlignment: Text.AlignHCenter
         text: button.text
+        textFormat: Text.PlainText
         verticalAlignment: Text.AlignVCenter
     }
 
