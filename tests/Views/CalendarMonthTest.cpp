@@ -127,6 +127,21 @@ private Q_SLOTS:
         QCOMPARE(share(14), 1.0);
     }
 
+    void theTabKeyStopsAtOneDay()
+    {
+        show(britain());
+        QCOMPARE(tabStops(), QList<int>{15});
+        m_month->choose(4);
+        QCOMPARE(tabStops(), QList<int>{4});
+        // Of a month without the chosen day it is the first.
+        m_month->showPrevious();
+        QCOMPARE(m_month->title(), u"October 2023"_s);
+        QCOMPARE(tabStops().size(), 1);
+        QCOMPARE(number(tabStops().first()), 1);
+        listing().setDay(std::nullopt);
+        QCOMPARE(number(tabStops().first()), 1);
+    }
+
     void aDayThatAZoneHasLeftOutIsNotThere()
     {
         // Samoa went from the 29th to the 31st of December 2011.
@@ -166,6 +181,15 @@ private:
     QVariant data(int cell, int role) const { return m_month->data(m_month->index(cell), role); }
     int number(int cell) const { return data(cell, CalendarMonth::NumberRole).toInt(); }
     bool is(int cell, int role) const { return data(cell, role).toBool(); }
+    QList<int> tabStops() const
+    {
+        QList<int> stops;
+        for (int cell = 0; cell < m_month->rowCount({}); ++cell) {
+            if (is(cell, CalendarMonth::IsTabStopRole))
+                stops.append(cell);
+        }
+        return stops;
+    }
     QString spoken(int cell) const { return data(cell, CalendarMonth::SpokenRole).toString(); }
     double share(int cell) const { return data(cell, CalendarMonth::ShareRole).toDouble(); }
 

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Mossbank/Views/Workspace/WorkspaceWindow.h"
 
-#include "tests/Views/AccessibleView.h"
-#include "tests/Views/WorkspaceRig.h"
+#include "tests/Views/WorkspaceWindowRig.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -15,20 +14,12 @@ using namespace Qt::StringLiterals;
 using namespace mossbank;
 using namespace mossbank::test;
 
-class WorkspaceWindowTest : public QObject {
+class WorkspaceWindowTest : public QObject, private WorkspaceWindowRig {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_rig = std::make_unique<WorkspaceRig>();
-        m_workspace = std::make_unique<WorkspaceWindow>(m_rig->parts());
-    }
-    void cleanup()
-    {
-        m_workspace.reset();
-        m_rig.reset();
-    }
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     // Coming and going
 
@@ -100,25 +91,6 @@ private Q_SLOTS:
         QTRY_COMPARE(view().names(QAccessible::ListItem).size(), 3);
     }
 
-    void theListIsWalkedFromTheSearchField()
-    {
-        addThree();
-        open();
-        QCOMPARE(selected(), u"c"_s);
-        QTest::keyClick(&window(), Qt::Key_Down);
-        QTest::keyClick(&window(), Qt::Key_Down);
-        QCOMPARE(selected(), u"a"_s);
-        QTest::keyClick(&window(), Qt::Key_Up);
-        QCOMPARE(selected(), u"b"_s);
-        QTest::keyClick(&window(), Qt::Key_Return);
-        QTRY_VERIFY(shows(QAccessible::Dialog, u"Enlarged screenshot of Editor"_s));
-        QTest::keyClick(&window(), Qt::Key_Escape);
-        QTRY_VERIFY(!m_rig->listing().showsEnlarged());
-        // The keys are the field's again.
-        type(u"m"_s);
-        QCOMPARE(m_rig->listing().query(), u"m"_s);
-    }
-
     void itIsSteppedByKeysAndButtons()
     {
         addThree();
@@ -161,16 +133,6 @@ private Q_SLOTS:
         QVERIFY(pressWhenThere(button));
         m_rig->settle();
         QTRY_COMPARE(view().names(QAccessible::ListItem).size(), 1);
-    }
-
-    void recordingIsSwitchedByKeys()
-    {
-        open();
-        constexpr auto kControlShift = Qt::ControlModifier | Qt::ShiftModifier;
-        QTest::keyClick(&window(), Qt::Key_R, kControlShift);
-        QVERIFY(m_rig->recorder().isRecording());
-        QTest::keyClick(&window(), Qt::Key_R, kControlShift);
-        QVERIFY(!m_rig->recorder().isRecording());
     }
 
     // The viewer
@@ -240,25 +202,6 @@ private Q_SLOTS:
         QCOMPARE(m_rig->listing().memories().size(), 3);
     }
 
-    void whatLiesOverTheWindowHasAllKeys()
-    {
-        addThree();
-        open();
-        QVERIFY(press(u"Enlarge screenshot"_s));
-        QTRY_COMPARE(focused(), u"Done"_s);
-        QTest::keyClick(&window(), Qt::Key_F, Qt::ControlModifier);
-        QSet<QString> reached;
-        for (int step = 0; step < 12; ++step) {
-            reached.insert(focused());
-            QTest::keyClick(&window(), Qt::Key_Tab);
-        }
-        QCOMPARE(reached, (QSet<QString>{u"Fit"_s, u"Actual Size"_s, u"Zoom Out"_s, u"Zoom In"_s,
-                                         u"Done"_s}));
-        QTest::keyClick(&window(), Qt::Key_Escape);
-        QTRY_VERIFY(!m_rig->listing().showsEnlarged());
-        QTRY_COMPARE(focused(), u"Search screen history"_s);
-    }
-
     void theAppearanceIsChosenFromAMenu()
     {
         open();
@@ -274,14 +217,6 @@ private Q_SLOTS:
         QCOMPARE(m_rig->preferences().appearanceMode(), u"dark"_s);
         QTRY_VERIFY(!view().find(QAccessible::MenuItem, u"Dark"_s));
         QVERIFY(shows(QAccessible::Button, u"Appearance: Dark"_s));
-    }
-
-    void theEndOfTheProgramIsAskedForByAKey()
-    {
-        open();
-        QSignalSpy quits(m_workspace.get(), &WorkspaceWindow::quits);
-        QTest::keyClick(&window(), Qt::Key_Q, Qt::ControlModifier);
-        QCOMPARE(quits.size(), 1);
     }
 
     void itIsEnlargedAndZoomed()
@@ -341,27 +276,6 @@ private Q_SLOTS:
         QVERIFY2(!names.contains(QString()), qPrintable(names.join(u'|')));
     }
 
-    void everyButtonInSightIsReachedByTheTabKey()
-    {
-        addThree();
-        open();
-        QStringList reached;
-        for (int step = 0; step < 80; ++step) {
-            QTest::keyClick(&window(), Qt::Key_Tab);
-            reached.append(focused());
-        }
-        for (const QString& name :
-             {u"Search screen history"_s, u"Start recording"_s, u"Moments"_s, u"Previous month"_s,
-              u"Today"_s, u"All history"_s, u"All applications"_s, u"Editor"_s,
-              u"Appearance: Match System"_s, u"Previous day"_s, u"Previous screenshot"_s,
-              u"Enlarge screenshot"_s, u"Show recognized text"_s, u"Copy image"_s,
-              u"Delete screenshot"_s, u"Screenshot of Editor"_s,
-              // The strip, at the one that is selected.
-              u"Editor · "_s + m_rig->calendar().shortTime(WorkspaceRig::kToday + 10'800)})
-            QVERIFY2(reached.contains(name),
-                     qPrintable(name + u" is not among "_s + reached.join(u'|')));
-    }
-
     void nothingMovesWhereTheDesktopAsksForThat()
     {
         m_rig->desktop.reduceMotion(true);
@@ -378,49 +292,6 @@ private Q_SLOTS:
         QCOMPARE(dot->opacity(), 1.0);
     }
 
-private:
-    void addThree()
-    {
-        m_rig->add(u"a"_s, WorkspaceRig::kToday + 3600);
-        m_rig->add(u"b"_s, WorkspaceRig::kToday + 7200, u"Editor"_s, u"a heron"_s, Qt::darkBlue);
-        m_rig->add(u"c"_s, WorkspaceRig::kToday + 10'800, u"Editor"_s, u"moss"_s, Qt::darkRed);
-    }
-
-    void open()
-    {
-        m_workspace->open();
-        QVERIFY(QTest::qWaitForWindowActive(&window()));
-        m_rig->settle();
-    }
-
-    QQuickWindow& window() const { return *m_workspace->window(); }
-    AccessibleView view() const { return AccessibleView(window()); }
-    bool shows(QAccessible::Role role, const QString& name) const
-    {
-        return view().find(role, name);
-    }
-    bool press(const QString& button) const { return view().press(button); }
-    bool pressWhenThere(const QString& button) const
-    {
-        return QTest::qWaitFor([&] { return press(button); });
-    }
-    QString selected() const { return m_rig->listing().selectedID().value_or(QString()); }
-
-    QString focused() const
-    {
-        QAccessibleInterface* const part =
-            QAccessible::queryAccessibleInterface(&window())->focusChild();
-        return part ? part->text(QAccessible::Name) : QString();
-    }
-
-    void type(const QString& text) const
-    {
-        for (const QChar letter : text)
-            QTest::keyClick(&window(), letter.toLatin1());
-    }
-
-    std::unique_ptr<WorkspaceRig> m_rig;
-    std::unique_ptr<WorkspaceWindow> m_workspace;
 };
 
 QTEST_MAIN(WorkspaceWindowTest)

@@ -7,8 +7,11 @@ import Mossbank.Views
 T.AbstractButton {
     id: day
 
+    /// The keys come here when this is the day that they have chosen.
+    required property bool followsKeys
     required property bool isChosen
     required property bool isFuture
+    required property bool isTabStop
     required property bool isToday
     required property int number
     required property double share
@@ -20,8 +23,8 @@ T.AbstractButton {
     Accessible.ignored: !isDay
     Accessible.name: spoken
     // One of them is reached by the tab key, and the others from there by the arrows.
-    focusPolicy: isChosen ? Qt.StrongFocus : Qt.ClickFocus
-    enabled: isDay
+    focusPolicy: isTabStop || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
+    enabled: isDay && !isFuture
     hoverEnabled: isDay
 
     background: Rectangle {
@@ -59,9 +62,12 @@ T.AbstractButton {
         }
     }
 
-    Accessible.onPressAction: clicked()
+    Accessible.onPressAction: if (enabled)
+        clicked()
     Keys.onEnterPressed: clicked()
     Keys.onReturnPressed: clicked()
+    onIsChosenChanged: if (isChosen && followsKeys)
+        forceActiveFocus(Qt.TabFocusReason)
 
     HelpTip {
         text: day.spoken

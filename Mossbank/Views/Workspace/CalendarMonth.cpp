@@ -168,16 +168,28 @@ QVariant CalendarMonth::data(const QModelIndex& index, int role) const
         return day.start && day.date == today();
     case IsFutureRole:
         return day.start && day.date > today();
+    case IsTabStopRole:
+        return isTabStop(day);
     default:
         return {};
     }
+}
+
+bool CalendarMonth::isTabStop(const Day& day) const
+{
+    const auto isChosen = [this](const Day& one) {
+        return one.start && m_listing.day() == one.start;
+    };
+    return isChosen(day) ||
+           (day.start && day.date == m_month && std::ranges::none_of(m_days, isChosen));
 }
 
 QHash<int, QByteArray> CalendarMonth::roleNames() const
 {
     return {{NumberRole, "number"_qba},   {SpokenRole, "spoken"_qba},
             {ShareRole, "share"_qba},     {IsChosenRole, "isChosen"_qba},
-            {IsTodayRole, "isToday"_qba}, {IsFutureRole, "isFuture"_qba}};
+            {IsTodayRole, "isToday"_qba}, {IsFutureRole, "isFuture"_qba},
+            {IsTabStopRole, "isTabStop"_qba}};
 }
 
 } // namespace mossbank

@@ -38,7 +38,9 @@ public:
         ShareRole,
         IsChosenRole,
         IsTodayRole,
-        IsFutureRole
+        IsFutureRole,
+        /// The tab key stops there: at the chosen day, or at the first where none is.
+        IsTabStopRole
     };
 
     /// All outlive it.
@@ -48,6 +50,9 @@ public:
     QString title() const;
     QStringList weekdays() const;
     bool hasNext() const;
+
+    /// Another day is today, or is chosen.
+    void tell();
 
     Q_INVOKABLE void showPrevious();
     Q_INVOKABLE void showNext();
@@ -72,8 +77,8 @@ private:
     void followDay();
     void count();
     void show(QDate month);
-    void tell();
     QString spoken(const Day& day) const;
+    bool isTabStop(const Day& day) const;
     QDate today() const;
     qsizetype cell(int number) const;
 

@@ -16,10 +16,14 @@ FocusScope {
 
     height: days.y + days.height
 
-    Keys.onDownPressed: workspace.shiftDay(7)
-    Keys.onLeftPressed: workspace.shiftDay(-1)
-    Keys.onRightPressed: workspace.shiftDay(1)
-    Keys.onUpPressed: workspace.shiftDay(-7)
+    /// The keys are on their way from one day to another.
+    property bool isGoing: false
+
+    function go(days) {
+        isGoing = true;
+        workspace.shiftDay(days);
+        isGoing = false;
+    }
 
     Text {
         id: title
@@ -80,12 +84,18 @@ FocusScope {
         anchors.topMargin: 2
         columns: 7
 
+        Keys.onDownPressed: panel.go(7)
+        Keys.onLeftPressed: panel.go(-1)
+        Keys.onRightPressed: panel.go(1)
+        Keys.onUpPressed: panel.go(-7)
+
         Repeater {
             model: panel.month
 
             CalendarDay {
                 required property int index
 
+                followsKeys: panel.isGoing
                 height: panel.cellHeight
                 width: panel.cellWidth
 
