@@ -171,6 +171,31 @@ private Q_SLOTS:
         QCOMPARE(sidebar().countOfAll(), u"2"_s);
     }
 
+    void midnightPassesWhileItIsOpen()
+    {
+        m_rig->add(u"a"_s, WorkspaceRig::kToday + 60);
+        open();
+        QCOMPARE(m_workspace->heading(), u"Today"_s);
+        QVERIFY(!m_workspace->calendar()->hasNext());
+        QSignalSpy headings(m_workspace.get(), &Workspace::headingChanged);
+        QSignalSpy days(&sidebar(), &Sidebar::dayChanged);
+        QSignalSpy months(m_workspace->calendar(), &CalendarMonth::dataChanged);
+        QSignalSpy pictures(m_workspace->viewer(), &Viewer::changed);
+        m_rig->clock().advance(WorkspaceRig::kToday + WorkspaceRig::kDay - 1 -
+                               m_rig->clock().now());
+        m_rig->settle();
+        QCOMPARE(headings.size(), 0);
+        m_rig->clock().advance(30);
+        m_rig->settle();
+        QVERIFY(!headings.isEmpty() && !days.isEmpty() && !months.isEmpty() && !pictures.isEmpty());
+        QCOMPARE(m_workspace->heading(), u"November 14"_s);
+        QVERIFY(!sidebar().isToday() && !m_workspace->isToday());
+        QCOMPARE(sidebar().countToday(), QString());
+        sidebar().showToday();
+        m_rig->settle();
+        QCOMPARE(m_workspace->content(), Workspace::Empty);
+    }
+
     void theTwoRowsOfDaysAreChosenInTurn()
     {
         open();

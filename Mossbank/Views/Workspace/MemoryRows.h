@@ -37,6 +37,8 @@ public:
     void setOrder(Order order);
     int selectedRow() const;
     QString query() const;
+    /// Times are told in another way.
+    void redate();
     /// Selects it. Nothing where there is no such row.
     Q_INVOKABLE void choose(int row);
 
@@ -55,7 +57,6 @@ private:
     bool adapt();
     void take(qsizetype from, qsizetype count);
     void add(qsizetype at, const QList<Memory>& rows);
-    void redate();
     int row(qsizetype place) const;
     qsizetype place(int row) const;
     QString time(const Memory& memory) const;

@@ -49,8 +49,6 @@ Sidebar::Sidebar(const WorkspaceParts& parts, QObject* parent)
     connect(&m_listing, &Listing::lensChanged, this, &Sidebar::lensChanged);
     connect(&m_listing, &Listing::dayChanged, this, &Sidebar::dayChanged);
     connect(&m_listing, &Listing::statsChanged, this, &Sidebar::statsChanged);
-    // What was saved after midnight is of another today.
-    connect(&m_listing, &Listing::statsChanged, this, &Sidebar::dayChanged);
     connect(&m_parts.model.recorder(), &Recorder::isSavingChanged, this, &Sidebar::savingChanged);
     connect(&m_parts.preferences, &Preferences::appearanceModeChanged, this,
             &Sidebar::appearanceChanged);

@@ -15,6 +15,7 @@ Workspace::Workspace(const WorkspaceParts& parts, QObject* parent)
     : QObject(parent)
     , m_parts(parts)
     , m_listing(parts.model.listing())
+    , m_dayWatch(parts.clock, parts.calendar)
     , m_recording(parts.model, parts.calendar, parts.preferences.isDemo())
     , m_sidebar(parts)
     , m_calendar(m_listing, parts.clock, parts.calendar)
@@ -43,6 +44,7 @@ void Workspace::follow()
         arrange();
     });
     connect(&m_listing, &Listing::queryChanged, this, &Workspace::queryChanged);
+    connect(&m_dayWatch, &DayWatch::dayHasChanged, this, &Workspace::passIntoTheNextDay);
     // The question was about another one.
     connect(&m_listing, &Listing::selectedIDChanged, this,
             [this] { setProperty("asksToDelete", false); });
@@ -51,6 +53,19 @@ void Workspace::follow()
     connect(&m_parts.desktop, &DesktopSettings::changed, this, &Workspace::reducesMotionChanged);
     connect(&m_parts.model.recorder(), &Recorder::errorMessageChanged, this,
             &Workspace::errorMessageChanged);
+}
+
+/// What is on show is of the same day as before, which has another name now.
+void Workspace::passIntoTheNextDay()
+{
+    Q_EMIT headingChanged();
+    Q_EMIT m_sidebar.dayChanged();
+    Q_EMIT m_viewer.changed();
+    m_calendar.tell();
+    Q_EMIT m_calendar.monthChanged();
+    m_memories.redate();
+    // The counts are of another today.
+    m_listing.refreshSoon();
 }
 
 Workspace::Content Workspace::fitting() const

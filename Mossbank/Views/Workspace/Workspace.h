@@ -4,6 +4,7 @@
 #include "Mossbank/Views/Pictures/PictureFolder.h"
 #include "Mossbank/Views/Workspace/ApplicationFilters.h"
 #include "Mossbank/Views/Workspace/CalendarMonth.h"
+#include "Mossbank/Views/Workspace/DayWatch.h"
 #include "Mossbank/Views/Workspace/EmptyState.h"
 #include "Mossbank/Views/Workspace/FirstRunState.h"
 #include "Mossbank/Views/Workspace/MemoryRows.h"
@@ -109,11 +110,13 @@ Q_SIGNALS:
 
 private:
     void follow();
+    void passIntoTheNextDay();
     void arrange();
     Content fitting() const;
 
     WorkspaceParts m_parts;
     Listing& m_listing;
+    DayWatch m_dayWatch;
     RecordingSwitch m_recording;
     Sidebar m_sidebar;
     CalendarMonth m_calendar;
