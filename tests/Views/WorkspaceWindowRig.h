@@ -26,8 +26,10 @@ protected:
     void addThree()
     {
         m_rig->add(QStringLiteral("a"), WorkspaceRig::kToday + 3600);
-        m_rig->add(QStringLiteral("b"), WorkspaceRig::kToday + 7200, QStringLiteral("Editor"), QStringLiteral("a heron"), Qt::darkBlue);
-        m_rig->add(QStringLiteral("c"), WorkspaceRig::kToday + 10'800, QStringLiteral("Editor"), QStringLiteral("moss"), Qt::darkRed);
+        m_rig->add(QStringLiteral("b"), WorkspaceRig::kToday + 7200, QStringLiteral("Editor"),
+                   QStringLiteral("a heron"), Qt::darkBlue);
+        m_rig->add(QStringLiteral("c"), WorkspaceRig::kToday + 10'800, QStringLiteral("Editor"),
+                   QStringLiteral("moss"), Qt::darkRed);
     }
 
     void open()

@@ -291,7 +291,6 @@ private Q_SLOTS:
         QVERIFY(!dot->property("isBreathing").toBool());
         QCOMPARE(dot->opacity(), 1.0);
     }
-
 };
 
 QTEST_MAIN(WorkspaceWindowTest)

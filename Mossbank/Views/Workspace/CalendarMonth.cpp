@@ -186,9 +186,9 @@ bool CalendarMonth::isTabStop(const Day& day) const
 
 QHash<int, QByteArray> CalendarMonth::roleNames() const
 {
-    return {{NumberRole, "number"_qba},   {SpokenRole, "spoken"_qba},
-            {ShareRole, "share"_qba},     {IsChosenRole, "isChosen"_qba},
-            {IsTodayRole, "isToday"_qba}, {IsFutureRole, "isFuture"_qba},
+    return {{NumberRole, "number"_qba},      {SpokenRole, "spoken"_qba},
+            {ShareRole, "share"_qba},        {IsChosenRole, "isChosen"_qba},
+            {IsTodayRole, "isToday"_qba},    {IsFutureRole, "isFuture"_qba},
             {IsTabStopRole, "isTabStop"_qba}};
 }
 
