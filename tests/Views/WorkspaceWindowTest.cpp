@@ -236,6 +236,30 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_rig->listing().showsEnlarged());
     }
 
+    void theEnlargedOneStaysUntilTheNextIsThere()
+    {
+        addThree();
+        m_rig->removePicture(u"a"_s);
+        open();
+        QVERIFY(press(u"Enlarge screenshot"_s));
+        auto* const picture = window().findChild<QQuickItem*>(u"enlargedPicture"_s);
+        QVERIFY(picture);
+        QTRY_COMPARE(picture->property("pixels").toSizeF(), QSizeF(320, 200));
+        QSignalSpy sizes(picture, SIGNAL(pixelsChanged()));
+        QTest::keyClick(&window(), Qt::Key_Left, Qt::ControlModifier);
+        QCOMPARE(selected(), u"b"_s);
+        QTRY_COMPARE(
+            window().grabWindow().pixelColor(window().width() / 2, window().height() / 2).blue() /
+                100,
+            QColor(Qt::darkBlue).blue() / 100);
+        QCOMPARE(sizes.size(), 0);
+        QTest::keyClick(&window(), Qt::Key_Left, Qt::ControlModifier);
+        QTRY_VERIFY(shows(QAccessible::Dialog, u"Enlarged screenshot of Editor"_s) &&
+                    shows(QAccessible::StaticText, u"Screenshot unavailable"_s));
+        QTest::keyClick(&window(), Qt::Key_Right, Qt::ControlModifier);
+        QTRY_VERIFY(!shows(QAccessible::StaticText, u"Screenshot unavailable"_s));
+    }
+
     void whatIsGoneWhileItIsEnlargedIsSaidToBe()
     {
         m_rig->add(u"a"_s, WorkspaceRig::kToday + 60);

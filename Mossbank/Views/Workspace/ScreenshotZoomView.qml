@@ -29,7 +29,7 @@ Sheet {
         id: zoom
 
         // What one pixel of the picture is on the screen.
-        picture: Qt.size(picture.implicitWidth / Screen.devicePixelRatio, picture.implicitHeight / Screen.devicePixelRatio)
+        picture: Qt.size(picture.pixels.width / Screen.devicePixelRatio, picture.pixels.height / Screen.devicePixelRatio)
         viewport: Qt.size(scrolling.width, scrolling.height)
     }
     Shortcut {
@@ -131,58 +131,31 @@ Sheet {
         clip: true
         contentHeight: Math.max(picture.height, height)
         contentWidth: Math.max(picture.width, width)
-        visible: view.viewer.hasSelection
+        visible: view.viewer.hasSelection && !picture.isMissing
 
         ScrollBar.horizontal: ScrollBar {
         }
         ScrollBar.vertical: ScrollBar {
         }
 
-        Image {
+        SteadyImage {
             id: picture
 
             Accessible.name: view.name
             Accessible.role: Accessible.Graphic
-            asynchronous: true
-            cache: false
             height: zoom.picture.height * zoom.scale
+            objectName: "enlargedPicture"
             source: view.viewer.screenshot
             width: zoom.picture.width * zoom.scale
             x: Math.round((scrolling.contentWidth - width) / 2)
             y: Math.round((scrolling.contentHeight - height) / 2)
         }
     }
-    Column {
+    UnavailablePicture {
         anchors.centerIn: parent
-        spacing: 6
-        visible: !view.viewer.hasSelection
+        reason: view.viewer.hasSelection ? qsTranslate("Mossbank", "The image may have been moved or removed from the library folder.")
+                : qsTranslate("Mossbank", "It was removed from Mossbank while it was open.")
+        visible: !scrolling.visible
         width: parent.width - 40
-
-        Symbol {
-            anchors.horizontalCenter: parent.horizontalCenter
-            color: Theme.tertiaryInk
-            name: "photo"
-            size: Math.round(32 * Theme.scale)
-        }
-        Text {
-            Accessible.name: text
-            Accessible.role: Accessible.StaticText
-            color: Theme.ink
-            font.pixelSize: Theme.headingType
-            font.weight: Font.DemiBold
-            horizontalAlignment: Text.AlignHCenter
-            text: qsTranslate("Mossbank", "Screenshot unavailable")
-            width: parent.width
-        }
-        Text {
-            Accessible.name: text
-            Accessible.role: Accessible.StaticText
-            color: Theme.secondaryInk
-            font.pixelSize: Theme.bodyType
-            horizontalAlignment: Text.AlignHCenter
-            text: qsTranslate("Mossbank", "It was removed from Mossbank while it was open.")
-            width: parent.width
-            wrapMode: Text.Wrap
-        }
     }
 }

@@ -42,38 +42,11 @@ T.AbstractButton {
         x: picture.x + picture.frame.x - 4
         y: picture.y + picture.frame.y - 4
     }
-    Column {
+    UnavailablePicture {
         anchors.centerIn: parent
-        spacing: 6
+        reason: qsTranslate("Mossbank", "The image may have been moved or removed from the library folder.")
         visible: picture.isMissing
         width: Math.min(parent.width - 32, 420)
-
-        Symbol {
-            anchors.horizontalCenter: parent.horizontalCenter
-            color: Theme.tertiaryInk
-            name: "photo"
-            size: Math.round(32 * Theme.scale)
-        }
-        Text {
-            Accessible.name: text
-            Accessible.role: Accessible.StaticText
-            color: Theme.ink
-            font.pixelSize: Theme.headingType
-            font.weight: Font.DemiBold
-            horizontalAlignment: Text.AlignHCenter
-            text: qsTranslate("Mossbank", "Screenshot unavailable")
-            width: parent.width
-        }
-        Text {
-            Accessible.name: text
-            Accessible.role: Accessible.StaticText
-            color: Theme.secondaryInk
-            font.pixelSize: Theme.bodyType
-            horizontalAlignment: Text.AlignHCenter
-            text: qsTranslate("Mossbank", "The image may have been moved or removed from the library folder.")
-            width: parent.width
-            wrapMode: Text.Wrap
-        }
     }
 
     Accessible.onPressAction: clicked()
