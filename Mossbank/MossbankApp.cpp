@@ -170,7 +170,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     if (!isDemo)
         sayWhatChoicesMean(*preferences);
     terminal.show();
-    model.finishedLaunching(commandLine.isAtLogin);
+    model.finishedLaunching();
     // What a look at the sample library does without is missed by nobody.
     std::optional<MissingParts> missing;
     if (!isDemo)

@@ -106,7 +106,7 @@ bool AppModel::mayRecordScreen() const
     return m_screen.isAllowed();
 }
 
-void AppModel::finishedLaunching(bool atLogin)
+void AppModel::finishedLaunching()
 {
     applyAppearance();
     m_exclusions.watchActiveApps();
@@ -115,7 +115,7 @@ void AppModel::finishedLaunching(bool atLogin)
     // It lasts for a session of the desktop; the choice, once made, lasts for good.
     if (m_preferences.hasChosenAddresses())
         followAddresses();
-    m_launch.finishedLaunching(atLogin);
+    m_launch.finishedLaunching();
 }
 
 void AppModel::applyAppearance()

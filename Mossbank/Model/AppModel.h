@@ -81,8 +81,8 @@ public:
     const std::optional<ImageVault>& vault() const { return m_vault; }
 
     /// Once, when everything is up: from now on it follows the desktop, and what is to come back by
-    /// itself does. `atLogin`: the desktop started the program, and not the user.
-    void finishedLaunching(bool atLogin);
+    /// itself does.
+    void finishedLaunching();
 
 Q_SIGNALS:
     /// The program is to end, and recording has stopped: what was being saved is saved, or ten

@@ -64,14 +64,12 @@ QCoro::Task<> Launch::putInOrder(Cancellation cancellation)
         co_await m_parts.housekeeping.sealScreenshotsFromBeforeEncryption(cancellation);
 }
 
-void Launch::finishedLaunching(bool atLogin)
+void Launch::finishedLaunching()
 {
     if (m_around.preferences.isDemo())
         return;
     m_parts.loginItem.keepWithThisCopy();
     m_parts.loginItem.refresh();
-    if (atLogin)
-        m_closing = Job::start(&Launch::stayOutOfSight, this);
     // It is used up, also where a pause goes before it.
     const bool isRelaunched = takeRelaunch();
     if (m_parts.pauses.resumeStoredPause())
@@ -87,14 +85,6 @@ bool Launch::takeRelaunch()
     const auto stamp = m_around.preferences.recordsAfterRelaunch();
     m_around.preferences.removeRecordsAfterRelaunch();
     return stamp && std::abs(*stamp - m_around.clock.now()) < kRelaunchTakes;
-}
-
-QCoro::Task<> Launch::stayOutOfSight(Cancellation cancellation)
-{
-    // Windows that the desktop brings back come after the start.
-    constexpr double kUntilWindowsAreThere = 0.3;
-    if (co_await m_around.clock.sleep(kUntilWindowsAreThere, cancellation))
-        Q_EMIT closesWorkspace();
 }
 
 Launch::FirstRun Launch::firstRun(const LibraryStats& stats) const

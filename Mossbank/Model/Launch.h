@@ -61,9 +61,8 @@ public:
     void startUp();
 
     /// Once, when everything is up: a pause of the last run goes on, or else recording comes back
-    /// if the user wants that at every start or an update has ended it minutes ago. `atLogin`: the
-    /// desktop started the program, and not the user.
-    void finishedLaunching(bool atLogin);
+    /// if the user wants that at every start or an update has ended it minutes ago.
+    void finishedLaunching();
 
     FirstRun firstRun(const LibraryStats& stats) const;
 
@@ -84,14 +83,11 @@ public:
 Q_SIGNALS:
     /// What there is has been looked for, and is on show where there is a window for it.
     void listed();
-    /// The program was started at login, and stays out of sight.
-    void closesWorkspace();
     /// What the system allows may be another than it was, and whoever shows it should look again.
     void systemMayHaveChanged();
 
 private:
     QCoro::Task<> putInOrder(Cancellation cancellation);
-    QCoro::Task<> stayOutOfSight(Cancellation cancellation);
     /// Whether recording was on when an update relaunched the program just now.
     bool takeRelaunch();
 
@@ -99,9 +95,8 @@ private:
     Parts m_parts;
     NotificationCenter::Token m_powerOff;
     std::function<void()> m_reopenHandler;
-    /// Last: they are cancelled before anything above goes.
+    /// Last: it is cancelled before anything above goes.
     Job m_startingUp;
-    Job m_closing;
 };
 
 } // namespace mossbank

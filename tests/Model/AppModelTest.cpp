@@ -59,7 +59,7 @@ private Q_SLOTS:
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         QVERIFY(model.store());
         QVERIFY(!model.recorder().isRecording());
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QCOMPARE(model.recorder().isRecording(), recordsAtLaunch);
         QVERIFY(!model.recorder().errorMessage());
     }
@@ -68,7 +68,7 @@ private Q_SLOTS:
     {
         RecorderRig rig(false);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         // Nobody chose yet.
         QCOMPARE(rig.addresses.timesSwitchedOn, 0);
         rig.preferences.setSavesAddresses(false);
@@ -106,7 +106,7 @@ private Q_SLOTS:
         rig.preferences.setSavesAddresses(savesAddresses);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
         QCOMPARE(rig.addresses.timesSwitchedOn, 0);
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QCOMPARE(rig.addresses.timesSwitchedOn, savesAddresses ? 1 : 0);
         QCOMPARE(model.recorder().status(), u"Recording is off"_s);
         QCOMPARE(model.recorder().errorMessage(),
@@ -131,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(blocking.open(QIODevice::WriteOnly));
         rig.preferences.setRecordsAtLaunch(true);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QVERIFY(!model.store());
         QVERIFY(!model.recorder().isRecording());
         const QString message = model.recorder().errorMessage().value_or(QString());

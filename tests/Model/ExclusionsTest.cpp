@@ -18,7 +18,7 @@ private Q_SLOTS:
         m_rig->preferences.setExcludedBundles({RecorderRig::kSecret.bundleID});
         m_model = std::make_unique<AppModel>(m_rig->surroundings(),
                                              OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
     }
 
     void cleanup()
@@ -124,7 +124,7 @@ private Q_SLOTS:
         m_rig->front.setCurrent(isMossbank ? std::optional(RecorderRig::kMossbank) : std::nullopt);
         m_model = std::make_unique<AppModel>(m_rig->surroundings(),
                                              OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         m_model->exclusions().excludeFrontmostApp();
         QCOMPARE(excluded(), QStringList{RecorderRig::kSecret.bundleID});
         QCOMPARE(status(), u"Switch to the app you want excluded, then try again"_s);

@@ -36,15 +36,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("pause");
         QTest::addColumn<int>("stamp");
         QTest::addColumn<bool>("recordsAtLaunch");
-        QTest::addColumn<bool>("atLogin");
         for (const int pause : {NoPause, RunningPause, EndedPause}) {
             for (const int stamp : {NoStamp, FreshStamp, OldStamp}) {
                 for (const bool recordsAtLaunch : {false, true}) {
-                    for (const bool atLogin : {false, true}) {
-                        QTest::addRow("pause %d, stamp %d, records at launch %d, at login %d",
-                                      pause, stamp, recordsAtLaunch, atLogin)
-                            << pause << stamp << recordsAtLaunch << atLogin;
-                    }
+                    QTest::addRow("pause %d, stamp %d, records at launch %d", pause, stamp,
+                                  recordsAtLaunch)
+                        << pause << stamp << recordsAtLaunch;
                 }
             }
         }
@@ -54,15 +51,12 @@ private Q_SLOTS:
         QFETCH(int, pause);
         QFETCH(int, stamp);
         QFETCH(bool, recordsAtLaunch);
-        QFETCH(bool, atLogin);
         m_rig->preferences.setRecordsAtLaunch(recordsAtLaunch);
         if (pause != NoPause)
             m_rig->preferences.setPausedUntil(kMorning + (pause == RunningPause ? 600 : -1));
         if (stamp != NoStamp)
             m_rig->preferences.setRecordsAfterRelaunch(kMorning - (stamp == FreshStamp ? 20 : 200));
-        QSignalSpy closing(&m_model->launch(), &Launch::closesWorkspace);
-
-        m_model->finishedLaunching(atLogin);
+        m_model->finishedLaunching();
         settle();
 
         const bool isPaused = pause == RunningPause;
@@ -72,9 +66,6 @@ private Q_SLOTS:
         QCOMPARE(m_rig->preferences.pausedUntil().has_value(), isPaused);
         // It is used up, whatever came of it.
         QVERIFY(!m_rig->preferences.recordsAfterRelaunch());
-        QCOMPARE(closing.count(), 0);
-        pass(0.3);
-        QCOMPARE(closing.count(), atLogin ? 1 : 0);
     }
 
     void aStampCountsForThreeMinutes_data()
@@ -93,7 +84,7 @@ private Q_SLOTS:
         QFETCH(double, secondsAgo);
         QFETCH(bool, comesBack);
         m_rig->preferences.setRecordsAfterRelaunch(kMorning - secondsAgo);
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         settle();
         QCOMPARE(recorder().isRecording(), comesBack);
     }
@@ -102,7 +93,7 @@ private Q_SLOTS:
     {
         m_rig->screen.isAllowedNow = false;
         m_rig->preferences.setRecordsAtLaunch(true);
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         settle();
         QVERIFY(!recorder().isRecording());
         QVERIFY(!recorder().askedForPermission());
@@ -185,7 +176,7 @@ private Q_SLOTS:
         m_model->quitGuard().quit(QuitGuard::Cause::Interrupt);
         QVERIFY(!m_rig->preferences.pausedUntil());
         launch();
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         settle();
         QVERIFY(!m_model->timedPause().isPaused());
         QCOMPARE(recorder().status(), kIdle);
@@ -272,7 +263,7 @@ private Q_SLOTS:
         m_rig->preferences.setOpensAtLogin(true);
         m_rig->preferences.setOpensAtLoginPath(m_rig->loginService.path());
         m_rig->loginService.statusNow = LoginService::Status::Enabled;
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         QCOMPARE(m_model->loginItem().state(), LoginItem::State::On);
         m_rig->loginService.statusNow = LoginService::Status::NotRegistered;
         QSignalSpy looking(&m_model->launch(), &Launch::systemMayHaveChanged);
@@ -296,7 +287,7 @@ private Q_SLOTS:
             QVERIFY(!preferences.isReadable());
             AppModel model(m_rig->surroundings(preferences),
                            OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-            model.finishedLaunching(true);
+            model.finishedLaunching();
             m_rig->loginService.statusNow = LoginService::Status::NotRegistered;
             model.launch().becameActive();
             settle();
@@ -310,7 +301,7 @@ private Q_SLOTS:
     {
         m_rig->preferences.setOpensAtLogin(true);
         m_rig->preferences.setOpensAtLoginPath(u"/home/heron/mossbank"_s);
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         QCOMPARE(m_rig->loginService.calls, QStringList{u"register"_s});
         QCOMPARE(m_rig->preferences.opensAtLoginPath(), m_rig->loginService.path());
         QCOMPARE(m_model->loginItem().state(), LoginItem::State::On);
@@ -332,7 +323,7 @@ private Q_SLOTS:
     {
         using Mode = Appearance::Mode;
         m_rig->preferences.setAppearanceMode(u"dark"_s);
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         for (const auto& mode : {u"light"_s, u"system"_s, u"sepia"_s, u"dark"_s})
             m_rig->preferences.setAppearanceMode(mode);
         QList<Mode> applied = m_rig->appearance.applied;
@@ -352,7 +343,7 @@ private Q_SLOTS:
         AppModel model(m_rig->surroundings(sample), std::move(library));
         sample.setRecordsAtLaunch(true);
         sample.setAppearanceMode(u"dark"_s);
-        model.finishedLaunching(true);
+        model.finishedLaunching();
         settle();
         QVERIFY(m_rig->loginService.calls.isEmpty());
         QCOMPARE(model.loginItem().state(), LoginItem::State::Off);
@@ -373,7 +364,7 @@ private Q_SLOTS:
         AppModel model(m_rig->surroundings(sample),
                        OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
         QSignalSpy listed(&model.launch(), &Launch::listed);
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QTRY_COMPARE(listed.count(), 1);
         QCOMPARE(model.recorder().status(),
                  u"Could not prepare sample history: The sample pictures cannot be painted."_s);
@@ -388,7 +379,7 @@ private:
         m_model->quitGuard().quit(QuitGuard::Cause::Session);
         QTRY_COMPARE(ready.count(), 1);
         launch();
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         settle();
     }
 };

@@ -43,7 +43,7 @@ private Q_SLOTS:
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), &keychain));
         const QString cutShort = cutShortIn(rig);
         rig.sealing.hold();
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QTRY_VERIFY(rig.sealing.isHolding());
         QVERIFY2(!QFile::exists(cutShort), "sealed before it was tidied");
         rig.sealing.release();
@@ -66,7 +66,7 @@ private Q_SLOTS:
         std::optional<BadDisk> disk;
         disk.emplace(rig.libraryRoot(), 1, BadDisk::Then::FailOn, EIO);
         connect(&model.recorder(), &Recorder::errorMessageChanged, this, [&] { disk.reset(); });
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QTRY_VERIFY(model.recorder().errorMessage().value_or(QString()).startsWith(
             u"Could not tidy the screenshot folder: "_s));
         // With the one that could not be removed.
@@ -106,7 +106,7 @@ private Q_SLOTS:
         model.recorder().stop();
         const QString first = model.store()->fetch({.limit = 10}).result().at(0).id;
         rig.clock.advance(31 * 86'400.0);
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         if (isChosenAnew)
             preferences.setRetentionDays(14);
         if (isMended) {

@@ -96,7 +96,7 @@ private Q_SLOTS:
         QSignalSpy counts(&listing(), &Listing::statsChanged);
         connect(&listing(), &Listing::statsChanged, this,
                 [&] { wasInOrder = !QFile::exists(leftover); });
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         QTRY_COMPARE(listing().stats().count, 1);
         QVERIFY(!wasInOrder);
         QTRY_VERIFY(!QFile::exists(leftover));

@@ -61,7 +61,7 @@ struct SampleRun {
         if (!model)
             make(contents);
         QSignalSpy listed(&model->launch(), &Launch::listed);
-        model->finishedLaunching(false);
+        model->finishedLaunching();
         QVERIFY(QTest::qWaitFor([&listed] { return !listed.isEmpty(); }, 60'000));
     }
 
@@ -249,7 +249,7 @@ private Q_SLOTS:
         RecorderRig rig(false);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
         QSignalSpy listed(&model.launch(), &Launch::listed);
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         QTRY_COMPARE(listed.size(), 1);
         QCOMPARE(model.listing().stats().count, 0);
         QCOMPARE(model.recorder().status(), kIdle);
@@ -276,7 +276,7 @@ private Q_SLOTS:
             goesOn.acquire();
         });
         run.make();
-        run.model->finishedLaunching(false);
+        run.model->finishedLaunching();
         QVERIFY(QTest::qWaitFor([&] { return isReading.tryAcquire(); }));
         run.model.reset();
         goesOn.release(4);

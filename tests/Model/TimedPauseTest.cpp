@@ -204,7 +204,7 @@ private Q_SLOTS:
                  std::optional(kMorning + 3600));
         launch();
         m_rig->clock.advance(600);
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         settle();
         QVERIFY(!recorder().isRecording());
         QCOMPARE(m_model->timedPause().pausedUntil(), std::optional(kMorning + 3600));
@@ -222,7 +222,7 @@ private Q_SLOTS:
         QVERIFY(blocking.open(QIODevice::WriteOnly));
         launch();
         QVERIFY(!m_model->store());
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
         settle();
         QCOMPARE(m_model->timedPause().pausedUntil(), std::optional(kMorning + 3600));
         QVERIFY(recorder().status().startsWith(u"Paused until "_s));
@@ -261,7 +261,7 @@ private Q_SLOTS:
             m_rig->clock.setNow(kMorning);
             AppModel model(m_rig->surroundings(preferences),
                            OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-            model.finishedLaunching(false);
+            model.finishedLaunching();
             QVERIFY(!model.timedPause().isPaused());
             QCOMPARE(model.recorder().isRecording(), recordsAtLaunch);
             const QSettings file(preferences.path(), QSettings::IniFormat);

@@ -24,7 +24,7 @@ private Q_SLOTS:
         m_rig = std::make_unique<RecorderRig>(false);
         m_model = std::make_unique<AppModel>(m_rig->surroundings(),
                                              OpenedLibrary::at(m_rig->libraryRoot(), nullptr));
-        m_model->finishedLaunching(false);
+        m_model->finishedLaunching();
     }
 
     void cleanup()

@@ -17,7 +17,7 @@ private Q_SLOTS:
     {
         RecorderRig rig(false);
         AppModel model(rig.surroundings(), OpenedLibrary::at(rig.libraryRoot(), nullptr));
-        model.finishedLaunching(false);
+        model.finishedLaunching();
         rig.clock.advance(86'400);
         QCoreApplication::processEvents();
         QCOMPARE(rig.updates.checks, 0);
