@@ -94,6 +94,23 @@ private Q_SLOTS:
         QCOMPARE(quits.size(), 1);
     }
 
+    void aButtonThatIsOfNoUseAnyMoreHandsTheKeysOn()
+    {
+        addThree();
+        open();
+        for (int step = 0; step < 80 && focused() != u"Previous screenshot"; ++step)
+            QTest::keyClick(&window(), Qt::Key_Tab);
+        QTest::keyClick(&window(), Qt::Key_Return);
+        QTest::keyClick(&window(), Qt::Key_Return);
+        QCOMPARE(selected(), u"a"_s);
+        QTRY_COMPARE(focused(), u"Next screenshot"_s);
+        // What comes to lie over it takes the keys, and gives them back.
+        QVERIFY(press(u"Delete screenshot"_s));
+        QTRY_COMPARE(focused(), u"Cancel"_s);
+        QTest::keyClick(&window(), Qt::Key_Escape);
+        QTRY_COMPARE(focused(), u"Next screenshot"_s);
+    }
+
     void theCalendarIsWalkedByItsDays()
     {
         addThree();

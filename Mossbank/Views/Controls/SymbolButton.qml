@@ -65,12 +65,25 @@ T.AbstractButton {
         }
     }
 
+    // In the midst of losing them it is too early to hand the keys on.
+    onActiveFocusChanged: if (!activeFocus && !enabled)
+        handingOn.start()
+
     // Assistive tools press also what is not enabled.
     Accessible.onPressAction: if (button.enabled)
         button.clicked()
     Keys.onEnterPressed: button.clicked()
     Keys.onReturnPressed: button.clicked()
 
+    /// The keys go on from here where this can take them no more, and not from the window's corner.
+    Timer {
+        id: handingOn
+
+        interval: 0
+
+        onTriggered: if (!button.enabled && button.parent.enabled)
+            button.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+    }
     HelpTip {
         text: button.help
         visible: button.hovered && text.length > 0 && !(button.showsText && text === button.text)
