@@ -106,6 +106,8 @@ QCoro::Task<> StatusNotifierWatch::look()
     m_isLooking = false;
     if (m_host == Host::Unknown || !m_bus.isOpen())
         lookAgainLater();
+    else
+        m_attempts = 0;
 }
 
 QCoro::Task<StatusNotifierWatch::Host> StatusNotifierWatch::ask()

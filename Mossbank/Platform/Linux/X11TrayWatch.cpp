@@ -7,13 +7,15 @@
 
 #include <xcb/xfixes.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace mossbank {
 
 namespace {
 
-constexpr int kRetryDelay = 5000;
+constexpr int kFirstDelay = 5000;
+constexpr int kLongestDelay = 320'000;
 constexpr quint32 kChanges = XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE;
@@ -37,7 +39,7 @@ X11TrayWatch::X11TrayWatch(QObject* parent)
     : QObject(parent)
 {
     m_retry.setSingleShot(true);
-    m_retry.setInterval(kRetryDelay);
+    m_retry.setInterval(kFirstDelay);
     connect(&m_retry, &QTimer::timeout, this, &X11TrayWatch::connectToServer);
     connectToServer();
 }
@@ -51,8 +53,11 @@ void X11TrayWatch::connectToServer()
         m_connection = std::make_unique<X11Connection>(X11Connection::kShortPatience);
     } catch (const Failure&) {
         m_retry.start();
+        // Where there is no such server it need not be looked for all day.
+        m_retry.setInterval(std::min(2 * m_retry.interval(), kLongestDelay));
         return;
     }
+    m_retry.setInterval(kFirstDelay);
     if (!m_connection->hasFixes())
         return;
     xcb_xfixes_select_selection_input(*m_connection, m_connection->root(),
