@@ -78,7 +78,9 @@ inline QSet<int> numbersOnDisk(const QMap<QString, QByteArray>& files)
             const QByteArray digits = file.mid(at + kBeginning.pattern().size(), kDigits);
             // Sealed pictures are noise, in which two letters and a digit come up by chance. A
             // number would be read as far as it goes, so all of it has to be there.
-            const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
+            const auto isDigit = [](char byte) {
+                return byte >= '0' && byte <= '9';
+            };
             if (digits.size() == kDigits && std::ranges::all_of(digits, isDigit))
                 numbers.insert(digits.toInt());
         }
