@@ -95,6 +95,22 @@ private Q_SLOTS:
         QVERIFY(shown().startsWith(u"other0 other1"_s));
     }
 
+    void anotherDayIsAnotherListAlsoWithTheSameRows()
+    {
+        add(u"m"_s, kToday + 60, 3);
+        add(u"other"_s, kToday - kDay + 60, 1);
+        show();
+        QSignalSpy resets(m_rows.get(), &QAbstractItemModel::modelReset);
+        listing().setDay(std::nullopt);
+        passDebounce();
+        QCOMPARE(shown(), u"other0 m0 m1 m2"_s);
+        QCOMPARE(resets.size(), 1);
+        add(u"later"_s, kToday + 3600, 1);
+        refresh();
+        QCOMPARE(shown(), u"other0 m0 m1 m2 later0"_s);
+        QCOMPARE(resets.size(), 1);
+    }
+
     void whateverBecomesOfTheListTheRowsAreIts()
     {
         for (int round = 0; round < randomRounds(30); ++round) {

@@ -110,6 +110,31 @@ private Q_SLOTS:
         QCOMPARE(selected(), u"b"_s);
     }
 
+    void theSelectedOneIsInSightWhateverIsChosen()
+    {
+        addThree();
+        for (int one = 0; one < 12; ++one)
+            m_rig->add(u"y%1"_s.arg(one), WorkspaceRig::kToday - 3600 + one * 60, u"Quill"_s);
+        open();
+        const auto seen = [this] {
+            const auto* const strip = window().findChild<QQuickItem*>(u"filmstrip"_s);
+            const auto* const tile = strip->property("currentItem").value<QQuickItem*>();
+            const double at = tile ? tile->x() - strip->property("contentX").toDouble() : -1;
+            return at >= 0 && at + tile->width() <= strip->width();
+        };
+        QTRY_VERIFY(seen());
+        m_rig->listing().setDay(std::nullopt);
+        m_rig->settle();
+        QCOMPARE(m_rig->listing().memories().size(), 15);
+        QCOMPARE(selected(), u"c"_s);
+        QTRY_VERIFY(seen());
+        m_rig->listing().setSelectedID(u"y0"_s);
+        QTRY_VERIFY(seen());
+        m_rig->listing().setAppFilter(u"Quill"_s);
+        m_rig->settle();
+        QTRY_VERIFY(seen());
+    }
+
     void daysAreSteppedAsFarAsToday()
     {
         addThree();

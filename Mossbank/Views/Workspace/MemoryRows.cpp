@@ -42,6 +42,9 @@ MemoryRows::MemoryRows(Listing& listing, Clock& clock, CalendarSource calendar, 
     connect(&listing, &Listing::queryChanged, this, &MemoryRows::queryChanged);
     // Among all days a row tells its day.
     connect(&listing, &Listing::dayChanged, this, &MemoryRows::redate);
+    // Whoever shows them begins with the selected one then, also where many rows are the same.
+    for (const auto signal : {&Listing::dayChanged, &Listing::appFilterChanged})
+        connect(&listing, signal, this, [this] { m_areOfAnother = true; });
 }
 
 void MemoryRows::setOrder(Order order)
@@ -84,7 +87,7 @@ void MemoryRows::choose(int row)
 
 void MemoryRows::update()
 {
-    if (!adapt()) {
+    if (std::exchange(m_areOfAnother, false) || !adapt()) {
         beginResetModel();
         m_rows = m_listing.memories();
         endResetModel();

@@ -68,6 +68,8 @@ private:
     /// Newest first, as far as the views have been told.
     QList<Memory> m_rows;
     bool m_showsSeconds = false;
+    /// Another day or application has been chosen since.
+    bool m_areOfAnother = false;
 };
 
 } // namespace mossbank
