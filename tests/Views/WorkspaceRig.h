@@ -48,6 +48,7 @@ public:
     Recorder& recorder() { return model->recorder(); }
     Preferences& preferences() { return m_rig.preferences; }
     FakeClock& clock() { return m_rig.clock; }
+    FakeFrontApplication& front() { return m_rig.front; }
     FakeScreen& screen() { return m_rig.screen; }
     FakeRelauncher& relauncher() { return m_rig.relauncher; }
     Calendar calendar() const { return m_rig.calendar(); }
@@ -62,6 +63,11 @@ public:
                   {id, QString::number(moment.secondsSince1970, 'f', 3), app, text});
         QImage picture(320, 200, QImage::Format_RGB32);
         picture.fill(colour);
+        setPicture(id, picture);
+    }
+
+    void setPicture(const QString& id, const QImage& picture)
+    {
         const QString path = model->store()->images() + u'/' + id + QStringLiteral(".jpg");
         if (!picture.save(path, "JPEG", 90))
             qFatal("a picture cannot be written");

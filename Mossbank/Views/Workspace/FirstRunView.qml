@@ -12,7 +12,7 @@ Item {
         anchors.centerIn: parent
         anchors.verticalCenterOffset: -10
         spacing: 0
-        width: Math.min(parent.width - 40, 560)
+        width: Math.min(parent.width - 40, 640)
 
         Brand {
             anchors.horizontalCenter: parent.horizontalCenter
