@@ -15,14 +15,12 @@
 #include "Mossbank/TerminalStatus.h"
 #include "Mossbank/TerminationSignals.h"
 #include "Mossbank/Translations/LinuxWording.h"
+#include "Mossbank/UserInterface.h"
 #include "Mossbank/Views/ApplicationChooser/ApplicationChooserWindow.h"
-#include "Mossbank/Views/ClosingNotice/ClosingNotice.h"
 #include "Mossbank/Views/PaletteAppearance.h"
 #include "Mossbank/Views/QuitQuestion/QuitQuestionWindow.h"
 #include "Mossbank/Views/Snapshot/Snapshot.h"
 #include "Mossbank/Views/Snapshot/SnapshotStage.h"
-#include "Mossbank/Views/Tray/Tray.h"
-#include "Mossbank/Views/Workspace/WorkspaceWindow.h"
 #include "Mossbank/WindowSystem.h"
 #include "MossbankCore/Library/LibraryLocation.h"
 #include "MossbankCore/Support/Failure.h"
@@ -31,7 +29,6 @@
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QThreadPool>
-#include <QTimer>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -90,14 +87,6 @@ void takeSnapshot(Snapshot& snapshot, AppModel& model, const SnapshotStage& stag
         Qt::SingleShotConnection);
 }
 
-/// The states of the window that the model holds nothing of.
-SnapshotStage stageOf(WorkspaceWindow& window)
-{
-    return {.showText = [&window] {
-        window.showText();
-    }};
-}
-
 int run(const Platform& platform, const QString& library, const CommandLine& commandLine)
 {
     const bool isDemo = commandLine.snapshot.isDemo();
@@ -123,48 +112,16 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
                     .recognizer = *platform.recognizer,
                     .preferences = *preferences},
                    openLibrary(platform, library, commandLine.snapshot));
-    WorkspaceWindow workspace({.model = model,
-                               .preferences = *preferences,
-                               .clock = clock,
-                               .calendar = Calendar::current,
-                               .installedApplications = *platform.installedApplications,
-                               .fileManager = *platform.fileManager,
-                               .desktop = *platform.desktopSettings});
-    // When everything of the window and its list has gone.
-    QObject::connect(&workspace, &WorkspaceWindow::closed, &workspace, [&workspace] {
-        constexpr auto kUntilLetGo = std::chrono::seconds(1);
-        QTimer::singleShot(kUntilLetGo, &workspace, &giveMemoryBack);
-    });
-    QObject::connect(&workspace, &WorkspaceWindow::quits, &model.quitGuard(),
-                     [&model] { model.quitGuard().quit(QuitGuard::Cause::User); });
-    model.launch().setReopenHandler([&workspace] { workspace.open(); });
     const TerminalStatus terminal(model.recorder(), clock, Calendar::current);
     const TerminationSignals signals;
     const QuitEvents quitEvents;
     followEnds(signals, quitEvents, model);
-    ClosingNotice closingNotice(*preferences, model.recorder(), *platform.trayHost);
-    QObject::connect(&workspace, &WorkspaceWindow::closedByUser, &closingNotice,
-                     &ClosingNotice::windowClosed);
-    QObject::connect(&workspace, &WorkspaceWindow::opened, &closingNotice, &ClosingNotice::dismiss);
-    // It says how to have the window back, and is not what is to come to the front then.
-    QObject::connect(platform.activation.get(), &ProgramActivation::activated, &workspace,
-                     [&workspace, &closingNotice] {
-                         if (closingNotice.isOpen())
-                             workspace.open();
-                     });
+    UserInterface userInterface(model, *preferences, clock, platform);
     followCalls(*platform.activation, model);
-    const Tray tray(model, *preferences, *platform.trayHost);
-    QObject::connect(&tray, &Tray::opens, &workspace, &WorkspaceWindow::open);
-    QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &model.launch(),
-                     [&model](Qt::ApplicationState state) {
-                         if (state == Qt::ApplicationActive)
-                             model.launch().becameActive();
-                     });
-
     QObject::connect(&model.sampleLibrary(), &SampleLibrary::measured, &model,
                      &TerminalStatus::complain);
     Snapshot snapshot(commandLine.snapshot, clock, appearance);
-    takeSnapshot(snapshot, model, stageOf(workspace));
+    takeSnapshot(snapshot, model, userInterface.stage());
 
     TerminalStatus::say(localized("Library: %1").arg(library));
     if (!isDemo)
@@ -176,7 +133,7 @@ int run(const Platform& platform, const QString& library, const CommandLine& com
     if (!isDemo)
         missing.emplace(platform, *preferences);
     if (!commandLine.isAtLogin)
-        workspace.open();
+        userInterface.open();
     return QCoreApplication::exec();
 }
 
