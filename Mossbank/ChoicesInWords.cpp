@@ -12,14 +12,6 @@ namespace mossbank {
 
 namespace {
 
-void sayHowToRecord(const Preferences& preferences)
-{
-    if (preferences.isReadable() && !preferences.recordsAtLaunch())
-        TerminalStatus::say(
-            localized("To record, set recordsAtLaunch=true in %1 and start Mossbank again.")
-                .arg(preferences.path()));
-}
-
 void sayWhatCountsAsNotChosen(const Preferences& preferences)
 {
     for (const QString& key : preferences.unusableKeys())
@@ -54,7 +46,6 @@ void sayWhatExcludesNothing(const Preferences& preferences)
 
 void sayWhatChoicesMean(const Preferences& preferences)
 {
-    sayHowToRecord(preferences);
     sayWhatCountsAsNotChosen(preferences);
     sayWhatExcludesNothing(preferences);
 }

@@ -37,7 +37,6 @@ private Q_SLOTS:
         mossbank.choose({{u"recordsAtLaunch"_s, u"false"_s}});
         QVERIFY(mossbank.start());
         QVERIFY2(mossbank.waitFor(u"Recording is off"_s), qPrintable(mossbank.terminal()));
-        QVERIFY(mossbank.terminal().contains(u"To record, set recordsAtLaunch=true in "_s));
         QTest::qWait(1500);
         QCOMPARE(mossbank.stop(SIGINT), 0);
         QVERIFY(!mossbank.terminal().contains(u"Waiting"_s));
