@@ -9,6 +9,9 @@ T.Menu {
 
     /// Of `Choice`.
     required property var choices
+    /// What had the keys before, and how it had come by them.
+    property Item lastFocus: null
+    property int lastReason: Qt.OtherFocusReason
 
     signal chosen(int number)
 
@@ -50,4 +53,12 @@ T.Menu {
         onObjectAdded: (index, object) => menu.insertItem(index, object)
         onObjectRemoved: (index, object) => menu.removeItem(object)
     }
+
+    onAboutToShow: {
+        lastFocus = parent.Window.activeFocusItem;
+        lastReason = (lastFocus as T.Control)?.focusReason ?? Qt.OtherFocusReason;
+    }
+    // A menu leaves the keys to the bare window, where nobody sees them.
+    onClosed: if (lastFocus && parent.Window.activeFocusItem === parent.Window.contentItem)
+        lastFocus.forceActiveFocus(lastReason)
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 import QtQuick
+import QtQuick.Templates as T
 import Mossbank.Views
 
 // Components within this one are made where its ids are in reach; the linter cannot know it.
@@ -10,8 +11,9 @@ Window {
     id: window
 
     readonly property bool isCovered: enlarged.item !== null || question.item !== null
-    /// What had the keys before something lay over all the rest.
+    /// What had the keys before something lay over all the rest, and how it had come by them.
     property Item lastFocus: null
+    property int lastReason: Qt.OtherFocusReason
     /// What lies over all the rest. Null where nothing does.
     readonly property QtObject sheet: (enlarged.item ?? question.item)?.card ?? null
     required property Workspace workspace
@@ -26,11 +28,13 @@ Window {
 
     function giveFocusBack() {
         if (!isCovered && lastFocus)
-            lastFocus.forceActiveFocus();
+            lastFocus.forceActiveFocus(lastReason);
     }
 
-    onActiveFocusItemChanged: if (!isCovered && activeFocusItem)
-        lastFocus = activeFocusItem
+    onActiveFocusItemChanged: if (!isCovered && activeFocusItem) {
+        lastFocus = activeFocusItem;
+        lastReason = (activeFocusItem as T.Control)?.focusReason ?? Qt.OtherFocusReason;
+    }
     // When what was covered can have it again.
     onIsCoveredChanged: if (!isCovered)
         givingBack.start()
@@ -96,7 +100,7 @@ Window {
             workspace: window.workspace
         }
 
-        onLoaded: (item as Item).forceActiveFocus()
+        onLoaded: (item as Item).forceActiveFocus(window.lastReason)
     }
     Loader {
         id: question
@@ -108,6 +112,6 @@ Window {
             workspace: window.workspace
         }
 
-        onLoaded: (item as Item).forceActiveFocus()
+        onLoaded: (item as Item).forceActiveFocus(window.lastReason)
     }
 }
