@@ -156,6 +156,9 @@ QStringView Characters::prefix(QStringView text, qsizetype characters)
     // A character has at least one unit.
     if (text.size() <= characters)
         return text;
+    // One more, since that could belong to the last of them.
+    if (characters >= 0 && isOneUnitEach(text.first(characters + 1)))
+        return text.first(characters);
     CharacterWalk walk(text);
     qsizetype end = 0;
     for (qsizetype taken = 0; taken < characters; ++taken) {
@@ -185,9 +188,16 @@ bool isLetterOrNumber(UChar32 codePoint)
     return (U_GET_GC_MASK(codePoint) & (U_GC_L_MASK | U_GC_N_MASK)) != 0;
 }
 
-bool isPlainLetter(UChar32 codePoint)
+/// Of ASCII, which nearly all of a screen is and which needs no table.
+bool isPlain(UChar32 codePoint)
 {
-    return (codePoint >= 'a' && codePoint <= 'z') || (codePoint >= 'A' && codePoint <= 'Z');
+    return codePoint >= 0 && codePoint < 0x80;
+}
+
+bool isPlainLetterOrDigit(UChar32 codePoint)
+{
+    return (codePoint >= 'a' && codePoint <= 'z') || (codePoint >= 'A' && codePoint <= 'Z') ||
+           (codePoint >= '0' && codePoint <= '9');
 }
 
 /// What belongs to the character before it: accents, and what joins two letters or parts them.
@@ -220,9 +230,9 @@ std::vector<QStringView> Characters::words(QStringView text)
         qsizetype next = end;
         UChar32 codePoint = 0;
         U16_NEXT(units(text), next, text.size(), codePoint);
-        if (isPlainLetter(codePoint)) {
+        if (isPlainLetterOrDigit(codePoint)) {
             isWord = true;
-        } else if (!isAlphanumeric(static_cast<char32_t>(codePoint))) {
+        } else if (isPlain(codePoint) || !isAlphanumeric(static_cast<char32_t>(codePoint))) {
             finish();
             start = next;
         } else if (!isMark(codePoint)) {

@@ -142,6 +142,7 @@ void CharactersTest::textIsCutBetweenCharacters_data()
     QTest::newRow("one") << u"abc"_s << 1 << u"a"_s << u"ab"_s;
     QTest::newRow("all") << u"abc"_s << 3 << u"abc"_s << QString();
     QTest::newRow("more than all") << u"abc"_s << 9 << u"abc"_s << QString();
+    QTest::newRow("a mark behind the last") << u"abe\u0301x"_s << 3 << u"abe\u0301"_s << u"a"_s;
     QTest::newRow("marks") << u"e\u0301xo\u0302"_s << 1 << u"e\u0301"_s << u"e\u0301x"_s;
     QTest::newRow("family") << kFamily + u"x"_s + kFamily << 1 << kFamily << kFamily + u"x"_s;
     QTest::newRow("flags") << kTurkishFlag + kTurkishFlag + kTurkishFlag << 2
