@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MossbankCore/Browsing/DaySessions.h"
 
+#include "MossbankCore/Browsing/Vocabulary.h"
 #include "MossbankCore/Meaning/Stopwords.h"
 #include "MossbankCore/Support/Characters.h"
 
@@ -34,8 +35,8 @@ struct Run {
 struct Words {
     struct Count {
         /// Its number in the lexicon.
-        std::size_t word = 0;
-        qsizetype times = 0;
+        quint32 word = 0;
+        quint32 times = 0;
         /// Whether it was ever found with a capital.
         bool isCapital = false;
     };
@@ -43,46 +44,60 @@ struct Words {
 };
 
 /// The words of a day, each in lower case under a number: what is written in the same way is taken
-/// apart once, and is compared no more from then on. The texts outlive it.
+/// apart once, and is compared no more from then on.
 class Lexicon {
 public:
     Words wordsOf(const Run& run);
-    const QString& word(std::size_t number) const { return m_words[number]; }
+    QStringView word(std::size_t number) const { return m_words.word(number); }
     std::size_t size() const { return m_words.size(); }
 
 private:
+    /// What is written in one way.
     struct Written {
         /// Absent: it can be no keyword.
-        std::optional<std::size_t> word;
+        std::optional<quint32> word;
         bool isCapital = false;
+        /// How often the run that is being counted has it.
+        quint32 times = 0;
     };
 
-    Written written(QStringView piece);
     Written read(QStringView piece);
-    void count(const Memory& memory, Words& words);
+    void count(const Memory& memory);
 
-    QHash<QStringView, Written> m_written;
-    QHash<QString, std::size_t> m_numbers;
-    std::vector<QString> m_words;
-    /// For each word its place among those of the run that is being counted, plus one; 0 for none.
-    std::vector<std::size_t> m_places;
+    Vocabulary m_pieces;
+    std::vector<Written> m_written;
+    /// Those that the run has.
+    std::vector<quint32> m_found;
+    Vocabulary m_words;
+    /// For each word its place among those of the run, plus one; 0 for none.
+    std::vector<quint32> m_places;
 };
 
-/// How many runs mention a word, by its number.
-using Spread = std::vector<qsizetype>;
+/// How rare a word is among the runs, by its number.
+using Rarity = std::vector<double>;
 
-std::vector<Run> runsOf(QList<Memory> memories, double gap, double longest)
+/// The screenshots, oldest first. The list outlives them.
+std::vector<const Memory*> oldestFirst(const QList<Memory>& memories)
 {
-    std::ranges::stable_sort(memories, {}, &Memory::timestamp);
+    std::vector<const Memory*> sorted;
+    sorted.reserve(static_cast<std::size_t>(memories.size()));
+    for (const Memory& memory : memories)
+        sorted.push_back(&memory);
+    std::ranges::stable_sort(sorted, {}, &Memory::timestamp);
+    return sorted;
+}
+
+std::vector<Run> runsOf(const QList<Memory>& memories, double gap, double longest)
+{
     std::vector<Run> runs(1);
-    for (Memory& memory : memories) {
+    for (const Memory* const memory : oldestFirst(memories)) {
         if (const QList<Memory>& last = runs.back().memories; !last.isEmpty()) {
-            const double since = memory.timestamp - last.last().timestamp;
-            const double span = memory.timestamp - last.first().timestamp;
+            const double since = memory->timestamp - last.last().timestamp;
+            const double span = memory->timestamp - last.first().timestamp;
             if (since > gap || span > longest)
                 runs.push_back({{}, since <= gap});
         }
-        runs.back().memories.append(std::move(memory));
+        runs.back().memories.append(*memory);
     }
     return runs;
 }
@@ -101,61 +116,68 @@ bool canBeKeyword(const QString& word)
            !Stopwords::common().contains(word) && !isNumeric(word);
 }
 
-Lexicon::Written Lexicon::written(QStringView piece)
-{
-    const auto known = m_written.constFind(piece);
-    return known != m_written.cend() ? *known : *m_written.insert(piece, read(piece));
-}
-
 Lexicon::Written Lexicon::read(QStringView piece)
 {
     const QString word = Characters::lowercased(piece);
     if (!canBeKeyword(word))
         return {};
-    auto number = m_numbers.constFind(word);
-    if (number == m_numbers.constEnd()) {
-        number = m_numbers.insert(word, m_words.size());
-        m_words.push_back(word);
-        m_places.push_back(0);
-    }
-    return {*number, Characters::beginsUpperCase(piece)};
+    const quint32 number = m_words.numberOf(word);
+    m_places.resize(m_words.size());
+    return {.word = number, .isCapital = Characters::beginsUpperCase(piece)};
 }
 
-void Lexicon::count(const Memory& memory, Words& words)
+void Lexicon::count(const Memory& memory)
 {
-    for (const QStringView piece : Characters::words(Characters::prefix(memory.text, kPrefix))) {
-        const Written found = written(piece);
-        if (!found.word)
-            continue;
-        std::size_t& place = m_places[*found.word];
-        if (place == 0) {
-            words.counts.push_back({.word = *found.word});
-            place = words.counts.size();
-        }
-        Words::Count& counted = words.counts[place - 1];
-        ++counted.times;
-        counted.isCapital |= found.isCapital;
+    const auto pieces = Characters::words(Characters::prefix(memory.text, kPrefix));
+    const std::vector<quint32>& numbers = m_pieces.numbersOf(pieces);
+    for (std::size_t at = 0; at < pieces.size(); ++at) {
+        const quint32 number = numbers[at];
+        if (number == m_written.size())
+            m_written.push_back(read(pieces[at]));
+        if (m_written[number].times++ == 0)
+            m_found.push_back(number);
     }
 }
 
 Words Lexicon::wordsOf(const Run& run)
 {
-    Words words;
     for (const Memory& memory : DaySessions::sample(run.memories, DaySessions::kSampled))
-        count(memory, words);
+        count(memory);
+    Words words;
+    words.counts.reserve(m_found.size());
+    for (const quint32 number : m_found) {
+        Written& written = m_written[number];
+        const quint32 times = std::exchange(written.times, 0);
+        if (!written.word)
+            continue;
+        quint32& place = m_places[*written.word];
+        if (place == 0) {
+            words.counts.push_back({.word = *written.word});
+            place = static_cast<quint32>(words.counts.size());
+        }
+        Words::Count& counted = words.counts[place - 1];
+        counted.times += times;
+        counted.isCapital |= written.isCapital;
+    }
+    m_found.clear();
     for (const Words::Count& counted : words.counts)
         m_places[counted.word] = 0;
     return words;
 }
 
-Spread spreadOf(const std::vector<Words>& ofRuns, std::size_t words)
+Rarity rarityOf(const std::vector<Words>& ofRuns, std::size_t words)
 {
-    Spread spread(words);
+    std::vector<qsizetype> mentions(words);
     for (const Words& run : ofRuns) {
         for (const Words::Count& count : run.counts)
-            ++spread[count.word];
+            ++mentions[count.word];
     }
-    return spread;
+    const auto runs = static_cast<double>(ofRuns.size());
+    Rarity rarity;
+    rarity.reserve(words);
+    for (const qsizetype runsWithIt : mentions)
+        rarity.push_back(std::log((runs + 1) / static_cast<double>(runsWithIt)));
+    return rarity;
 }
 
 QList<SessionApp> applications(const QList<Memory>& memories)
@@ -187,17 +209,15 @@ QSet<QString> namesOf(const QList<SessionApp>& apps)
 }
 
 /// Frequent here and rare on the rest of the day.
-QStringList distinctive(const Words& words, const Lexicon& lexicon, const Spread& spread,
-                        qsizetype sessions, qsizetype wanted, const QList<SessionApp>& apps)
+QStringList distinctive(const Words& words, const Lexicon& lexicon, const Rarity& rarity,
+                        qsizetype wanted, const QList<SessionApp>& apps)
 {
     const QSet<QString> barred = namesOf(apps);
     std::vector<std::pair<double, std::size_t>> scored;
     scored.reserve(words.counts.size());
     for (const Words::Count& count : words.counts) {
-        const auto mentions = static_cast<double>(spread[count.word]);
         const double weight = count.isCapital ? kCapitalWeight : 1.0;
-        const double score = std::log((static_cast<double>(sessions) + 1) / mentions) *
-                             static_cast<double>(count.times) * weight;
+        const double score = rarity[count.word] * static_cast<double>(count.times) * weight;
         if (score > 0)
             scored.emplace_back(-score, count.word);
     }
@@ -211,7 +231,7 @@ QStringList distinctive(const Words& words, const Lexicon& lexicon, const Spread
         });
     QStringList best;
     for (qsizetype at = 0; at < taken && best.size() < wanted; ++at) {
-        const QString& word = lexicon.word(scored[static_cast<std::size_t>(at)].second);
+        const QString word = lexicon.word(scored[static_cast<std::size_t>(at)].second).toString();
         if (!barred.contains(word))
             best.append(word);
     }
@@ -230,8 +250,7 @@ QList<Session> DaySessions::sessions(const QList<Memory>& memories, double gap, 
     std::vector<Words> words;
     for (const Run& run : runs)
         words.push_back(lexicon.wordsOf(run));
-    const Spread spread = spreadOf(words, lexicon.size());
-    const auto count = static_cast<qsizetype>(runs.size());
+    const Rarity rarity = rarityOf(words, lexicon.size());
     QList<Session> sessions;
     for (std::size_t at = 0; at < runs.size(); ++at) {
         Run& run = runs[at];
@@ -241,7 +260,7 @@ QList<Session> DaySessions::sessions(const QList<Memory>& memories, double gap, 
                          .end = run.memories.last().timestamp,
                          .apps = apps,
                          .titles = headlines(run.memories, keywords),
-                         .keywords = distinctive(words[at], lexicon, spread, count, keywords, apps),
+                         .keywords = distinctive(words[at], lexicon, rarity, keywords, apps),
                          .continues = run.continues,
                          .memories = std::move(run.memories)});
     }
@@ -268,10 +287,16 @@ QStringList DaySessions::headlines(const QList<Memory>& memories, qsizetype want
         if (!memory.title.isEmpty())
             ++counts[memory.title];
     }
-    QStringList titles = counts.keys();
-    std::ranges::sort(titles, {},
-                      [&](const QString& title) { return std::pair(-counts.value(title), title); });
-    return titles.first(std::clamp<qsizetype>(wanted, 0, titles.size()));
+    std::vector<std::pair<qsizetype, QString>> sorted;
+    sorted.reserve(static_cast<std::size_t>(counts.size()));
+    for (auto title = counts.constBegin(); title != counts.constEnd(); ++title)
+        sorted.emplace_back(-title.value(), title.key());
+    const auto taken = std::clamp<qsizetype>(wanted, 0, counts.size());
+    std::ranges::partial_sort(sorted, sorted.begin() + taken);
+    QStringList titles;
+    for (auto title = sorted.begin(); title != sorted.begin() + taken; ++title)
+        titles.append(std::move(title->second));
+    return titles;
 }
 
 } // namespace mossbank
