@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench/BenchSessions.h"
 
+#include "Mossbank/Model/Grouping.h"
 #include "MossbankCore/Browsing/DaySessions.h"
 #include "MossbankCore/Support/Failure.h"
 #include "bench/BenchBounds.h"
@@ -20,10 +21,6 @@ namespace {
 constexpr int kRounds = 15;
 constexpr int kRows = 20'000;
 constexpr int kFewerRows = 5'000;
-
-constexpr double kGap = 600;
-constexpr double kLongest = 3600;
-constexpr qsizetype kKeywords = 4;
 
 /// Screenshots of 2 KB, each with words of its own, newest first. `moment`: when one of that number
 /// was taken, in seconds since the first.
@@ -55,8 +52,9 @@ QList<Memory> historyWithPauses(int rows)
 {
     constexpr int kRowsAStretch = 60;
     constexpr double kApart = 30;
-    return screenshots(
-        rows, [](int number) { return number * kApart + number / kRowsAStretch * 2 * kGap; });
+    return screenshots(rows, [](int number) {
+        return number * kApart + number / kRowsAStretch * 2 * Grouping::kGap;
+    });
 }
 
 /// Nobody looks at the sum; without it, nothing would be read.
@@ -75,12 +73,13 @@ void readAll(const QList<Memory>& memories)
 /// How many stretches there are. Throws a Failure where one is not whole.
 qsizetype grouped(const QList<Memory>& memories)
 {
-    const QList<Session> sessions = DaySessions::sessions(memories, kGap, kLongest, kKeywords);
+    const QList<Session> sessions =
+        DaySessions::sessions(memories, Grouping::kGap, Grouping::kLongest, Grouping::kKeywords);
     qsizetype rows = 0;
     for (const Session& session : sessions) {
         rows += session.count();
-        if (session.keywords.size() != kKeywords || session.titles.size() != kKeywords ||
-            session.apps.isEmpty())
+        if (session.keywords.size() != Grouping::kKeywords ||
+            session.titles.size() != Grouping::kKeywords || session.apps.isEmpty())
             throw Failure(u"A stretch of work is not named."_s);
     }
     if (rows != memories.size())

@@ -16,16 +16,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Seconds: who saw nothing new for so long was away.
-constexpr double kGap = 600;
-/// Seconds: more than this is not one thing.
-constexpr double kLongest = 3600;
-constexpr qsizetype kKeywords = 4;
-
 QList<Session> sessionsOf(QList<Memory> newestFirst)
 {
     std::ranges::reverse(newestFirst);
-    return DaySessions::sessions(newestFirst, kGap, kLongest, kKeywords);
+    return DaySessions::sessions(newestFirst, Grouping::kGap, Grouping::kLongest,
+                                 Grouping::kKeywords);
 }
 
 } // namespace

@@ -22,6 +22,13 @@ class Grouping : public QObject {
     Q_OBJECT
 
 public:
+    /// Seconds: who saw nothing new for so long was away.
+    static constexpr double kGap = 600;
+    /// Seconds: more than this is not one thing.
+    static constexpr double kLongest = 3600;
+    /// How many words and titles a stretch is named by at most.
+    static constexpr qsizetype kKeywords = 4;
+
     /// The listing outlives it.
     explicit Grouping(const Listing& listing, QObject* parent = nullptr);
 
