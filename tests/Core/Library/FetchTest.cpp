@@ -35,7 +35,7 @@ private Q_SLOTS:
     void aTextTakesNoMoreRoomThanItNeeds();
     void aDayLeavesItsEndOut();
     void aDayIsSearchedWhereverItsRowsLie();
-    void anEmptyDayIsNotSearched();
+    void aDaySearchesItsOwnRowsAlone();
     void aDayOfTheClockChangeIsFetchedWhole();
     void aDayBeyondTheCalendarDoesNotNarrow();
     void applicationsAreComparedToTheLetter();
@@ -203,7 +203,7 @@ void FetchTest::aDayIsSearchedWhereverItsRowsLie()
     QCOMPARE(found({.query = u"moss"_s, .day = Date{qQNaN()}, .limit = 9}).size(), 5);
 }
 
-void FetchTest::anEmptyDayIsNotSearched()
+void FetchTest::aDaySearchesItsOwnRowsAlone()
 {
     m_store.reset();
     SqlWatch watch;
@@ -211,9 +211,15 @@ void FetchTest::anEmptyDayIsNotSearched()
         HistoryStore::Writing{.root = m_folder->root(), .calendar = berlin});
     save(u"A"_s, 1, u"moss"_s);
     watch.take();
-    QCOMPARE(found({.query = u"moss"_s, .day = berlin().startOfDay(2024, 5, 17), .limit = 9}),
-             QStringList{});
+    const Date day = *berlin().startOfDay(2024, 5, 17);
+    QCOMPARE(found({.query = u"moss"_s, .day = day, .limit = 9}), QStringList{});
     QVERIFY(!watch.take().join(u'\n').contains(u"MATCH"_s));
+    save(u"B"_s, day.secondsSince1970, u"moss"_s);
+    save(u"C"_s, day.secondsSince1970 + 1, u"moss"_s);
+    save(u"D"_s, day.secondsSince1970 + 86'400, u"moss"_s);
+    watch.take();
+    QCOMPARE(found({.query = u"moss"_s, .day = day, .limit = 9}), (QStringList{u"C"_s, u"B"_s}));
+    QVERIFY(watch.take().join(u'\n').contains(u"MATCH ? AND rowid BETWEEN 2 AND 3)"_s));
 }
 
 void FetchTest::aDayLeavesItsEndOut()
