@@ -6,8 +6,7 @@
 // What the test does to the library past the store is followed by a refresh, as what the recorder
 // does is. So the newest question is always about the library as it is.
 #include "tests/Core/RandomRounds.h"
-#include "tests/Model/ListingRig.h"
-#include "tests/Model/PlainListing.h"
+#include "tests/Model/ListingSight.h"
 
 #include <QRandomGenerator>
 #include <QScopedValueRollback>
@@ -20,13 +19,11 @@ namespace {
 constexpr int kSequencesALibrary = 100;
 constexpr int kSteps = 8;
 
-const QString kBroken = u"no such table: memories"_s;
-const QString kNotDeleted = u"Could not delete the screenshot: "_s + kBroken;
 const QString kBrowser = u"Browser"_s;
 
 } // namespace
 
-class ListingRandomTest : public QObject, ListingRig {
+class ListingRandomTest : public QObject, ListingSight {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -58,35 +55,16 @@ private Q_SLOTS:
     }
 
 private:
-    /// A screenshot whose removal was asked for and has not come to its end, as far as is known.
-    struct Deletion {
-        QString id;
-        std::optional<QString> next;
-        bool fails = false;
-    };
-
-    // What happens
-
     void fillLibrary()
     {
         begin();
-        m_library = {};
-        m_plain = {};
-        m_plain.filters.day = kToday;
-        m_deletions.clear();
-        m_error.reset();
-        m_trouble.clear();
-        m_isBroken = m_hasPublished = false;
-        m_added = m_published = 0;
+        forget();
+        m_added = 0;
         // More than two pages, before yesterday.
         addRows(u"old"_s, kToday - 12 * kDay, 3050, kBrowser, u"heron"_s, 300);
         addRows(u"yesterday"_s, kToday - kDay, 20, kEditor, u"heron egret"_s, 600);
         addRows(u"today"_s, kToday, 20, kBrowser, u"egret"_s, 600);
-        connect(&listing(), &Listing::memoriesChanged, this, &ListingRandomTest::seeList);
-        connect(&listing(), &Listing::isLoadingChanged, this, &ListingRandomTest::seeLoading);
-        connect(&listing(), &Listing::selectedIDChanged, this, &ListingRandomTest::seeSelection);
-        connect(m_rig->recorder.get(), &Recorder::errorMessageChanged, this,
-                &ListingRandomTest::seeError);
+        watch();
         open();
         calm();
     }
@@ -266,122 +244,6 @@ private:
         checkWhatIsOnShow();
     }
 
-    // What is seen
-
-    void tell(const QString& trouble)
-    {
-        if (m_trouble.isEmpty())
-            m_trouble = trouble + u", after "_s + m_log.join(u", "_s);
-    }
-
-    /// A library that does not answer is heard of what it removed before.
-    void seeRowsDropped()
-    {
-        PlainListing expected = m_plain;
-        for (const Deletion& deletion : std::as_const(m_deletions)) {
-            if (!deletion.fails && expected.drop(deletion.id) &&
-                expected.difference(idsOnShow(), listing().extent(), listing().selectedID())
-                    .isEmpty()) {
-                m_plain = expected;
-                return;
-            }
-        }
-        tell(u"a library that does not answer has been heard"_s);
-    }
-
-    void seeList()
-    {
-        if (m_isBroken) {
-            seeRowsDropped();
-            return;
-        }
-        m_hasPublished = true;
-        ++m_published;
-        // Of the deletions under way, any number from the first may be done.
-        PlainLibrary library = m_library;
-        QString difference;
-        for (qsizetype done = 0; done <= m_deletions.size(); ++done) {
-            PlainListing expected = m_plain;
-            expected.publish(library);
-            const QString trouble =
-                expected.difference(idsOnShow(), listing().extent(), listing().selectedID());
-            if (trouble.isEmpty()) {
-                m_plain = expected;
-                return;
-            }
-            difference = difference.isEmpty() ? trouble : difference;
-            if (done < m_deletions.size() && !m_deletions.at(done).fails)
-                library.remove(m_deletions.at(done).id);
-        }
-        tell(difference);
-    }
-
-    void seeLoading()
-    {
-        if (listing().isLoading()) {
-            m_hasPublished = false;
-        } else if (!m_hasPublished) {
-            m_plain.fail();
-            if (!m_isBroken || error() != kBroken)
-                tell(u"it ended without a list, and with \"%1\""_s.arg(error()));
-        }
-    }
-
-    void seeSelection()
-    {
-        const auto isNext = [this](const Deletion& deletion) {
-            return deletion.next && deletion.next == listing().selectedID();
-        };
-        if (!m_isActing && std::ranges::any_of(m_deletions, isNext))
-            m_plain.selected = listing().selectedID();
-    }
-    void checkSelection()
-    {
-        if (listing().selectedID() != m_plain.selected)
-            tell(u"%1 is selected, and %2 was"_s.arg(selected(),
-                                                     m_plain.selected.value_or(u"none"_s)));
-    }
-
-    void forgetError()
-    {
-        m_error.reset();
-        m_toldOf.clear();
-        m_rig->recorder->setErrorMessage(std::nullopt);
-    }
-    void seeError()
-    {
-        const auto& message = m_rig->recorder->errorMessage();
-        const bool isMeant =
-            message == m_error || (message == kBroken && m_isBroken) ||
-            (message == kNotDeleted && std::ranges::any_of(m_deletions, &Deletion::fails));
-        if (!isMeant)
-            tell(u"it says \"%1\""_s.arg(error()));
-        m_error = message;
-        m_toldOf.append(error());
-    }
-
-    /// The list with nothing on its way.
-    void checkWhatIsOnShow()
-    {
-        checkSelection();
-        if (m_rig->recorder->errorMessage() != m_error)
-            tell(u"it says \"%1\""_s.arg(error()));
-        if (idsOnShow() != m_plain.shown())
-            tell(u"the list has changed by itself"_s);
-        if (m_isBroken)
-            return;
-        const QStringList all = m_library.matching(m_plain.filters);
-        if (m_plain.listed() != m_plain.filters ||
-            m_plain.shown() != all.first(std::min(all.size(), m_plain.shown().size())))
-            tell(u"the list is not of the library as it is"_s);
-        const bool countsDays = !m_plain.filters.query.isEmpty() || m_plain.filters.app;
-        if (listing().dayMatches() !=
-            (countsDays ? std::optional(m_library.days(m_plain.filters)) : std::nullopt))
-            tell(u"what matches on which day is told wrongly"_s);
-        if (listing().stats().count != m_library.count())
-            tell(u"%1 are counted of %2"_s.arg(listing().stats().count).arg(m_library.count()));
-    }
-
     void addRows(const QString& prefix, Date start, int count, const QString& app,
                  const QString& text, double apart)
     {
@@ -391,21 +253,7 @@ private:
     }
 
     QRandomGenerator m_random;
-    PlainLibrary m_library;
-    PlainListing m_plain;
-    QList<Deletion> m_deletions;
-    /// What the user was told last.
-    std::optional<QString> m_error;
-    QStringList m_toldOf;
-    QString m_trouble;
-    QStringList m_log;
     int m_added = 0;
-    int m_published = 0;
-    bool m_isBroken = false;
-    /// Whether a list came since it was last begun to load one.
-    bool m_hasPublished = false;
-    /// The test itself is choosing a screenshot.
-    bool m_isActing = false;
 };
 
 QTEST_GUILESS_MAIN(ListingRandomTest)
