@@ -30,6 +30,9 @@ BusCall idCall()
 class BusLinkTest final : public QObject {
     Q_OBJECT
 
+public Q_SLOTS:
+    void hear(const QDBusMessage&) {}
+
 private Q_SLOTS:
     void init();
     void cleanup();
@@ -37,19 +40,27 @@ private Q_SLOTS:
     void aBusThatHasStoppedIsSilent();
     void whatIsAskedOfAClosedLinkIsAnError();
     void anAnswerThatIsThereWhenTheLinkGoesIsForNobody();
+    void aLinkThatGoesWhileItOpensIsOpenForNobody();
+    void aLinkThatGoesWhileItListensIsHeardByNobody();
 
 private:
     QCoro::Task<> ask(int limit);
+    QCoro::Task<> openAnew();
+    QCoro::Task<> listen();
+    /// Lets the link go once the bus has answered, with no event dealt with meanwhile.
+    void loseLink();
 
     std::unique_ptr<TestBus> m_bus;
     std::unique_ptr<BusLink> m_link;
     std::optional<QDBusMessage> m_answer;
+    std::optional<bool> m_isDone;
     bool m_isTakenDown = false;
 };
 
 void BusLinkTest::init()
 {
     m_answer.reset();
+    m_isDone.reset();
     m_isTakenDown = false;
     m_bus = std::make_unique<TestBus>(TestBus::Kind::Session);
     QVERIFY2(m_bus->problem().isEmpty(), qPrintable(m_bus->problem()));
@@ -99,15 +110,48 @@ void BusLinkTest::whatIsAskedOfAClosedLinkIsAnError()
     QVERIFY(!isSilence(*m_answer));
 }
 
-void BusLinkTest::anAnswerThatIsThereWhenTheLinkGoesIsForNobody()
+QCoro::Task<> BusLinkTest::openAnew()
 {
-    ask(kLimit);
-    // No event is dealt with meanwhile: the answer is there, and has not been looked at.
+    const auto guard = qScopeGuard([this] { m_isTakenDown = true; });
+    m_isDone = co_await m_link->open(m_bus->address(), kLimit);
+}
+
+QCoro::Task<> BusLinkTest::listen()
+{
+    const auto guard = qScopeGuard([this] { m_isTakenDown = true; });
+    BusSignals wanted;
+    wanted.interface = u"org.example.Moss"_s;
+    wanted.member = u"Grown"_s;
+    m_isDone = co_await m_link->listen(wanted, this, SLOT(hear(QDBusMessage)), kLimit);
+}
+
+void BusLinkTest::loseLink()
+{
     QThread::sleep(1);
     QVERIFY(!m_isTakenDown);
     m_link.reset();
     QTRY_VERIFY_WITH_TIMEOUT(m_isTakenDown, kLimit);
+}
+
+void BusLinkTest::anAnswerThatIsThereWhenTheLinkGoesIsForNobody()
+{
+    ask(kLimit);
+    loseLink();
     QVERIFY2(!m_answer, "nothing is gone on with");
+}
+
+void BusLinkTest::aLinkThatGoesWhileItOpensIsOpenForNobody()
+{
+    openAnew();
+    loseLink();
+    QVERIFY2(!m_isDone, "nothing is gone on with");
+}
+
+void BusLinkTest::aLinkThatGoesWhileItListensIsHeardByNobody()
+{
+    listen();
+    loseLink();
+    QVERIFY2(!m_isDone, "nothing is gone on with");
 }
 
 QTEST_GUILESS_MAIN(BusLinkTest)
