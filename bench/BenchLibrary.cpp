@@ -120,16 +120,31 @@ void measureSearches(HistoryStore& store, const QString& database,
     };
     print("a day of 2,880, against the bare query", sideBySide(kRounds, day, dayPlainly));
 
-    const auto counts = [&](int) {
-        (void)store.dayCounts({.query = common}).result();
+    const auto counts = [&](const QString& typed) {
+        return [&store, typed](int) {
+            (void)store.dayCounts({.query = typed}).result();
+        };
     };
-    const auto countsPlainly = [&](int) {
-        bare.read(u"SELECT timestamp FROM memories WHERE rowid IN (SELECT rowid FROM "
-                  "memory_search WHERE memory_search MATCH ?) ORDER BY timestamp"_s,
-                  {u"\"%1\"*"_s.arg(common)});
+    const auto countsPlainly = [&](const QString& typed) {
+        return [&bare, typed](int) {
+            bare.read(u"SELECT timestamp FROM memories WHERE rowid IN (SELECT rowid FROM "
+                      "memory_search WHERE memory_search MATCH ?) ORDER BY timestamp"_s,
+                      {u"\"%1\"*"_s.arg(typed)});
+        };
     };
     print("dayCounts of a word on most, against the query without the hint",
-          sideBySide(kFew, counts, countsPlainly));
+          sideBySide(kFew, counts(common), countsPlainly(common)));
+    // What has been typed of a longer word, in the pause after its third letter.
+    constexpr qsizetype kLetters = 8;
+    constexpr qsizetype kTyped = 3;
+    const QString most = screenshots.wordOn(kOnMost, kLetters).first(kTyped);
+    const QString few = screenshots.wordOn(kOnFew, kLetters).first(kTyped);
+    print(
+        "dayCounts of three letters that begin a word on most, against the query without the hint",
+        sideBySide(kFew, counts(most), countsPlainly(most)));
+    print(
+        "dayCounts of three letters that begin a word on 0.1 %, against the query without the hint",
+        sideBySide(kFew, counts(few), countsPlainly(few)));
 
     constexpr std::array kParts = {0.001, 0.01, 0.1, 0.5};
     QStringList question;
