@@ -13,9 +13,10 @@ std::optional<qsizetype> SelectionCursor::move(std::optional<qsizetype> from, qs
     if (!from || *from >= count)
         return 0;
     const qsizetype last = count - 1;
+    if (*from < 0)
+        return std::clamp<qsizetype>(*from + std::max<qsizetype>(by, 0), 0, last);
     // Bounded first: whoever says "to the end" may say it with the largest number there is.
-    const qsizetype start = std::max<qsizetype>(*from, 0);
-    return start + std::clamp(by, -start, last - start);
+    return *from + std::clamp(by, -*from, last - *from);
 }
 
 } // namespace mossbank

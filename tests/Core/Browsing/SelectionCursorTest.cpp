@@ -38,7 +38,10 @@ private Q_SLOTS:
         row("before the beginning", 0, -1, 3, 0);
         row("far before it", 1, std::numeric_limits<qsizetype>::min(), 3, 0);
         row("nowhere", 1, 0, 3, 1);
-        row("from below", -4, 1, 3, 1);
+        row("from below, not as far as the list", -4, 1, 3, 0);
+        row("from below, into the list", -4, 5, 3, 1);
+        row("from below, past the end", -1, kFarthest, 3, 2);
+        row("from below and back", std::numeric_limits<qsizetype>::min(), -1, 3, 0);
         row("an empty list", 0, 1, 0, std::nullopt);
         row("none in an empty list", std::nullopt, 1, 0, std::nullopt);
         row("less than empty", 0, 1, -1, std::nullopt);
