@@ -12,7 +12,7 @@ namespace mossbank {
 /// The different words of many texts, letter by letter, each under a number: 0 for the first that
 /// came, and so on.
 ///
-/// It is for a million words of which tens of thousands are different. Then most of the time goes
+/// It is for a million words of which tens of thousands are different. Then much of the time goes
 /// by waiting for memory that is in none of the processor's caches, so a word takes little of it,
 /// in few places, and those of a whole text are asked for ahead.
 ///
