@@ -156,7 +156,7 @@ public:
         constexpr auto kUntilDrawn = std::chrono::seconds(3);
         std::this_thread::sleep_for(kUntilDrawn);
         if (m_process.waitForFinished(0) || m_process.state() != QProcess::Running)
-            throw Failure(u"xterm does not run."_s);
+            throw Failure(u"xterm does not run. It takes a display."_s);
     }
     ~RestlessTerminal()
     {
