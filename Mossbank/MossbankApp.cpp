@@ -198,16 +198,20 @@ int runToEnd(const Platform& platform, const QString& library, const CommandLine
 }
 
 /// Nothing of the user's is opened, and nobody is called: one that records runs beside it.
-int startSample(const CommandLine& commandLine)
+int startSample(const Availability& windows, const CommandLine& commandLine)
 {
+    if (!windows.isAvailable) {
+        TerminalStatus::complain(windows.reason);
+        return kFailed;
+    }
     const SampleFolder library;
     return runToEnd(makeSamplePlatform(), library.path(), commandLine);
 }
 
 int start(const Availability& windows, const CommandLine& commandLine)
 {
-    if (commandLine.snapshot.isDemo() && windows.isAvailable)
-        return startSample(commandLine);
+    if (commandLine.snapshot.isDemo())
+        return startSample(windows, commandLine);
     const QString library = LibraryLocation::library();
     const auto instance = takeLibrary(library, commandLine.isRelaunched);
     if (!instance->problem().isEmpty()) {

@@ -240,6 +240,7 @@ private Q_SLOTS:
         QCOMPARE(mossbank.waitForEnd(), 1);
         QCOMPARE(mossbank.terminal(), u"There is no X display: DISPLAY is not set.\n"_s);
         QVERIFY(mossbank.leftInTemporary().isEmpty());
+        QVERIFY(!QFileInfo::exists(mossbank.library()));
     }
 
     void theFirstRunFindsNothing()
