@@ -46,6 +46,7 @@ std::unique_ptr<QQuickWindow> makeQuickWindow(QQmlEngine& engine, const QString&
 void bringToFront(QQuickWindow& window)
 {
     window.show();
+    window.setWindowStates(window.windowStates() & ~Qt::WindowMinimized);
     window.raise();
     window.requestActivate();
 }

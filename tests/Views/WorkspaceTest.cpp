@@ -5,6 +5,7 @@
 #include "Mossbank/Views/Workspace/Choice.h"
 #include "tests/Views/WorkspaceRig.h"
 
+#include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -179,14 +180,17 @@ private Q_SLOTS:
         QVERIFY(!m_workspace->calendar()->hasNext());
         QSignalSpy headings(m_workspace.get(), &Workspace::headingChanged);
         QSignalSpy days(&sidebar(), &Sidebar::dayChanged);
+        QSignalSpy counts(&sidebar(), &Sidebar::statsChanged);
         QSignalSpy months(m_workspace->calendar(), &CalendarMonth::dataChanged);
         QSignalSpy pictures(m_workspace->viewer(), &Viewer::changed);
         m_rig->clock().advance(WorkspaceRig::kToday + WorkspaceRig::kDay - 1 -
                                m_rig->clock().now());
         m_rig->settle();
         QCOMPARE(headings.size(), 0);
+        QCOMPARE(counts.size(), 0);
         m_rig->clock().advance(30);
         m_rig->settle();
+        QVERIFY(!counts.isEmpty());
         QVERIFY(!headings.isEmpty() && !days.isEmpty() && !months.isEmpty() && !pictures.isEmpty());
         QCOMPARE(m_workspace->heading(), u"November 14"_s);
         QVERIFY(!sidebar().isToday() && !m_workspace->isToday());
@@ -236,6 +240,7 @@ private Q_SLOTS:
         m_rig->add(u"b"_s, WorkspaceRig::kToday + 61, u"Atlas"_s);
         open();
         ApplicationFilters& apps = *m_workspace->applications();
+        QAbstractItemModelTester tester(&apps);
         QCOMPARE(apps.rowCount(), 2);
         QCOMPARE(apps.data(apps.index(0), ApplicationFilters::NameRole).toString(), u"Atlas"_s);
         QCOMPARE(apps.data(apps.index(1), ApplicationFilters::InitialRole).toString(), u"Q"_s);
@@ -246,6 +251,20 @@ private Q_SLOTS:
         QVERIFY(!apps.data(apps.index(0), ApplicationFilters::IsChosenRole).toBool());
         apps.chooseAll();
         QVERIFY(apps.isAll());
+        // One that comes takes nothing from those that are there.
+        QSignalSpy resets(&apps, &QAbstractItemModel::modelReset);
+        QSignalSpy removals(&apps, &QAbstractItemModel::rowsRemoved);
+        m_rig->add(u"c"_s, WorkspaceRig::kToday + 62, u"Maps"_s);
+        refresh();
+        QCOMPARE(apps.rowCount(), 3);
+        QCOMPARE(apps.data(apps.index(1), ApplicationFilters::NameRole).toString(), u"Maps"_s);
+        QCOMPARE(resets.size() + removals.size(), 0);
+        m_rig->model->store()->deleteMemory(u"b"_s).waitForFinished();
+        refresh();
+        QCOMPARE(apps.rowCount(), 2);
+        QCOMPARE(apps.data(apps.index(0), ApplicationFilters::NameRole).toString(), u"Maps"_s);
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(removals.size(), 1);
     }
 
     // Banners

@@ -42,11 +42,22 @@ ApplicationFilters::ApplicationFilters(Listing& listing, const InstalledApplicat
 
 void ApplicationFilters::update()
 {
-    if (m_apps == m_listing.stats().apps)
-        return;
-    beginResetModel();
-    m_apps = m_listing.stats().apps;
-    endResetModel();
+    const QStringList& wanted = m_listing.stats().apps;
+    for (int row = rowCount() - 1; row >= 0; --row) {
+        if (wanted.contains(m_apps.at(row)))
+            continue;
+        beginRemoveRows({}, row, row);
+        m_apps.removeAt(row);
+        endRemoveRows();
+    }
+    // Both are sorted, so what is left stands in the same order there.
+    for (int row = 0; row < wanted.size(); ++row) {
+        if (row < rowCount() && m_apps.at(row) == wanted.at(row))
+            continue;
+        beginInsertRows({}, row, row);
+        m_apps.insert(row, wanted.at(row));
+        endInsertRows();
+    }
 }
 
 bool ApplicationFilters::isAll() const

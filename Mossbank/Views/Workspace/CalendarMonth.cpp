@@ -68,6 +68,11 @@ void CalendarMonth::show(QDate month)
     Q_EMIT monthChanged();
 }
 
+void CalendarMonth::remake()
+{
+    show(m_month);
+}
+
 void CalendarMonth::showPrevious()
 {
     show(m_month.addMonths(-1));

@@ -51,8 +51,8 @@ public:
     QStringList weekdays() const;
     bool hasNext() const;
 
-    /// Another day is today, or is chosen.
-    void tell();
+    /// Another day is today, or days begin at other moments than before.
+    void remake();
 
     Q_INVOKABLE void showPrevious();
     Q_INVOKABLE void showNext();
@@ -77,6 +77,7 @@ private:
     void followDay();
     void count();
     void show(QDate month);
+    void tell();
     QString spoken(const Day& day) const;
     bool isTabStop(const Day& day) const;
     QDate today() const;

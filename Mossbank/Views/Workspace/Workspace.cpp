@@ -60,11 +60,11 @@ void Workspace::passIntoTheNextDay()
 {
     Q_EMIT headingChanged();
     Q_EMIT m_sidebar.dayChanged();
+    // The counts are of another today, also where nothing was saved.
+    Q_EMIT m_sidebar.statsChanged();
     Q_EMIT m_viewer.changed();
-    m_calendar.tell();
-    Q_EMIT m_calendar.monthChanged();
+    m_calendar.remake();
     m_memories.redate();
-    // The counts are of another today.
     m_listing.refreshSoon();
 }
 
@@ -145,7 +145,8 @@ QString Workspace::errorMessage() const
 
 bool Workspace::isPermissionMissing() const
 {
-    return m_parts.model.recorder().errorMessage() && !m_parts.model.mayRecordScreen();
+    // In the sample library nothing is ever recorded, and nothing goes wrong for want of that.
+    return m_parts.model.recorder().errorMessage() && !isDemo() && !m_parts.model.mayRecordScreen();
 }
 
 void Workspace::setShowsText(bool shows)

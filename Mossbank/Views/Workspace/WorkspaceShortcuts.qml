@@ -30,13 +30,12 @@ Item {
     }
     Shortcut {
         autoRepeat: false
-        enabled: !shortcuts.isCovered
+        enabled: !shortcuts.workspace.asksToDelete
         sequence: "Ctrl+Shift+T"
         onActivated: shortcuts.workspace.showToday()
     }
     Shortcut {
         autoRepeat: false
-        enabled: !shortcuts.isCovered
         sequence: "Ctrl+Shift+R"
         onActivated: shortcuts.workspace.recording.toggle()
     }

@@ -95,7 +95,6 @@ void WorkspaceWindow::open()
         bringToFront(m_opened->window());
         return;
     }
-    // It begins with what is on the list, while that is made anew.
     m_parts.model.listing().openWorkspace();
     try {
         m_opened = new Opened(m_parts);
