@@ -46,6 +46,7 @@ void sayWhatExcludesNothing(const Preferences& preferences)
 
 void sayWhatChoicesMean(const Preferences& preferences)
 {
+    TerminalStatus::say(localized("Choices: %1").arg(preferences.path()));
     sayWhatCountsAsNotChosen(preferences);
     sayWhatExcludesNothing(preferences);
 }

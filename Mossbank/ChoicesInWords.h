@@ -5,8 +5,8 @@ namespace mossbank {
 
 class Preferences;
 
-/// Says on the terminal what the user should know of the stored choices: which count as not chosen,
-/// which exclusions exclude nothing.
+/// Says on the terminal what the user should know of the stored choices: where they are, which
+/// count as not chosen, which exclusions exclude nothing.
 void sayWhatChoicesMean(const Preferences& preferences);
 
 } // namespace mossbank

@@ -99,7 +99,7 @@ private Q_SLOTS:
                      u"Library: %1/.local/share/Mossbank\n"_s.arg(mossbank.home())),
                  qPrintable(mossbank.terminal()));
         QVERIFY2(mossbank.terminal().contains(
-                     u" in %1/.config/Mossbank/Mossbank.ini "_s.arg(mossbank.home())),
+                     u"Choices: %1/.config/Mossbank/Mossbank.ini\n"_s.arg(mossbank.home())),
                  qPrintable(mossbank.terminal()));
         QCOMPARE(mossbank.stop(SIGTERM), 0);
         QCOMPARE(QDir(here).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
@@ -130,7 +130,7 @@ private Q_SLOTS:
         QVERIFY(mossbank.start());
         QVERIFY2(mossbank.waitFor(u"Library: %1/.local/share/Mossbank\n"_s.arg(listed)),
                  qPrintable(mossbank.terminal()));
-        QVERIFY2(mossbank.waitFor(u" in %1/.config/Mossbank/Mossbank.ini "_s.arg(listed)),
+        QVERIFY2(mossbank.waitFor(u"Choices: %1/.config/Mossbank/Mossbank.ini\n"_s.arg(listed)),
                  qPrintable(mossbank.terminal()));
         QCOMPARE(mossbank.stop(SIGTERM), 0);
     }
