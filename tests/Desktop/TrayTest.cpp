@@ -153,16 +153,19 @@ private Q_SLOTS:
                            {u"skipsUnchangedScreens"_s, u"false"_s}});
         QVERIFY(start(kRecords));
         QVERIFY(waitForIcon());
-        QTRY_COMPARE_WITH_TIMEOUT(mossbank().pictureFiles().size(), 1, kPatience);
-        QTest::qWait(kMilliseconds);
-        QCOMPARE(mossbank().pictureFiles().size(), 1);
-        // One under way holds another off.
-        const auto capture = [this] {
-            m_icon->choose(u"Capture Now"_s);
+        // The look at the start may find nothing yet, and on a busy machine it may still be under
+        // way. The second time it cannot be that.
+        for (int time = 0; time < 2; ++time) {
             QTest::qWait(kMilliseconds);
-            return mossbank().pictureFiles().size() >= 2;
-        };
-        QVERIFY(QTest::qWaitFor(capture, kPatience));
+            const qsizetype before = mossbank().pictureFiles().size();
+            // One under way holds another off.
+            const auto capture = [&] {
+                m_icon->choose(u"Capture Now"_s);
+                QTest::qWait(kMilliseconds);
+                return mossbank().pictureFiles().size() > before;
+            };
+            QVERIFY2(QTest::qWaitFor(capture, kPatience), qPrintable(mossbank().terminal()));
+        }
         QCOMPARE(mossbank().stop(SIGTERM), 0);
     }
 
